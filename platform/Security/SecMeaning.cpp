@@ -10,11 +10,6 @@ constexpr std::size_t largestSecret = std::size_t{16} << 20;
 
 bool tooLarge(const SecSecret& secret) { return secret.bytes().size() > largestSecret; }
 
-OSStatus notFound(SecTransaction& transaction) {
-  const OSStatus status = transaction.confirmMiss();
-  return status == errSecSuccess ? errSecItemNotFound : status;
-}
-
 OSStatus findOldest(SecTransaction& transaction, const SecAttributes& query, SecRow& oldest) {
   bool found = false;
   const OSStatus status = transaction.find(query, [&](SecRow row) {
@@ -23,7 +18,7 @@ OSStatus findOldest(SecTransaction& transaction, const SecAttributes& query, Sec
     return false;
   });
   if (status != errSecSuccess) return status;
-  return found ? errSecSuccess : notFound(transaction);
+  return found ? errSecSuccess : errSecItemNotFound;
 }
 
 /// An identity without a protocol also matches, as a query, entries that have one: hence the comparison.
@@ -88,7 +83,7 @@ OSStatus secDelete(SecTransaction& transaction, const SecAttributes& query) {
     numbers.push_back(row.number);
     return true;
   });
-  if (status == errSecSuccess && numbers.empty()) status = notFound(transaction);
+  if (status == errSecSuccess && numbers.empty()) status = errSecItemNotFound;
   for (auto number = numbers.begin(); status == errSecSuccess && number != numbers.end(); ++number)
     status = transaction.remove(*number);
   return status;

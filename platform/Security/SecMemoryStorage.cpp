@@ -14,7 +14,6 @@ class SecMemoryStorage::Transaction final : public SecTransaction {
   void keep() { displaced_.clear(); }
 
   OSStatus find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) override;
-  OSStatus confirmMiss() override { return errSecSuccess; }
   OSStatus insert(const SecEntry& entry) override;
   OSStatus replace(std::int64_t number, const SecEntry& entry) override;
   OSStatus remove(std::int64_t number) override;

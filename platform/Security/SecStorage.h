@@ -20,14 +20,11 @@ class SecTransaction {
  public:
   virtual ~SecTransaction() = default;
 
-  /// Hands `visit` the rows that `query` matches, oldest first, until it answers false. An identity
-  /// attribute that the query lacks matches anything; its label is not looked at.
+  /// Hands `visit` the rows that `query` matches (secMatches), oldest first, until it answers false. Nothing
+  /// that was ever put into the storage is passed over: a storage that cannot be sure answers errSecDecode.
   virtual OSStatus find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
 
-  /// Called before "not found" is believed: errSecSuccess when the storage is sure that it holds all that
-  /// was ever put into it.
-  virtual OSStatus confirmMiss() = 0;
-
+  /// The number of a row that is replaced or removed is one that `find` gave in this transaction.
   virtual OSStatus insert(const SecEntry& entry) = 0;
   virtual OSStatus replace(std::int64_t number, const SecEntry& entry) = 0;
   virtual OSStatus remove(std::int64_t number) = 0;
