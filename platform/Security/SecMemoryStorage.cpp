@@ -73,3 +73,9 @@ OSStatus SecMemoryStorage::transact(Access access, const Work& work) {
   if (status == errSecSuccess) transaction.keep();
   return status;
 }
+
+OSStatus SecMemoryStorage::copyInfo(SecStorageInfo& info) {
+  const std::lock_guard lock(mutex_);
+  info = {"memory", "ends with the process", entries_.size()};
+  return errSecSuccess;
+}

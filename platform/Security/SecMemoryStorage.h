@@ -1,14 +1,17 @@
 #pragma once
 
+#include <Foundation/FoundationExport.h>
+
 #include <map>
 #include <mutex>
 
 #include "Security/SecStorage.h"
 
 /// Entries that end with the process, for tests and throw-away hosts. Safe from any thread.
-class SecMemoryStorage final : public SecStorage {
+class FOUNDATION_EXPORT SecMemoryStorage final : public SecStorage {
  public:
   OSStatus transact(Access access, const Work& work) override;
+  OSStatus copyInfo(SecStorageInfo& info) override;
 
  private:
   class Transaction;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "Security/SecBase.h"
@@ -30,6 +31,13 @@ class SecTransaction {
   virtual OSStatus remove(std::int64_t number) = 0;
 };
 
+/// What a person wants to know of a storage.
+struct SecStorageInfo {
+  std::string place;       // "memory", or the path of a file
+  std::string protection;  // in a few English words
+  std::size_t entries = 0;
+};
+
 /// A place where entries are kept. Safe from any thread: transactions follow one another.
 class SecStorage {
  public:
@@ -41,4 +49,7 @@ class SecStorage {
   /// Runs `work` as one transaction, which is kept exactly when `work` answers errSecSuccess. Answers
   /// the status of `work`, or why the transaction could not be begun or kept.
   virtual OSStatus transact(Access access, const Work& work) = 0;
+
+  /// Tells what this storage is; after a status other than errSecSuccess, only as far as it could.
+  virtual OSStatus copyInfo(SecStorageInfo& info) = 0;
 };
