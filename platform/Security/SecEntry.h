@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "Security/SecSecret.h"
+#include <Security/SecSecret.h>
 
 enum class SecItemClass : std::uint8_t { genericPassword = 1, internetPassword = 2 };
 
@@ -13,12 +13,12 @@ enum class SecItemClass : std::uint8_t { genericPassword = 1, internetPassword =
 struct SecAttributes {
   SecItemClass itemClass = SecItemClass::genericPassword;
   std::optional<std::u16string> account;
-  std::optional<std::u16string> service;   // generic passwords only
-  std::optional<std::u16string> server;    // internet passwords only, as are the next three
+  std::optional<std::u16string> service;  // generic passwords only
+  std::optional<std::u16string> server;   // internet passwords only, as are the next three
   std::optional<std::u16string> path;
   std::optional<std::int64_t> port;
   std::optional<std::u16string> protocol;
-  std::optional<std::u16string> label;     // never part of the identity
+  std::optional<std::u16string> label;  // never part of the identity
 
   friend bool operator==(const SecAttributes&, const SecAttributes&) = default;
 };

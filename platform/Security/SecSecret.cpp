@@ -1,4 +1,4 @@
-#include "Security/SecSecret.h"
+#include <Security/SecSecret.h>
 
 #include <openssl/crypto.h>
 
