@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "Security/SecSecret.h"
+#include <Security/SecSecret.h>
 
 /// Text of an attribute: UTF-16, overwritten when it is let go of, unpaired surrogates kept.
 using SecText = std::basic_string<char16_t, std::char_traits<char16_t>, CleansingAllocator<char16_t>>;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "Security/SecBase.h"
-#include "Security/SecEntry.h"
+#include <Security/SecBase.h>
+#include <Security/SecEntry.h>
 
 /// One row of a storage: an entry, and the number by which the storage knows it. An older entry has the
 /// smaller number.

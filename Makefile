@@ -1,0 +1,22 @@
+# The front door: each target is one command, and what it does is in its script.
+.PHONY: demo check clang sanitize tidy
+
+PRESET = release
+# What CTest is to pick or leave out, say ARGS="-R Base64".
+ARGS =
+
+demo:
+	scripts/demo
+
+check:
+	scripts/check $(PRESET) $(ARGS)
+
+clang:
+	scripts/check clang $(ARGS)
+
+sanitize:
+	scripts/check asan-ubsan $(ARGS)
+	scripts/check tsan $(ARGS)
+
+tidy:
+	scripts/tidy

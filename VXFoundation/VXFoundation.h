@@ -1,0 +1,6 @@
+#pragma once
+
+/// Everything that a host needs.
+#include <Foundation/Foundation.h>
+#include <VXFoundation/NSObject+VXAdditions.h>
+#include <VXFoundation/VXFoundationConstants.h>

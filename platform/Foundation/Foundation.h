@@ -1,0 +1,17 @@
+#pragma once
+
+/// All of the platform layer's foundation.
+#include <Foundation/Class.h>
+#include <Foundation/NSArray.h>
+#include <Foundation/NSAssertionHandler.h>
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSBundle.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSError.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSLog.h>
+#include <Foundation/NSMutableString.h>
+#include <Foundation/NSNumber.h>
+#include <Foundation/NSSet.h>
+#include <Foundation/NSString.h>

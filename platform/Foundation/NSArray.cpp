@@ -1,0 +1,174 @@
+#include <Foundation/NSArray.h>
+
+#include <algorithm>
+#include <vector>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSMutableString.h>
+
+namespace {
+
+void checkIndex(std::size_t index, std::size_t end) {
+  if (index >= end)
+    NSException::raise(NSRangeException, "index %lu is beyond the list's end %lu", index, end);
+}
+
+}  // namespace
+
+Ref<NSArray> NSArray::array() { return allocWithTail(0); }
+
+Ref<NSArray> NSArray::arrayWithObjects(std::initializer_list<Object> objects) {
+  return NSMutableArray::arrayWithObjects(objects)->copy();
+}
+
+NSArray::~NSArray() {
+  for (NSObject* element : storage_.units()) element->release();
+}
+
+Ref<NSObject> NSArray::objectAtIndex(std::size_t index) const {
+  checkIndex(index, count());
+  return *storage_.units()[index];
+}
+
+std::size_t NSArray::indexOfObject(Object object) const {
+  const RefPtr<NSObject> sought = object.get();
+  std::size_t index = 0;
+  for (const Ref<NSObject> element : *this) {
+    if (element->isEqual(sought)) return index;
+    ++index;
+  }
+  return NSNotFound;
+}
+
+Ref<NSString> NSArray::componentsJoinedByString(Text separator) const {
+  const Ref<NSString> between = separator.get();
+  const Ref<NSMutableString> joined = NSMutableString::string();
+  enumerateObjectsUsingBlock([&](const Ref<NSObject>& element, std::size_t index, bool*) {
+    if (index > 0) joined->appendString(between);
+    joined->appendString(element->description());
+  });
+  return joined->copy();
+}
+
+bool NSArray::isEqual(const RefPtr<NSObject>& other) const {
+  const auto* array = dynamicCast<NSArray>(other.get());
+  if (!array || array->count() != count()) return false;
+  std::size_t index = 0;
+  for (const Ref<NSObject> element : *this)
+    if (!element->isEqual(array->objectAtIndex(index++))) return false;
+  return true;
+}
+
+Ref<NSString> NSArray::description() const {
+  return NSString::stringWithFormat("(%@)", componentsJoinedByString(", "));
+}
+
+Ref<NSMutableArray> NSArray::mutableCopy() const {
+  const Ref<NSMutableArray> copy = NSMutableArray::arrayWithCapacity(count());
+  copy->addObjectsFromArray(const_cast<NSArray&>(*this));
+  return copy;
+}
+
+Ref<NSObject> NSArray::mutableCopyObject() const { return mutableCopy(); }
+
+void NSArray::appendRetained(const NSArray& from, NSArray& to) {
+  const std::size_t added = from.count();
+  to.storage_.append(from.storage_.units());
+  for (NSObject* element : to.storage_.units().last(added)) element->retain();
+}
+
+Ref<NSMutableArray> NSMutableArray::arrayWithCapacity(std::size_t capacity) {
+  return allocWithTail(NSStorage<NSObject*>::bytesFor(capacity));
+}
+
+Ref<NSMutableArray> NSMutableArray::arrayWithObjects(std::initializer_list<Object> objects) {
+  const Ref<NSMutableArray> array = arrayWithCapacity(objects.size());
+  for (const Object& object : objects) array->addObject(object);
+  return array;
+}
+
+Ref<NSArray> NSMutableArray::fixedCopy() const {
+  const Ref<NSArray> fixed = NSArray::allocWithTail(NSStorage<NSObject*>::bytesFor(count()));
+  appendRetained(*this, *fixed);
+  return fixed;
+}
+
+void NSMutableArray::addObject(Object object) { insertObject(object, count()); }
+
+void NSMutableArray::addObjectsFromArray(const Ref<NSArray>& objects) {
+  ++changes_;
+  appendRetained(*objects, *this);
+}
+
+void NSMutableArray::insertObject(Object object, std::size_t atIndex) {
+  Ref<NSObject> added = object.get();
+  checkIndex(atIndex, count() + 1);
+  storage_.grow(1);
+  ++changes_;
+  const auto units = storage_.units();
+  std::copy_backward(units.begin() + static_cast<std::ptrdiff_t>(atIndex), units.end() - 1, units.end());
+  added->retain();
+  units[atIndex] = added.get();
+}
+
+void NSMutableArray::replaceObjectAtIndex(std::size_t index, Object withObject) {
+  const Ref<NSObject> added = withObject.get();
+  checkIndex(index, count());
+  ++changes_;
+  added->retain();
+  std::exchange(storage_.units()[index], added.get())->release();
+}
+
+void NSMutableArray::removeObjectAtIndex(std::size_t index) {
+  checkIndex(index, count());
+  ++changes_;
+  const auto units = storage_.units();
+  const auto removed = RefPtr<NSObject>::adopt(units[index]);
+  std::copy(units.begin() + static_cast<std::ptrdiff_t>(index) + 1, units.end(),
+            units.begin() + static_cast<std::ptrdiff_t>(index));
+  storage_.setCount(units.size() - 1);
+}
+
+void NSMutableArray::removeLastObject() {
+  checkIndex(0, count());
+  removeObjectAtIndex(count() - 1);
+}
+
+void NSMutableArray::removeAllObjects() {
+  removeObjectsWhere([](NSObject&) { return true; });
+}
+
+void NSMutableArray::removeObject(Object object) {
+  const RefPtr<NSObject> sought = object.get();
+  removeObjectsWhere([&](NSObject& element) { return element.isEqual(sought); });
+}
+
+void NSMutableArray::removeObjectsInArray(const RefPtr<NSArray>& objects) {
+  if (!objects) return;
+  const Ref<NSArray> unwanted = objects->copy();
+  removeObjectsWhere([&](NSObject& element) {
+    for (const Ref<NSObject> each : *unwanted)
+      if (element.isEqual(each)) return true;
+    return false;
+  });
+}
+
+// Decides first, for an equality may raise, and lets go last, for a destructor may look at the list.
+template <class Unwanted>
+void NSMutableArray::removeObjectsWhere(Unwanted&& unwanted) {
+  std::vector<bool> goes;
+  goes.reserve(count());
+  for (const Ref<NSObject> element : *this) goes.push_back(unwanted(*element));
+  std::vector<RefPtr<NSObject>> removed;
+  removed.reserve(static_cast<std::size_t>(std::count(goes.begin(), goes.end(), true)));
+  ++changes_;
+  const auto units = storage_.units();
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    if (goes[i])
+      removed.push_back(RefPtr<NSObject>::adopt(units[i]));
+    else
+      units[kept++] = units[i];
+  }
+  storage_.setCount(kept);
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <concepts>
+#include <functional>
+#include <type_traits>
+
+#include <Foundation/NSObject.h>
+
+template <class Signature>
+class NSBlock;
+
+template <class Value>
+inline constexpr bool NSIsHandle = false;
+template <class T>
+inline constexpr bool NSIsHandle<Ref<T>> = true;
+template <class T>
+inline constexpr bool NSIsHandle<RefPtr<T>> = true;
+
+/// A callable that is kept, listed or tested for absence. It is made implicitly where a RefPtr to one is
+/// wanted, from anything callable; an empty std::function or a null pointer makes an absent one. Whether
+/// it may be called on several threads at once is the callable's affair.
+template <class Result, class... Arguments>
+class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
+    : public NSObject::Subclass<NSBlock<Result(Arguments...)>> {
+ public:
+  explicit NSBlock(std::function<Result(Arguments...)> callable) : callable_(std::move(callable)) {}
+
+  template <class Callable>
+  requires(!NSIsHandle<std::remove_cvref_t<Callable>> &&
+           !std::same_as<std::remove_cvref_t<Callable>, std::nullptr_t> &&
+           std::constructible_from<std::function<Result(Arguments...)>, Callable>) static RefPtr<NSBlock>
+  implicitly(Callable && callable) {
+    std::function<Result(Arguments...)> held(std::forward<Callable>(callable));
+    if (!held) return nullptr;
+    return NSBlock::alloc(std::move(held));
+  }
+
+  Result operator()(Arguments... arguments) const { return callable_(std::forward<Arguments>(arguments)...); }
+
+  /// A block is fixed: another reference.
+  Ref<NSBlock> copy() const { return const_cast<NSBlock&>(*this); }
+
+ private:
+  std::function<Result(Arguments...)> callable_;
+};

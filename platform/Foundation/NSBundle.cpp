@@ -1,0 +1,96 @@
+#include <Foundation/NSBundle.h>
+
+#include <link.h>
+
+#include <filesystem>
+#include <vector>
+
+#include <Foundation/NSLocale.h>
+#include <Foundation/NSPropertyList.h>
+
+namespace {
+
+namespace files = std::filesystem;
+
+RefPtr<NSDictionary> dictionaryInFile(const files::path& path) {
+  return dynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(path.string()));
+}
+
+// The folder of the file that a link stands for; empty when there is none.
+std::string folderOf(const files::path& file) {
+  std::error_code error;
+  return files::canonical(file, error).parent_path().string();
+}
+
+std::string programFolder() { return folderOf("/proc/self/exe"); }
+
+// Of the program and of every library that is loaded now.
+std::vector<std::string> foldersOfLoadedCode() {
+  std::vector<std::string> folders{programFolder()};
+  dl_iterate_phdr(
+      [](dl_phdr_info* image, std::size_t, void* found) {
+        if (image->dlpi_name && *image->dlpi_name)
+          static_cast<std::vector<std::string>*>(found)->push_back(folderOf(image->dlpi_name));
+        return 0;
+      },
+      &folders);
+  return folders;
+}
+
+}  // namespace
+
+Ref<NSBundle> NSBundle::mainBundle() { return alloc(programFolder()); }
+
+RefPtr<NSBundle> NSBundle::bundleWithIdentifier(Text identifier) {
+  const auto sought = identifier.borrow();
+  if (!sought) return nullptr;
+  for (const std::string& folder : foldersOfLoadedCode()) {
+    const Ref<NSBundle> bundle = alloc(folder);
+    const RefPtr<NSString> own = bundle->bundleIdentifier();
+    if (own && own->isEqualToString(*sought)) return bundle;
+  }
+  return nullptr;
+}
+
+RefPtr<NSBundle> NSBundle::bundleWithPath(Text path) {
+  const auto text = path.borrow();
+  const auto folder = text ? text->UTF8String() : std::nullopt;
+  std::error_code error;
+  if (!folder || !files::is_directory(files::path(*folder) / "Resources", error)) return nullptr;
+  return alloc(*folder);
+}
+
+Ref<NSString> NSBundle::bundlePath() const {
+  const RefPtr<NSString> path = NSString::stringWithUTF8String(folder_);
+  return path ? Ref<NSString>(path) : NSString::string();
+}
+
+RefPtr<NSString> NSBundle::bundleIdentifier() const {
+  return dynamicCast<NSString>(infoDictionary()->objectForKey("CFBundleIdentifier"));
+}
+
+Ref<NSDictionary> NSBundle::infoDictionary() const {
+  const RefPtr<NSDictionary> info = dictionaryInFile(files::path(folder_) / "Resources" / "Info.plist");
+  return info ? Ref<NSDictionary>(info) : NSDictionary::dictionary();
+}
+
+Ref<NSString> NSBundle::localizedStringForKey(Text key, Text value, Text table) const {
+  const RefPtr<NSString> sought = key.get();
+  const RefPtr<NSString> fallback = value.get();
+  const auto name = table ? table.borrow()->UTF8String() : "Localizable";
+  if (sought && name)
+    if (const RefPtr<NSString> translation = translationOf(*sought, *name)) return translation;
+  if (fallback && fallback->length() > 0) return fallback;
+  return sought ? Ref<NSString>(sought) : NSString::string();
+}
+
+RefPtr<NSString> NSBundle::translationOf(const NSString& key, const std::string& table) const {
+  for (const std::string& language : NSPreferredLanguages()) {
+    if (language.find('/') != std::string::npos) continue;
+    const RefPtr<NSDictionary> texts =
+        dictionaryInFile(files::path(folder_) / "Resources" / (language + ".lproj") / (table + ".strings"));
+    if (!texts) continue;
+    if (const auto translation = dynamicCast<NSString>(texts->objectForKey(key))) return translation;
+  }
+  return nullptr;
+}

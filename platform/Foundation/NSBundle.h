@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSString.h>
+
+/// A folder that holds code and its resources: a loaded library or program beside which a folder
+/// "Resources" with an information file, Info.plist, lies. Nothing is kept between calls: files are read
+/// anew each time, and a damaged one counts as one that is not there. Fixed; any number of threads may
+/// use one at once.
+class FOUNDATION_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
+ public:
+  /// The bundle of the program.
+  static Ref<NSBundle> mainBundle();
+  /// The bundle of the program or of a library that is loaded now; absent when none has the identifier.
+  static RefPtr<NSBundle> bundleWithIdentifier(Text identifier);
+  /// The bundle in a folder, named in UTF-8; absent when the folder holds no resources.
+  static RefPtr<NSBundle> bundleWithPath(Text path);
+
+  Ref<NSString> bundlePath() const;
+  /// Absent when the information file has none.
+  RefPtr<NSString> bundleIdentifier() const;
+  /// The information file; empty when there is none.
+  Ref<NSDictionary> infoDictionary() const;
+
+  /// The text for the key in the best of the user's languages that has it, from Resources/<language>.lproj;
+  /// an absent table is "Localizable". Where there is none: the value if it is not empty, else the key. A
+  /// nil key gives the value, or the empty text.
+  Ref<NSString> localizedStringForKey(Text key, Text value, Text table) const;
+
+ protected:
+  template <class Self>
+  friend class NSAllocated;
+
+  explicit NSBundle(std::string folder) : folder_(std::move(folder)) {}
+
+ private:
+  RefPtr<NSString> translationOf(const NSString& key, const std::string& table) const;
+
+  std::string folder_;
+};

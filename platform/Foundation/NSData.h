@@ -1,0 +1,81 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include <Foundation/NSStorage.h>
+
+class NSMutableData;
+
+/// A run of bytes. Fixed, so that any number of threads may use one at once.
+class FOUNDATION_EXPORT NSData : public NSObject::Subclass<NSData> {
+ public:
+  using HashAgreesWithEquality = NSData;
+
+  static Ref<NSData> data();
+  static Ref<NSData> dataWithBytes(const void* bytes, std::size_t length);
+  static Ref<NSData> dataWithBytes(std::span<const std::byte> bytes, bool secret = false);
+
+  std::span<const std::byte> bytes() const noexcept { return storage_.units(); }
+  std::size_t length() const noexcept { return storage_.count(); }
+
+  bool isEqual(const RefPtr<NSObject>& other) const override;
+  std::size_t hash() const override;
+  /// The length alone: bytes are as likely a secret as not.
+  Ref<NSString> description() const override;
+  Ref<NSData> copy() const { return fixedCopy(); }
+  Ref<NSMutableData> mutableCopy() const;
+
+  /// Whether the memory of the bytes is cleansed when it is let go of. Copies follow.
+  bool holdsSecret() const noexcept { return storage_.holdsSecret(); }
+  void setHoldsSecret(bool secret) noexcept { storage_.setHoldsSecret(secret); }
+
+ protected:
+  template <class Self, class Base>
+  friend class NSObjectLayer;
+
+  explicit NSData(NSTail tail) : storage_(tail) {}
+  virtual Ref<NSData> fixedCopy() const { return const_cast<NSData&>(*this); }
+  Ref<NSObject> copyObject() const override { return fixedCopy(); }
+  Ref<NSObject> mutableCopyObject() const override;
+
+  NSStorage<std::byte> storage_;
+};
+
+/// A run of bytes that grows. It starts in its own block and moves out when it outgrows that. For one
+/// thread at a time.
+class FOUNDATION_EXPORT NSMutableData : public NSData::Subclass<NSMutableData> {
+ public:
+  static Ref<NSMutableData> data() { return dataWithCapacity(0); }
+  static Ref<NSMutableData> dataWithCapacity(std::size_t capacity) { return allocWithTail(capacity); }
+  /// `length` zeros.
+  static Ref<NSMutableData> dataWithLength(std::size_t length);
+  static Ref<NSMutableData> dataWithBytes(const void* bytes, std::size_t length);
+  static Ref<NSMutableData> dataWithBytes(std::span<const std::byte> bytes, bool secret = false);
+  /// Bytes that `write(std::span<std::byte>)` makes in their final place, at most `maximum` of them, which
+  /// hold anything before. It answers how many there are, or std::nullopt, and the result is absent.
+  template <class Write>
+  static RefPtr<NSMutableData> dataWithMaximumLength(std::size_t maximum, Write&& write) {
+    const Ref<NSMutableData> data = dataWithCapacity(maximum);
+    data->storage_.setCount(maximum);
+    const std::optional<std::size_t> length = std::forward<Write>(write)(data->mutableBytes());
+    if (!length) return nullptr;
+    data->storage_.setCount(*length);
+    return data;
+  }
+
+  std::span<std::byte> mutableBytes() noexcept { return storage_.units(); }
+  void appendBytes(const void* bytes, std::size_t length);
+  void appendData(const Ref<NSData>& data);
+  /// Cuts, or fills up with zeros.
+  void setLength(std::size_t length);
+
+  Ref<NSData> copy() const { return fixedCopy(); }
+
+ protected:
+  template <class Self, class Base>
+  friend class NSObjectLayer;
+
+  explicit NSMutableData(NSTail tail) : NSData::Subclass<NSMutableData>(tail) {}
+  Ref<NSData> fixedCopy() const override { return NSData::dataWithBytes(bytes(), holdsSecret()); }
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSString.h>
+
+FOUNDATION_EXPORT extern const Ref<NSString> NSLocalizedDescriptionKey;
+FOUNDATION_EXPORT extern const Ref<NSString> NSUnderlyingErrorKey;
+FOUNDATION_EXPORT extern const Ref<NSString> NSOSStatusErrorDomain;
+
+/// What went wrong: a domain, a code within it, and what else is known. Fixed.
+class FOUNDATION_EXPORT NSError : public NSObject::Subclass<NSError> {
+ public:
+  /// A nil domain raises the invalid-argument exception; absent user information is an empty map.
+  static Ref<NSError> errorWithDomain(Text domain, std::int64_t code, RefPtr<NSDictionary> userInfo);
+
+  const Ref<NSString>& domain() const noexcept { return domain_; }
+  std::int64_t code() const noexcept { return code_; }
+  const Ref<NSDictionary>& userInfo() const noexcept { return userInfo_; }
+  /// The text under NSLocalizedDescriptionKey, else one made of domain and code.
+  Ref<NSString> localizedDescription() const;
+
+  bool isEqual(const RefPtr<NSObject>& other) const override;
+  std::size_t hash() const override { return domain_->hash() ^ static_cast<std::size_t>(code_); }
+  Ref<NSString> description() const override;
+
+ protected:
+  template <class Self>
+  friend class NSAllocated;
+
+  NSError(Ref<NSString> domain, std::int64_t code, Ref<NSDictionary> userInfo)
+      : domain_(std::move(domain)), code_(code), userInfo_(std::move(userInfo)) {}
+
+ private:
+  Ref<NSString> domain_;
+  std::int64_t code_;
+  Ref<NSDictionary> userInfo_;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+
+#include <Foundation/NSObject.h>
+
+/// What the collections have in common: their elements can be walked in the collection's order, by a range
+/// for loop. A change of the collection during the walk raises the generic exception at the next step.
+/// Hosts derive collections of their own from it.
+class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnumeration> {
+ public:
+  virtual std::size_t count() const = 0;
+
+  class Iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = Ref<NSObject>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = Ref<NSObject>;
+
+    explicit Iterator(const NSFastEnumeration& collection)
+        : collection_(&collection), changes_(collection.changes()) {}
+    Ref<NSObject> operator*() const { return collection_->enumeratedObjectAtIndex(index_); }
+    Iterator& operator++() {
+      ++index_;
+      return *this;
+    }
+    void operator++(int) { ++index_; }
+    bool operator==(std::default_sentinel_t) const {
+      if (collection_->changes() != changes_) collection_->raiseMutation();
+      return index_ >= collection_->count();
+    }
+
+   private:
+    const NSFastEnumeration* collection_;
+    std::size_t changes_;
+    std::size_t index_ = 0;
+  };
+
+  Iterator begin() const { return Iterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
+
+ protected:
+  /// An object below `count`, in the order of the walk.
+  virtual Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const = 0;
+  /// A number that differs after each change; a fixed collection keeps it.
+  virtual std::size_t changes() const noexcept { return 0; }
+
+ private:
+  [[noreturn]] void raiseMutation() const;
+};

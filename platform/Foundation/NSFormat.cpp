@@ -1,0 +1,78 @@
+#include <Foundation/NSFormat.h>
+
+#include <string>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSMutableString.h>
+
+namespace {
+
+// Walks a format and its arguments side by side.
+class Filler {
+ public:
+  Filler(std::u16string_view format, std::span<const FormatArgument> arguments)
+      : format_(format), arguments_(arguments) {}
+
+  Ref<NSString> filled() {
+    while (!format_.empty()) {
+      const std::size_t plain = std::min(format_.find(u'%'), format_.size());
+      result_->appendCharacters(format_.substr(0, plain));
+      format_.remove_prefix(plain);
+      if (!format_.empty()) fillDirective();
+    }
+    if (!arguments_.empty()) refuse("an argument is left over");
+    return result_->copy();
+  }
+
+ private:
+  void fillDirective() {
+    if (takes(u"%%")) return result_->appendCharacters(u"%");
+    if (takes(u"%@")) return fillObject(next());
+    if (takes(u"%d")) return fillDecimal(next(), &FormatArgument::isSigned, &FormatArgument::signedInteger);
+    if (takes(u"%lu"))
+      return fillDecimal(next(), &FormatArgument::isUnsigned, &FormatArgument::unsignedInteger);
+    refuse("a directive is unknown");
+  }
+
+  void fillObject(const FormatArgument& argument) {
+    if (!argument.isObject()) refuse("%@ wants an object");
+    const RefPtr<NSObject> object = argument.object().get();
+    if (!object) return result_->appendCharacters(u"(null)");
+    result_->appendString(object->description());
+  }
+
+  template <class Kind, class Value>
+  void fillDecimal(const FormatArgument& argument, Kind isOfKind, Value value) {
+    if (!(argument.*isOfKind)()) refuse("an argument is not of the directive's kind");
+    const std::string digits = std::to_string((argument.*value)());
+    result_->appendCharacters(std::u16string(digits.begin(), digits.end()));
+  }
+
+  bool takes(std::u16string_view directive) {
+    if (!format_.starts_with(directive)) return false;
+    format_.remove_prefix(directive.size());
+    return true;
+  }
+
+  const FormatArgument& next() {
+    if (arguments_.empty()) refuse("an argument is missing");
+    const FormatArgument& argument = arguments_.front();
+    arguments_ = arguments_.subspan(1);
+    return argument;
+  }
+
+  // Not through NSException::raise, which formats.
+  [[noreturn]] static void refuse(std::string_view why) {
+    throw NSException(NSInvalidArgumentException, NSString::stringWithUTF8String(why));
+  }
+
+  std::u16string_view format_;
+  std::span<const FormatArgument> arguments_;
+  Ref<NSMutableString> result_ = NSMutableString::string();
+};
+
+}  // namespace
+
+Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments) {
+  return Filler(static_cast<std::u16string>(format), arguments).filled();
+}

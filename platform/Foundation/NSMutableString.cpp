@@ -1,0 +1,63 @@
+#include <Foundation/NSMutableString.h>
+
+#include <algorithm>
+
+#include <Foundation/NSUnicode.h>
+
+Ref<NSMutableString> NSMutableString::stringWithCapacity(std::size_t capacity) {
+  return allocWithTail(capacity);
+}
+
+Ref<NSMutableString> NSMutableString::stringWithString(Text text) {
+  const Ref<NSString> given = text.get();
+  const Ref<NSMutableString> copy =
+      stringWithCapacity(given->length() * (given->isASCII() ? 1 : sizeof(char16_t)));
+  copy->appendString(given);
+  return copy;
+}
+
+void NSMutableString::appendString(Text tail) {
+  const Ref<NSString> text = tail.get();
+  if (text->holdsSecret()) setHoldsSecret(true);
+  text->visit([this](auto units) { append(units); });
+}
+
+void NSMutableString::appendCharacters(std::u16string_view units) {
+  if (!NSIsASCII(units)) return append(units);
+  append(std::string(units.begin(), units.end()));
+}
+
+void NSMutableString::append(std::string_view units) {
+  if (!wide_) return storage_.append(std::as_bytes(std::span(units)));
+  auto* place = reinterpret_cast<char16_t*>(storage_.grow(NSStorage<char16_t>::bytesFor(units.size())));
+  std::copy(units.begin(), units.end(), place);
+}
+
+// The units may be the text's own: then it is wide already, and the storage sees to the rest.
+void NSMutableString::append(std::u16string_view units) {
+  widen();
+  storage_.append(std::as_bytes(std::span(units)));
+}
+
+void NSMutableString::widen() {
+  if (wide_) return;
+  const std::size_t length = storage_.count();
+  storage_.setCount(NSStorage<char16_t>::bytesFor(length));
+  auto* wide = unitsAs<char16_t>();
+  const auto* narrow = unitsAs<char>();
+  for (std::size_t i = length; i-- > 0;) wide[i] = static_cast<unsigned char>(narrow[i]);
+  wide_ = true;
+}
+
+Ref<NSString> NSMutableString::fixedCopy() const {
+  const Ref<NSString> fixed = visit([](auto units) -> Ref<NSString> {
+    if constexpr (std::is_same_v<decltype(units), std::string_view>) {
+      return stringWithASCIILength(
+          units.size(), [&](std::span<char> place) { std::copy(units.begin(), units.end(), place.begin()); });
+    } else {
+      return stringWithCharacters(units);
+    }
+  });
+  fixed->setHoldsSecret(holdsSecret());
+  return fixed;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <Foundation/NSString.h>
+
+/// A text that grows. It starts in its own block and as ASCII, and becomes UTF-16 with the first unit
+/// that is not. For one thread at a time.
+class FOUNDATION_EXPORT NSMutableString : public NSString::Subclass<NSMutableString> {
+ public:
+  static Ref<NSMutableString> string() { return stringWithCapacity(0); }
+  /// Empty, with room for `capacity` ASCII characters in its own block.
+  static Ref<NSMutableString> stringWithCapacity(std::size_t capacity);
+  static Ref<NSMutableString> stringWithString(Text text);
+
+  /// Nil raises the invalid-argument exception and changes nothing.
+  void appendString(Text tail);
+  void appendCharacters(std::u16string_view units);
+  template <class... Arguments>
+  void appendFormat(Text format, const Arguments&... arguments) {
+    appendString(stringWithFormat(format, arguments...));
+  }
+
+  Ref<NSString> copy() const { return fixedCopy(); }
+
+ protected:
+  template <class Self, class Base>
+  friend class NSObjectLayer;
+
+  explicit NSMutableString(NSTail tail) : Subclass(tail, false) {}
+  Ref<NSString> fixedCopy() const override;
+
+ private:
+  using Subclass = NSString::Subclass<NSMutableString>;
+
+  void append(std::string_view units);
+  void append(std::u16string_view units);
+  void widen();
+};

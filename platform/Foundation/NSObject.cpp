@@ -1,0 +1,69 @@
+#include <Foundation/NSObject.h>
+
+#include <cstdio>
+#include <limits>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSString.h>
+
+namespace {
+
+// Objects of this thread that wait to be destroyed, linked through their counts.
+struct Waiting {
+  const NSObject* first = nullptr;
+  bool draining = false;
+};
+thread_local Waiting waiting;
+
+// References taken and let go of in a destructor must not end the object a second time.
+constexpr std::uintptr_t countOfTheDying = std::numeric_limits<std::uintptr_t>::max() / 2;
+
+}  // namespace
+
+void NSRaiseNilReference() {
+  NSException::raise(NSInvalidArgumentException, "nil where an object is required");
+}
+
+Class& NSObject::classObject() {
+  static Class& root = Class::ofType(typeid(NSObject), nullptr);
+  return root;
+}
+
+Class& NSObject::isa() const { return classObject(); }
+
+bool NSObject::isKindOfClass(const Class& other) const noexcept { return isa().isSubclassOfClass(other); }
+
+bool NSObject::isEqual(const RefPtr<NSObject>& other) const { return this == other.get(); }
+
+std::size_t NSObject::hash() const { return reinterpret_cast<std::uintptr_t>(this) / alignof(NSObject); }
+
+Ref<NSString> NSObject::description() const {
+  char address[2 + 2 * sizeof(void*) + 1];
+  std::snprintf(address, sizeof address, "%p", static_cast<const void*>(this));
+  return NSString::stringWithFormat("<%@: %@>", NSStringFromClass(isa()),
+                                    Ref(NSString::stringWithUTF8String(address)));
+}
+
+Ref<NSObject> NSObject::copyObject() const { return const_cast<NSObject&>(*this); }
+
+Ref<NSObject> NSObject::mutableCopyObject() const {
+  NSException::raise(NSInvalidArgumentException, "%@ has no growable kind", NSStringFromClass(isa()));
+}
+
+void* NSObject::allocateBlock(std::size_t size, std::size_t tail) {
+  if (tail > std::numeric_limits<std::size_t>::max() - size) throw std::bad_alloc();
+  return ::operator new(size + tail);
+}
+
+void NSObject::letGo() const noexcept {
+  count_.store(reinterpret_cast<std::uintptr_t>(waiting.first), std::memory_order_relaxed);
+  waiting.first = this;
+  if (waiting.draining) return;
+  waiting.draining = true;
+  while (const NSObject* object = waiting.first) {
+    waiting.first = reinterpret_cast<const NSObject*>(object->count_.load(std::memory_order_relaxed));
+    object->count_.store(countOfTheDying, std::memory_order_relaxed);
+    delete object;
+  }
+  waiting.draining = false;
+}

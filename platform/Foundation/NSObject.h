@@ -1,0 +1,176 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <type_traits>
+
+#include <Foundation/Ref.h>
+
+class Class;
+class NSObject;
+class NSString;
+
+template <class Self, class Base>
+class NSObjectLayer;
+template <class Self>
+class NSAllocated;
+
+/// How far the equality of an object can be known without asking it: objects that compare by identity and
+/// those whose class says that equal ones have equal hashes can be looked up; others are asked one by one.
+enum class NSEquality { identity, hashed, custom };
+
+/// Memory behind an object, in the same block.
+struct NSTail {
+  std::byte* start;
+  std::size_t size;
+};
+
+/// The root of all classes. An object lives on the heap, is shared through Ref and RefPtr and let go of
+/// with the last of them, which may happen on any thread. Letting go of a chain of any length takes a
+/// fixed amount of stack: what an object lets go of in its destructor is destroyed after it.
+class FOUNDATION_EXPORT NSObject {
+ public:
+  NSObject(const NSObject&) = delete;
+  NSObject& operator=(const NSObject&) = delete;
+
+  /// The base to derive a class from: class Shape : public NSObject::Subclass<Shape>.
+  template <class Derived>
+  using Subclass = NSObjectLayer<Derived, NSObject>;
+
+  /// The class whose isEqual agrees with its hash: equal objects, equal hashes. A class with an isEqual
+  /// and a hash of its own that agree names itself here; see NSEquality.
+  using HashAgreesWithEquality = NSObject;
+
+  static Class& classObject();
+
+  /// The class that the object was made of.
+  virtual Class& isa() const;
+  bool isKindOfClass(const Class& other) const noexcept;
+
+  /// Whether the object equals another, which may be absent; here, whether it is the same one.
+  virtual bool isEqual(const RefPtr<NSObject>& other) const;
+  virtual std::size_t hash() const;
+  virtual NSEquality equality() const { return NSEquality::identity; }
+
+  /// A text for people; here, the name of the class and the address.
+  virtual Ref<NSString> description() const;
+
+  /// A fixed object with the same content: of a fixed object another reference, of a growable one a copy.
+  Ref<NSObject> copy() const { return copyObject(); }
+  /// A new growable object. Raises the invalid-argument exception for a class that has no growable kind.
+  Ref<NSObject> mutableCopy() const { return mutableCopyObject(); }
+
+  void retain() const noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
+  void release() const noexcept {
+    if (count_.fetch_sub(1, std::memory_order_acq_rel) == 1) letGo();
+  }
+
+  static void operator delete(void* block) noexcept { ::operator delete(block); }
+
+ protected:
+  NSObject() = default;
+  virtual ~NSObject() = default;
+
+  virtual Ref<NSObject> copyObject() const;
+  virtual Ref<NSObject> mutableCopyObject() const;
+
+  /// A block for an object of `size` bytes and `tail` bytes behind it; throws std::bad_alloc.
+  static void* allocateBlock(std::size_t size, std::size_t tail);
+
+ private:
+  template <class Self, class Base>
+  friend class NSObjectLayer;
+  template <class Self>
+  friend class NSAllocated;
+  friend class Class;
+
+  static void* operator new(std::size_t size) { return ::operator new(size); }
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+
+  /// Only allocation gives this a body, so that objects outside the heap do not compile.
+  virtual void livesOnTheHeap() const = 0;
+
+  void letGo() const noexcept;
+
+  // The number of references; of an object that waits to be destroyed, the next one that waits.
+  mutable std::atomic<std::uintptr_t> count_{1};
+};
+
+/// What allocation makes of a class.
+template <class Self>
+class NSAllocated final : public Self {
+ public:
+  template <class... Arguments>
+  explicit NSAllocated(Arguments&&... arguments) : Self(std::forward<Arguments>(arguments)...) {}
+
+ private:
+  void livesOnTheHeap() const override {}
+};
+
+template <class Member>
+struct NSMemberClass;
+template <class Declaring, class Type>
+struct NSMemberClass<Type Declaring::*> {
+  using type = Declaring;
+};
+
+/// The layer between a class and its base that supplies what depends on the class itself: its class
+/// object, its allocation, and what can be known of its equality.
+template <class Self, class Base>
+class [[gnu::visibility("default")]] NSObjectLayer : public Base {
+ public:
+  template <class Derived>
+  using Subclass = NSObjectLayer<Derived, Self>;
+
+  static Class& classObject();
+  Class& isa() const override { return classObject(); }
+  NSEquality equality() const override { return equalityOfSelf(); }
+
+  /// A new object, before its initialiser ran. Hosts use factories, which run it.
+  template <class... Arguments>
+  static Ref<Self> alloc(Arguments && ... arguments) {
+    static_assert(std::is_base_of_v<NSObjectLayer, Self>, "a class derives from Base::Subclass<itself>");
+    return Ref<Self>::adopt(*new NSAllocated<Self>(std::forward<Arguments>(arguments)...));
+  }
+
+ protected:
+  using Base::Base;
+
+  /// As alloc, with `tail` bytes behind the object; the constructor gets the place of them first.
+  template <class... Arguments>
+  static Ref<Self> allocWithTail(std::size_t tail, Arguments && ... arguments) {
+    using Allocated = NSAllocated<Self>;
+    void* block = NSObject::allocateBlock(sizeof(Allocated), tail);
+    const NSTail place{static_cast<std::byte*>(block) + sizeof(Allocated), tail};
+    try {
+      return Ref<Self>::adopt(*new (block) Allocated(place, std::forward<Arguments>(arguments)...));
+    } catch (...) {
+      NSObject::operator delete(block);
+      throw;
+    }
+  }
+
+ private:
+  template <class Member>
+  using Declaring = typename NSMemberClass<Member>::type;
+
+  // A member function's type names the class that declares it, so an override is seen when compiling.
+  static constexpr NSEquality equalityOfSelf() {
+    if constexpr (requires {
+                    &Self::isEqual;
+                    &Self::hash;
+                  }) {
+      using Equality = Declaring<decltype(&Self::isEqual)>;
+      if constexpr (std::is_same_v<Equality, NSObject>) return NSEquality::identity;
+      using Hash = Declaring<decltype(&Self::hash)>;
+      using Agreed = typename Self::HashAgreesWithEquality;
+      if constexpr (std::is_same_v<Equality, Agreed> && std::is_same_v<Hash, Agreed>)
+        return NSEquality::hashed;
+    }
+    return NSEquality::custom;
+  }
+};
+
+#include <Foundation/Class.h>

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include <Foundation/NSObject.h>
+
+/// Objects in the order in which they were put in, found by hash and value equality: what sets and
+/// dictionaries are made of. Looking up and putting in take constant time, taking out is linear.
+class FOUNDATION_EXPORT NSOrderedTable {
+ public:
+  struct Row {
+    Ref<NSObject> key;
+    RefPtr<NSObject> value;
+    std::size_t hash;
+  };
+
+  const std::vector<Row>& rows() const noexcept { return rows_; }
+  /// The row whose key equals `key`: asks the key in the table.
+  std::optional<std::size_t> indexOf(const RefPtr<NSObject>& key) const;
+  /// Replaces the value where the key is there, which keeps its place; else adds a row at the end.
+  void put(const Ref<NSObject>& key, const RefPtr<NSObject>& value);
+  void removeAt(std::size_t index);
+  void removeAll();
+
+ private:
+  std::optional<std::size_t> indexOf(const RefPtr<NSObject>& key, std::size_t hash) const;
+  void enter(std::size_t row);
+  void rebuild(std::size_t slots);
+
+  std::vector<Row> rows_;
+  std::vector<std::size_t> slots_;  // a row's number plus 1, or 0; a power of two of them
+};

@@ -1,0 +1,149 @@
+#include <Foundation/NSPropertyList.h>
+
+#include <expat.h>
+
+#include <charconv>
+#include <fstream>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSNumber.h>
+
+namespace {
+
+constexpr std::size_t largestFile = std::size_t{16} << 20;
+constexpr std::size_t deepestNesting = 100;
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view space = " \t\r\n";
+  const std::size_t start = std::min(text.find_first_not_of(space), text.size());
+  return text.substr(start, text.find_last_not_of(space) + 1 - start);
+}
+
+RefPtr<NSObject> integerFrom(std::string_view text) {
+  const std::string_view digits = trimmed(text);
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (error != std::errc() || end != digits.data() + digits.size()) return nullptr;
+  return NSNumber::numberWithInteger(value);
+}
+
+// Turns the events of the parser into objects; anything unexpected stops the parser.
+class Reader {
+ public:
+  RefPtr<NSObject> read(std::span<const std::byte> xml) {
+    const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
+        XML_ParserCreate(nullptr), &XML_ParserFree);
+    if (!parser || xml.size() > largestFile) return nullptr;
+    parser_ = parser.get();
+    XML_SetUserData(parser_, this);
+    XML_SetElementHandler(
+        parser_, [](void* self, const XML_Char* name, const XML_Char**) { of(self).start(name); },
+        [](void* self, const XML_Char* name) { of(self).end(name); });
+    XML_SetCharacterDataHandler(parser_, [](void* self, const XML_Char* text, int length) {
+      of(self).text({text, static_cast<std::size_t>(length)});
+    });
+    XML_SetEntityDeclHandler(
+        parser_, [](void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*, const XML_Char*,
+                    const XML_Char*, const XML_Char*) { of(self).refuse(); });
+    const auto status =
+        XML_Parse(parser_, reinterpret_cast<const char*>(xml.data()), static_cast<int>(xml.size()), XML_TRUE);
+    return status == XML_STATUS_OK && !refused_ ? root_ : nullptr;
+  }
+
+ private:
+  // One element that is open: its name, its characters, and what a collection holds so far.
+  struct Level {
+    std::string name;
+    std::string characters;
+    RefPtr<NSMutableArray> array;
+    RefPtr<NSMutableDictionary> dictionary;
+    RefPtr<NSString> key;
+  };
+
+  static Reader& of(void* self) { return *static_cast<Reader*>(self); }
+
+  void refuse() {
+    refused_ = true;
+    XML_StopParser(parser_, XML_FALSE);
+  }
+
+  bool mayHold(std::string_view child) const {
+    if (levels_.empty()) return child == "plist" && !root_;
+    const Level& parent = levels_.back();
+    if (parent.name == "plist") return child != "plist" && child != "key" && !root_;
+    if (parent.name == "dict") return (child == "key") == !parent.key;
+    return parent.name == "array" && child != "key";
+  }
+
+  void start(std::string_view name) {
+    if (refused_) return;
+    if (!mayHold(name) || levels_.size() >= deepestNesting) return refuse();
+    Level level{std::string(name), {}, nullptr, nullptr, nullptr};
+    if (name == "array") level.array = NSMutableArray::array();
+    if (name == "dict") level.dictionary = NSMutableDictionary::dictionary();
+    levels_.push_back(std::move(level));
+  }
+
+  void text(std::string_view characters) {
+    if (!refused_ && !levels_.empty()) levels_.back().characters += characters;
+  }
+
+  void end(std::string_view name) {
+    if (refused_) return;
+    const Level level = std::move(levels_.back());
+    levels_.pop_back();
+    if (name == "plist") return;
+    const RefPtr<NSObject> object = objectOf(level);
+    if (!object) return refuse();
+    take(name, object);
+  }
+
+  static RefPtr<NSObject> objectOf(const Level& level) {
+    const bool scalar = !level.array && !level.dictionary;
+    if (!scalar && !trimmed(level.characters).empty()) return nullptr;
+    if (level.array) return level.array->copy();
+    if (level.dictionary) return level.key ? nullptr : RefPtr<NSObject>(level.dictionary->copy());
+    if (level.name == "true" || level.name == "false") return NSNumber::numberWithBool(level.name == "true");
+    if (level.name == "integer") return integerFrom(level.characters);
+    for (const std::string_view known : {"string", "key", "real", "date", "data"})
+      if (level.name == known) return NSString::stringWithUTF8String(level.characters);
+    return nullptr;
+  }
+
+  void take(std::string_view name, const Ref<NSObject>& object) {
+    Level& parent = levels_.back();
+    if (parent.name == "plist") {
+      root_ = object;
+    } else if (parent.array) {
+      parent.array->addObject(object);
+    } else if (name == "key") {
+      if (parent.dictionary->objectForKey(object)) return refuse();
+      parent.key = dynamicCast<NSString>(object);
+    } else {
+      parent.dictionary->setObject(object, parent.key);
+      parent.key = nullptr;
+    }
+  }
+
+  XML_Parser parser_ = nullptr;
+  std::vector<Level> levels_;
+  RefPtr<NSObject> root_;
+  bool refused_ = false;
+};
+
+}  // namespace
+
+RefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml) { return Reader().read(xml); }
+
+RefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string content(largestFile + 1, '\0');
+  file.read(content.data(), static_cast<std::streamsize>(content.size()));
+  content.resize(static_cast<std::size_t>(file.gcount()));
+  if (file.bad() || !file.eof()) return nullptr;
+  return NSPropertyListWithData(std::as_bytes(std::span(content)));
+}

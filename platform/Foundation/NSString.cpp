@@ -1,0 +1,187 @@
+#include <Foundation/NSString.h>
+
+#include <cstring>
+#include <limits>
+#include <ostream>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSMutableString.h>
+#include <Foundation/NSUnicode.h>
+
+namespace {
+
+template <class A, class B>
+bool sameUnits(std::basic_string_view<A> a, std::basic_string_view<B> b) {
+  if constexpr (std::is_same_v<A, B>) {
+    return a == b;
+  } else {
+    return false;  // all-ASCII content is always narrow, so the widths differ only where contents do
+  }
+}
+
+template <class Unit>
+std::size_t hashOfUnits(std::basic_string_view<Unit> units) {
+  std::size_t hash = 0xCBF29CE484222325U;
+  for (const Unit unit : units) hash = (hash ^ static_cast<char16_t>(unit)) * 0x100000001B3U;
+  return hash;
+}
+
+Ref<NSString> stringWithUnits(std::string_view units) {
+  return NSString::stringWithASCIILength(
+      units.size(), [&](std::span<char> place) { std::copy(units.begin(), units.end(), place.begin()); });
+}
+
+Ref<NSString> stringWithUnits(std::u16string_view units) { return NSString::stringWithCharacters(units); }
+
+[[noreturn]] void raiseRange(std::size_t index, std::size_t length) {
+  NSException::raise(NSRangeException, "index %lu is beyond the text's length %lu", index, length);
+}
+
+}  // namespace
+
+Ref<NSString> NSStringFromLiteral(std::string_view literal) {
+  return NSString::stringWithUTF8String(literal);
+}
+
+Ref<NSString> NSString::string() { return ofASCIILength(0); }
+
+Ref<NSString> NSString::stringWithString(Text text) { return Ref<NSString>(text.get())->copy(); }
+
+Ref<NSString> NSString::ofASCIILength(std::size_t length) {
+  const Ref<NSString> text = allocWithTail(length, false);
+  text->storage_.setCount(length);
+  return text;
+}
+
+RefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) {
+  if (NSIsASCII(bytes)) return stringWithUnits(bytes);
+  const std::optional<std::u16string> units = NSUTF16FromUTF8(bytes);
+  if (!units) return nullptr;
+  return stringWithCharacters(*units);
+}
+
+RefPtr<NSString> NSString::stringWithUTF8String(const char* bytes) {
+  if (!bytes) return nullptr;
+  return stringWithUTF8String(std::string_view(bytes));
+}
+
+Ref<NSString> NSString::stringWithCharacters(std::u16string_view units) {
+  if (NSIsASCII(units)) {
+    return stringWithASCIILength(units.size(), [&](std::span<char> place) {
+      std::transform(units.begin(), units.end(), place.begin(),
+                     [](char16_t unit) { return static_cast<char>(unit); });
+    });
+  }
+  const std::size_t size = NSStorage<char16_t>::bytesFor(units.size());
+  const Ref<NSString> text = allocWithTail(size, true);
+  text->storage_.append(std::as_bytes(std::span(units)));
+  return text;
+}
+
+RefPtr<NSString> NSString::stringWithData(const RefPtr<NSData>& data, NSStringEncoding encoding) {
+  if (!data) return string();
+  const std::string_view bytes(reinterpret_cast<const char*>(data->bytes().data()), data->length());
+  if (encoding == NSASCIIStringEncoding && !NSIsASCII(bytes)) return nullptr;
+  RefPtr<NSString> text = stringWithUTF8String(bytes);
+  if (text) text->setHoldsSecret(data->holdsSecret());
+  return text;
+}
+
+char16_t NSString::characterAtIndex(std::size_t index) const {
+  if (index >= length()) raiseRange(index, length());
+  return visit([index](auto units) { return static_cast<char16_t>(units[index]); });
+}
+
+bool NSString::isEqualToString(Text other) const {
+  const auto text = other.borrow();
+  if (!text || wide_ != text->wide_) return false;
+  return visit([&](auto a) { return text->visit([a](auto b) { return sameUnits(a, b); }); });
+}
+
+bool NSString::hasPrefix(Text prefix) const {
+  const auto text = prefix.borrow();
+  if (!text || text->length() > length()) return false;
+  return visit([&](auto units) {
+    return text->visit([units](auto start) { return std::equal(start.begin(), start.end(), units.begin()); });
+  });
+}
+
+std::optional<std::string> NSString::UTF8String() const {
+  if (wide_) return NSUTF8FromUTF16(std::u16string_view(unitsAs<char16_t>(), length()));
+  return std::string(unitsAs<char>(), length());
+}
+
+NSString::operator std::string() const {
+  std::optional<std::string> bytes = UTF8String();
+  if (!bytes)
+    NSException::raise(NSInvalidArgumentException, "a text with an unpaired surrogate is not UTF-8");
+  return *std::move(bytes);
+}
+
+NSString::operator std::u16string() const {
+  return visit([](auto units) { return std::u16string(units.begin(), units.end()); });
+}
+
+RefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
+  if (wide_ && encoding == NSASCIIStringEncoding) return nullptr;
+  if (!wide_) return NSData::dataWithBytes(storage_.units(), holdsSecret());
+  std::optional<std::string> bytes = UTF8String();
+  if (!bytes) return nullptr;
+  const Ref<NSData> data = NSData::dataWithBytes(std::as_bytes(std::span(*bytes)), holdsSecret());
+  if (holdsSecret()) explicit_bzero(bytes->data(), bytes->size());
+  return data;
+}
+
+Ref<NSString> NSString::substringFromIndex(std::size_t index) const {
+  if (index > length()) raiseRange(index, length());
+  return visit([index](auto units) { return stringWithUnits(units.substr(index)); });
+}
+
+Ref<NSString> NSString::stringByAppendingString(Text tail) const {
+  const Ref<NSMutableString> joined = mutableCopy();
+  joined->appendString(tail);
+  return joined->copy();
+}
+
+Ref<NSArray> NSString::componentsSeparatedByString(Text separator) const {
+  const Ref<NSMutableArray> pieces = NSMutableArray::array();
+  const auto text = static_cast<std::u16string>(*this);
+  const auto mark = static_cast<std::u16string>(*Ref<NSString>(separator.get()));
+  std::size_t start = 0;
+  while (!mark.empty()) {
+    const std::size_t end = text.find(mark, start);
+    if (end == std::u16string::npos) break;
+    pieces->addObject(stringWithCharacters(std::u16string_view(text).substr(start, end - start)));
+    start = end + mark.size();
+  }
+  pieces->addObject(stringWithCharacters(std::u16string_view(text).substr(start)));
+  return pieces;
+}
+
+bool NSString::isEqual(const RefPtr<NSObject>& other) const {
+  const auto* text = dynamicCast<NSString>(other.get());
+  return text && (text == this || isEqualToString(*text));
+}
+
+std::size_t NSString::hash() const {
+  return visit([](auto units) { return hashOfUnits(units); });
+}
+
+Ref<NSMutableString> NSString::mutableCopy() const { return NSMutableString::stringWithString(*this); }
+
+Ref<NSObject> NSString::mutableCopyObject() const { return mutableCopy(); }
+
+std::ostream& operator<<(std::ostream& stream, const NSString& text) {
+  if (const auto bytes = text.UTF8String()) return stream << *bytes;
+  // Readable rather than refused: streams are for people.
+  for (std::size_t i = 0; i < text.length(); ++i) {
+    stream << "\\u" << std::hex << static_cast<unsigned>(text.characterAtIndex(i)) << std::dec;
+  }
+  return stream;
+}
+
+std::ostream& operator<<(std::ostream& stream, const RefPtr<NSString>& text) {
+  return text ? stream << *text : stream << "(null)";
+}

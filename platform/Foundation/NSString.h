@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <Foundation/NSFormat.h>
+#include <Foundation/NSStorage.h>
+#include <Foundation/Parameter.h>
+
+class NSArray;
+class NSData;
+class NSMutableString;
+
+enum NSStringEncoding : unsigned { NSASCIIStringEncoding = 1, NSUTF8StringEncoding = 4 };
+
+/// A text, counted and indexed in 16-bit code units, which may hold unpaired surrogates, NUL and a leading
+/// byte-order mark as content. It is kept as 7-bit ASCII where all of it is, else as UTF-16; that never
+/// shows in length, indexes, equality or hash. Fixed, so that any number of threads may use one at once.
+class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
+ public:
+  using HashAgreesWithEquality = NSString;
+
+  static Ref<NSString> string();
+  /// The same text as a fixed one; nil raises the invalid-argument exception.
+  static Ref<NSString> stringWithString(Text text);
+  /// Absent when the bytes are not UTF-8, or nil.
+  static RefPtr<NSString> stringWithUTF8String(std::string_view bytes);
+  static RefPtr<NSString> stringWithUTF8String(const char* bytes);
+  /// Any code units, unpaired surrogates included.
+  static Ref<NSString> stringWithCharacters(std::u16string_view units);
+  /// initWithData:encoding:. Absent when the bytes are not of the encoding; absent bytes give the empty
+  /// text. A text made of secret bytes holds a secret, too.
+  static RefPtr<NSString> stringWithData(const RefPtr<NSData>& data, NSStringEncoding encoding);
+  /// A text of `length` ASCII characters that `write(std::span<char>)` fills in, in their final place.
+  template <class Write>
+  static Ref<NSString> stringWithASCIILength(std::size_t length, Write&& write) {
+    const Ref<NSString> text = ofASCIILength(length);
+    std::forward<Write>(write)(std::span(text->unitsAs<char>(), length));
+    return text;
+  }
+  /// Fills in the directives of NSFormat.h; raises the invalid-argument exception where they do not fit.
+  template <class... Arguments>
+  static Ref<NSString> stringWithFormat(Text format, const Arguments&... arguments) {
+    return NSFormat(*format.borrow(), {FormatArgument(arguments)...});
+  }
+
+  std::size_t length() const noexcept {
+    return wide_ ? storage_.count() / sizeof(char16_t) : storage_.count();
+  }
+  /// Raises the range exception from `length` on.
+  char16_t characterAtIndex(std::size_t index) const;
+  bool isEqualToString(Text other) const;
+  bool hasPrefix(Text prefix) const;
+
+  /// Absent when a surrogate stands alone.
+  std::optional<std::string> UTF8String() const;
+  /// As UTF8String; raises the invalid-argument exception where that is absent.
+  explicit operator std::string() const;
+  explicit operator std::u16string() const;
+  /// Absent when the text cannot be told in the encoding: nothing is replaced. Bytes of a text that holds
+  /// a secret hold one, too.
+  RefPtr<NSData> dataUsingEncoding(NSStringEncoding encoding) const;
+
+  /// The text from `index` on; raises the range exception beyond `length`.
+  Ref<NSString> substringFromIndex(std::size_t index) const;
+  Ref<NSString> stringByAppendingString(Text tail) const;
+  template <class... Arguments>
+  Ref<NSString> stringByAppendingFormat(Text format, const Arguments&... arguments) const {
+    return stringByAppendingString(stringWithFormat(format, arguments...));
+  }
+  /// The pieces between the separators, in order: one more than there are separators, empty ones
+  /// included. An empty separator gives the text itself.
+  Ref<NSArray> componentsSeparatedByString(Text separator) const;
+
+  bool isEqual(const RefPtr<NSObject>& other) const override;
+  std::size_t hash() const override;
+  Ref<NSString> description() const override { return copy(); }
+  Ref<NSString> copy() const { return fixedCopy(); }
+  Ref<NSMutableString> mutableCopy() const;
+
+  /// Calls `visitor` with the units as they are kept, a std::string_view of ASCII or a std::u16string_view.
+  template <class Visitor>
+  decltype(auto) visit(Visitor&& visitor) const {
+    if (wide_) return visitor(std::u16string_view(unitsAs<char16_t>(), length()));
+    return visitor(std::string_view(unitsAs<char>(), length()));
+  }
+  bool isASCII() const noexcept { return !wide_; }
+
+  /// Whether the memory of the text is cleansed when it is let go of.
+  bool holdsSecret() const noexcept { return storage_.holdsSecret(); }
+  void setHoldsSecret(bool secret) noexcept { storage_.setHoldsSecret(secret); }
+
+ protected:
+  template <class Self, class Base>
+  friend class NSObjectLayer;
+
+  NSString(NSTail tail, bool wide) : storage_(tail), wide_(wide) {}
+
+  static Ref<NSString> ofASCIILength(std::size_t length);
+  template <class Unit>
+  Unit* unitsAs() const noexcept {
+    return reinterpret_cast<Unit*>(storage_.units().data());
+  }
+  virtual Ref<NSString> fixedCopy() const { return const_cast<NSString&>(*this); }
+  Ref<NSObject> copyObject() const override { return fixedCopy(); }
+  Ref<NSObject> mutableCopyObject() const override;
+
+  NSStorage<std::byte> storage_;
+  bool wide_;
+};
+
+FOUNDATION_EXPORT std::ostream& operator<<(std::ostream& stream, const NSString& text);
+FOUNDATION_EXPORT std::ostream& operator<<(std::ostream& stream, const RefPtr<NSString>& text);
