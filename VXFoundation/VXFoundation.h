@@ -4,3 +4,4 @@
 #include <Foundation/Foundation.h>
 #include <VXFoundation/NSObject+VXAdditions.h>
 #include <VXFoundation/VXFoundationConstants.h>
+#include <VXFoundation/VXKeychainItem.h>

@@ -1,4 +1,4 @@
-#include "Security/SecDefaultStorage.h"
+#include <Security/SecDefaultStorage.h>
 
 #include <mutex>
 #include <utility>
