@@ -19,7 +19,9 @@ set_target_properties(VXFoundation PROPERTIES
   LIBRARY_OUTPUT_DIRECTORY "${built_bundle}")
 target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}" "LINKER:--no-undefined")
 add_custom_command(TARGET VXFoundation POST_BUILD VERBATIM
-  COMMAND "${CMAKE_COMMAND}" -E create_symlink VXFoundation "${built_bundle}/${soname}")
+  COMMAND "${CMAKE_COMMAND}" -E create_symlink VXFoundation "${built_bundle}/${soname}"
+  # CMake takes the folder that holds a framework for the run path of what links to it.
+  COMMAND "${CMAKE_COMMAND}" -E create_symlink "${bundle}/VXFoundation" "${PROJECT_BINARY_DIR}/${soname}")
 
 file(GLOB_RECURSE resources CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" "Resources/*")
 foreach(resource IN LISTS resources)
