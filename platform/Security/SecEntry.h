@@ -6,19 +6,22 @@
 
 #include <Security/SecSecret.h>
 
+/// Text of an attribute: UTF-16, overwritten when it is let go of, unpaired surrogates kept.
+using SecText = std::basic_string<char16_t, std::char_traits<char16_t>, CleansingAllocator<char16_t>>;
+
 enum class SecItemClass : std::uint8_t { genericPassword = 1, internetPassword = 2 };
 
 /// The attributes that tell one entry from another. Absent and empty are kept apart here, since the
 /// values come back as they were given; SecIdentity says when two entries are the same one.
 struct SecAttributes {
   SecItemClass itemClass = SecItemClass::genericPassword;
-  std::optional<std::u16string> account;
-  std::optional<std::u16string> service;  // generic passwords only
-  std::optional<std::u16string> server;   // internet passwords only, as are the next three
-  std::optional<std::u16string> path;
+  std::optional<SecText> account;
+  std::optional<SecText> service;  // generic passwords only
+  std::optional<SecText> server;   // internet passwords only, as are the next three
+  std::optional<SecText> path;
   std::optional<std::int64_t> port;
-  std::optional<std::u16string> protocol;
-  std::optional<std::u16string> label;  // never part of the identity
+  std::optional<SecText> protocol;
+  std::optional<SecText> label;  // never part of the identity
 
   friend bool operator==(const SecAttributes&, const SecAttributes&) = default;
 };

@@ -2,25 +2,32 @@
 
 #include <cstddef>
 #include <span>
+#include <utility>
 #include <vector>
 
-/// Bytes that nobody else may read: cleansed when they are let go of, moved rather than copied.
+#include "Security/SecMemory.h"
+
+/// Bytes that nobody else may read: overwritten when they are let go of, kept out of core dumps and locked
+/// in memory where the system allows it, moved rather than copied.
 /// Not thread-safe; each belongs to one owner at a time.
 class SecSecret {
  public:
   SecSecret() = default;
   explicit SecSecret(std::span<const std::byte> bytes) : bytes_(bytes.begin(), bytes.end()) {}
-  SecSecret(SecSecret&& other) noexcept : bytes_(std::move(other.bytes_)) {}
-  SecSecret& operator=(SecSecret&& other) noexcept;
+  /// `size` bytes of zero, to be written to.
+  explicit SecSecret(std::size_t size) : bytes_(size) {}
+  SecSecret(SecSecret&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
+  SecSecret& operator=(SecSecret&& other) noexcept {
+    bytes_ = std::exchange(other.bytes_, {});
+    return *this;
+  }
   SecSecret(const SecSecret&) = delete;
   SecSecret& operator=(const SecSecret&) = delete;
-  ~SecSecret() { cleanse(); }
 
   std::span<const std::byte> bytes() const { return bytes_; }
+  std::span<std::byte> writableBytes() { return bytes_; }
   SecSecret clone() const { return SecSecret(bytes()); }
 
  private:
-  void cleanse() noexcept;
-
-  std::vector<std::byte> bytes_;
+  std::vector<std::byte, SecretAllocator<std::byte>> bytes_;
 };

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include <Security/SecBase.h>
@@ -20,17 +21,21 @@ class SecTransaction {
  public:
   virtual ~SecTransaction() = default;
 
-  /// Hands `visit` the rows that `query` matches, oldest first, until it answers false. An identity
-  /// attribute that the query lacks matches anything; its label is not looked at.
+  /// Hands `visit` the rows that `query` matches (secMatches), oldest first, until it answers false. Nothing
+  /// that was ever put into the storage is passed over: a storage that cannot be sure answers errSecDecode.
   virtual OSStatus find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
 
-  /// Called before "not found" is believed: errSecSuccess when the storage is sure that it holds all that
-  /// was ever put into it.
-  virtual OSStatus confirmMiss() = 0;
-
+  /// The number of a row that is replaced or removed is one that `find` gave in this transaction.
   virtual OSStatus insert(const SecEntry& entry) = 0;
   virtual OSStatus replace(std::int64_t number, const SecEntry& entry) = 0;
   virtual OSStatus remove(std::int64_t number) = 0;
+};
+
+/// What a person wants to know of a storage.
+struct SecStorageInfo {
+  std::string place;       // "memory", or the path of a file
+  std::string protection;  // in a few English words
+  std::size_t entries = 0;
 };
 
 /// A place where entries are kept. Safe from any thread: transactions follow one another.
@@ -44,4 +49,7 @@ class SecStorage {
   /// Runs `work` as one transaction, which is kept exactly when `work` answers errSecSuccess. Answers
   /// the status of `work`, or why the transaction could not be begun or kept.
   virtual OSStatus transact(Access access, const Work& work) = 0;
+
+  /// Tells what this storage is; after a status other than errSecSuccess, only as far as it could.
+  virtual OSStatus copyInfo(SecStorageInfo& info) = 0;
 };

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Foundation/FoundationExport.h>
+
+#include <map>
+#include <mutex>
+
+#include "Security/SecStorage.h"
+
+/// Entries that end with the process, for tests and throw-away hosts. Safe from any thread.
+class FOUNDATION_EXPORT SecMemoryStorage final : public SecStorage {
+ public:
+  OSStatus transact(Access access, const Work& work) override;
+  OSStatus copyInfo(SecStorageInfo& info) override;
+
+ private:
+  class Transaction;
+
+  std::mutex mutex_;
+  std::map<std::int64_t, SecEntry> entries_;  // by number, so oldest first
+  std::int64_t lastNumber_ = 0;
+};

@@ -1,0 +1,47 @@
+#include "Security/SecStatus.h"
+
+const char* secStatusMessage(OSStatus status) noexcept {
+  switch (static_cast<SecStatus>(status)) {
+    case errSecSuccess:
+      return "No error.";
+    case errSecDiskFull:
+      return "The disk is full; nothing was changed.";
+    case errSecIO:
+      return "The credential store could not be read or written.";
+    case errSecBusy:
+      return "The credential store is in use by another program; try again.";
+    case errSecParam:
+      return "One or more of the values given are not valid.";
+    case errSecNotPrivate:
+      return "A file or folder of the credential store is a link, or is open to other users.";
+    case errSecAllocate:
+      return "There is not enough memory.";
+    case errSecUserCanceled:
+      return "The request was dismissed.";
+    case errSecNotAvailable:
+      return "The credential store cannot be reached.";
+    case errSecReadOnly:
+      return "The credential store can be read but not changed.";
+    case errSecAuthFailed:
+      return "The key file or passphrase does not open the credential store.";
+    case errSecNoSuchKeychain:
+      return "There is no such credential store.";
+    case errSecInvalidKeychain:
+      return "The file is not a credential store.";
+    case errSecDuplicateItem:
+      return "The item is already in the credential store.";
+    case errSecItemNotFound:
+      return "The item is not in the credential store.";
+    case errSecDataTooLarge:
+      return "The value is too large for the credential store.";
+    case errSecInteractionNotAllowed:
+      return "The credential store is locked.";
+    case errSecWrongSecVersion:
+      return "The credential store was written by a newer version.";
+    case errSecDataNotAvailable:
+      return "The key file of the credential store is missing.";
+    case errSecDecode:
+      return "The credential store is damaged; it was left as it is.";
+  }
+  return "The credential store gave a status that has no message.";
+}
