@@ -17,9 +17,12 @@ set(soname "libVXFoundation.so.${PROJECT_VERSION_MAJOR}")
 set_target_properties(VXFoundation PROPERTIES
   PREFIX "" SUFFIX "" OUTPUT_NAME VXFoundation NO_SONAME ON
   LIBRARY_OUTPUT_DIRECTORY "${built_bundle}")
-target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}" "LINKER:--no-undefined")
-add_custom_command(TARGET VXFoundation POST_BUILD VERBATIM
-  COMMAND "${CMAKE_COMMAND}" -E create_symlink VXFoundation "${built_bundle}/${soname}")
+target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}")
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")  # whose run time comes with the program
+  target_link_options(VXFoundation PRIVATE "LINKER:--no-undefined")
+endif()
+# CMake takes the folder of a framework, not the bundle inside it, for the one where the loader looks.
+file(CREATE_LINK "${bundle}/VXFoundation" "${PROJECT_BINARY_DIR}/${soname}" SYMBOLIC)
 
 file(GLOB_RECURSE resources CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" "Resources/*")
 foreach(resource IN LISTS resources)

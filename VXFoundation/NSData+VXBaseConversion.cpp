@@ -1,0 +1,90 @@
+#include "VXFoundation/NSData+VXBaseConversion.h"
+
+#include "VXFoundation/kernels/CodecDispatch.h"
+#include "VXFoundation/kernels/Radix.h"
+
+namespace VXBaseConversion {
+namespace {
+
+using VXKernels::Radix;
+
+Ref<NSString> encode(const NSData& data, std::size_t length, VXKernels::Encode* kernel) {
+  const auto text = NSString::stringWithASCIILength(
+      length, [&](std::span<char> place) { kernel(data.bytes().data(), data.length(), place.data()); });
+  text->setHoldsSecret(data.holdsSecret());
+  return text;
+}
+
+Ref<NSString> encode(const NSData& data, const Radix& radix, VXKernels::Encode* kernel) {
+  const std::size_t groups = data.length() / radix.groupBytes + (data.length() % radix.groupBytes != 0);
+  return encode(data, groups * radix.groupDigits, kernel);
+}
+
+/// Whether a last group of so many digits is one that whole bytes give.
+bool endsInWholeBytes(std::size_t digits, const Radix& radix) {
+  const std::size_t bytes = digits * radix.bits / 8;
+  return bytes > 0 && (bytes * 8 + radix.bits - 1) / radix.bits == digits;
+}
+
+/// The text up to the padding at its end; absent when it is not whole groups, or the padding has a wrong
+/// length. Padding further in front is left for the kernel, to which it is no digit.
+std::optional<std::string_view> digitsOf(std::string_view text, const Radix& radix) {
+  if (text.size() % radix.groupDigits != 0) return std::nullopt;
+  const std::size_t digits = text.find_last_not_of(VXKernels::_padding) + 1;
+  const std::size_t padding = text.size() - digits;
+  if (padding >= radix.groupDigits || !endsInWholeBytes(radix.groupDigits - padding, radix))
+    return std::nullopt;
+  return text.substr(0, digits);
+}
+
+RefPtr<NSData> decode(std::string_view text, const Radix& radix, VXKernels::Decode* kernel) {
+  const auto digits = digitsOf(text, radix);
+  if (!digits) return nullptr;
+  const std::size_t length = digits->size() / 8 * radix.bits + digits->size() % 8 * radix.bits / 8;
+  return NSMutableData::dataWithMaximumLength(length,
+                                              [&](std::span<std::byte> place) -> std::optional<std::size_t> {
+                                                if (!kernel(digits->data(), digits->size(), place.data()))
+                                                  return std::nullopt;
+                                                return length;
+                                              });
+}
+
+RefPtr<NSData> decode(Text parameter, const Radix& radix, VXKernels::Decode* kernel) {
+  const auto text = parameter.borrow();
+  if (!text || !text->isASCII()) return nullptr;
+  const RefPtr<NSData> data = text->visit([&](auto units) -> RefPtr<NSData> {
+    if constexpr (sizeof units[0] == 1) return decode(units, radix, kernel);
+    return nullptr;
+  });
+  if (data) data->setHoldsSecret(text->holdsSecret());
+  return data;
+}
+
+}  // namespace
+
+Ref<NSString> base64String(const NSData& data) {
+  return encode(data, VXKernels::base64, VXKernels::kernels().base64Encode);
+}
+RefPtr<NSData> dataWithBase64String(Text text) {
+  return decode(text, VXKernels::base64, VXKernels::kernels().base64Decode);
+}
+
+Ref<NSString> base32String(const NSData& data) {
+  return encode(data, VXKernels::base32, VXKernels::kernels().base32Encode);
+}
+RefPtr<NSData> dataWithBase32String(Text text) {
+  return decode(text, VXKernels::base32, VXKernels::kernels().base32Decode);
+}
+
+Ref<NSString> base16String(const NSData& data) {
+  return encode(data, VXKernels::base16, VXKernels::kernels().base16Encode);
+}
+RefPtr<NSData> dataWithBase16String(Text text) {
+  return decode(text, VXKernels::base16, VXKernels::kernels().base16Decode);
+}
+
+Ref<NSString> base2String(const NSData& data) {
+  return encode(data, data.length() * 9, VXKernels::scalar::base2Encode);
+}
+
+}  // namespace VXBaseConversion

@@ -1,0 +1,51 @@
+#include "VXFoundation/VXURLCoding.h"
+
+#include <new>
+
+#include "VXFoundation/kernels/CodecDispatch.h"
+
+namespace {
+
+std::size_t roomToEncode(std::size_t length) {
+  if (length > std::numeric_limits<std::size_t>::max() / 3) throw std::bad_alloc();
+  return 3 * length;
+}
+
+}  // namespace
+
+RefPtr<NSData> VXURLEncodeData(const RefPtr<NSData>& data) {
+  if (!data) return nullptr;
+  const auto encoded =
+      NSMutableData::dataWithMaximumLength(roomToEncode(data->length()), [&](std::span<std::byte> place) {
+        return VXKernels::kernels().percentEncode(data->bytes().data(), data->length(), place.data());
+      });
+  encoded->setHoldsSecret(data->holdsSecret());
+  return encoded;
+}
+
+RefPtr<NSData> VXURLDecodeData(const RefPtr<NSData>& data) {
+  if (!data) return nullptr;
+  const auto decoded = NSMutableData::dataWithMaximumLength(
+      data->length(), [&](std::span<std::byte> place) -> std::optional<std::size_t> {
+        const std::size_t count =
+            VXKernels::kernels().percentDecode(data->bytes().data(), data->length(), place.data());
+        if (count == VXKernels::malformed) return std::nullopt;
+        return count;
+      });
+  if (decoded) decoded->setHoldsSecret(data->holdsSecret());
+  return decoded;
+}
+
+RefPtr<NSString> VXURLEncodeString(Text parameter) {
+  const auto text = parameter.borrow();
+  if (!text) return nullptr;
+  return NSString::stringWithData(VXURLEncodeData(text->dataUsingEncoding(NSUTF8StringEncoding)),
+                                  NSASCIIStringEncoding);
+}
+
+RefPtr<NSString> VXURLDecodeString(Text parameter) {
+  const auto text = parameter.borrow();
+  if (!text) return nullptr;
+  return NSString::stringWithData(VXURLDecodeData(text->dataUsingEncoding(NSASCIIStringEncoding)),
+                                  NSUTF8StringEncoding);
+}

@@ -1,0 +1,65 @@
+#include "VXFoundation/kernels/CodecDispatch.h"
+
+#include <algorithm>
+#include <atomic>
+#include <vector>
+
+#define KERNELS(set)                                                                                     \
+  {                                                                                                      \
+#set, set::base64Encode, set::base64Decode, set::base32Encode, set::base32Decode, set::base16Encode, \
+        set::base16Decode, set::percentEncode, set::percentDecode                                        \
+  }
+
+namespace VXKernels {
+namespace {
+
+constexpr CodecKernels scalarKernels KERNELS(scalar);
+
+#if defined(__x86_64__)
+constexpr CodecKernels avx512vbmiKernels KERNELS(avx512vbmi);
+
+bool hasAVX2() { return __builtin_cpu_supports("avx2"); }
+
+bool hasAVX512VBMI() {
+  return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
+         __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2") &&
+         __builtin_cpu_supports("bmi2");
+}
+#elif defined(__aarch64__)
+constexpr CodecKernels neonKernels KERNELS(neon);
+#endif
+
+std::vector<const CodecKernels*> detectKernels() {
+  std::vector<const CodecKernels*> found{&scalarKernels};
+#if defined(__x86_64__)
+  if (hasAVX512VBMI()) found.push_back(&avx512vbmiKernels);
+#elif defined(__aarch64__)
+  found.push_back(&neonKernels);  // every 64-bit ARM has it
+#endif
+  return found;
+}
+
+std::atomic<const CodecKernels*>& chosenKernels() {
+  static std::atomic<const CodecKernels*> chosen{availableKernels().back()};
+  return chosen;
+}
+
+}  // namespace
+
+std::span<const CodecKernels* const> availableKernels() {
+  static const std::vector<const CodecKernels*> available = detectKernels();
+  return available;
+}
+
+const CodecKernels& kernels() { return *chosenKernels().load(std::memory_order_relaxed); }
+
+bool useKernels(std::string_view name) {
+  const auto available = availableKernels();
+  const auto found = std::find_if(available.begin(), available.end(),
+                                  [&](const CodecKernels* set) { return set->name == name; });
+  if (found == available.end()) return false;
+  chosenKernels().store(*found, std::memory_order_relaxed);
+  return true;
+}
+
+}  // namespace VXKernels

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+
+namespace VXKernels {
+
+inline constexpr char _base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+inline constexpr char _base32Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567";
+inline constexpr char _base16Alphabet[] = "0123456789ABCDEF";
+
+/// The padding character of base 64 and base 32 (RFC 4648, section 3.2).
+inline constexpr char _padding = '=';
+
+/// One notation of RFC 4648: a group of bytes is read as one number, most significant byte first,
+/// and written in digits of `bits` bits each, most significant digit first.
+struct Radix {
+  std::size_t bits;
+  std::size_t groupBytes;
+  std::size_t groupDigits;
+  const char* alphabet;
+  bool eitherCase;  // the decoder takes the letters in lower case, too
+};
+
+inline constexpr Radix base64{6, 3, 4, _base64Alphabet, false};
+inline constexpr Radix base32{5, 5, 8, _base32Alphabet, false};
+inline constexpr Radix base16{4, 1, 2, _base16Alphabet, true};
+
+/// The value of every character, `notADigit` for those that are none.
+struct DigitValues {
+  unsigned char of[256];
+};
+inline constexpr unsigned char notADigit = 255;
+
+consteval DigitValues digitValues(const Radix& radix) {
+  DigitValues values{};
+  for (auto& value : values.of) value = notADigit;
+  for (unsigned digit = 0; digit < 1u << radix.bits; ++digit) {
+    const auto character = static_cast<unsigned char>(radix.alphabet[digit]);
+    values.of[character] = static_cast<unsigned char>(digit);
+    if (radix.eitherCase && character >= 'A') values.of[character | 0x20] = static_cast<unsigned char>(digit);
+  }
+  return values;
+}
+
+}  // namespace VXKernels

@@ -1,0 +1,45 @@
+#include "CommonCrypto/CommonHMAC.h"
+
+#include <openssl/crypto.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "CommonCrypto/CommonDigest.h"
+#include "CommonCrypto/Digest.h"
+
+namespace {
+
+using Block = std::array<unsigned char, CC_SHA1_BLOCK_BYTES>;
+
+/// The key as a block: a longer one is digested first (RFC 2104, section 2).
+void keyBlock(Block& block, const Digest::Part& key) {
+  block.fill(0);
+  if (key.length > block.size())
+    Digest::SHA1().of(block.data(), key);
+  else if (key.length > 0)
+    std::memcpy(block.data(), key.bytes, key.length);
+}
+
+void flip(Block& block, unsigned char mask) {
+  for (unsigned char& byte : block) byte ^= mask;
+}
+
+}  // namespace
+
+// Built on the digest rather than on libcrypto's own HMAC: its context would keep the key until the next
+// call of this thread, or have to be made anew for every call.
+void CCHmac(CCHmacAlgorithm, const void* key, std::size_t keyLength, const void* data, std::size_t dataLength,
+            void* mac) {
+  constexpr unsigned char inner = 0x36, outer = 0x5C;
+  auto* const digest = static_cast<unsigned char*>(mac);
+  Block block;
+  keyBlock(block, {key, keyLength});
+  flip(block, inner);
+  Digest::SHA1().of(digest, Digest::Part{block.data(), block.size()}, Digest::Part{data, dataLength});
+  flip(block, inner ^ outer);
+  Digest::SHA1().of(digest, Digest::Part{block.data(), block.size()},
+                    Digest::Part{digest, CC_SHA1_DIGEST_LENGTH});
+  OPENSSL_cleanse(block.data(), block.size());
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <Foundation/FoundationExport.h>
+
+#include <cstddef>
+#include <cstdint>
+
+enum CCHmacAlgorithm : std::uint32_t { kCCHmacAlgSHA1 = 0 };
+
+/// Writes the HMAC (RFC 2104) of the data under the key, of any length, to `mac`: 20 bytes for SHA-1, the
+/// only algorithm there is. Nothing of the key stays in memory. Safe on any thread.
+FOUNDATION_EXPORT void CCHmac(CCHmacAlgorithm algorithm, const void* key, std::size_t keyLength,
+                              const void* data, std::size_t dataLength, void* mac);

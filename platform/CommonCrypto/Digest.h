@@ -1,0 +1,34 @@
+#pragma once
+
+#include <openssl/evp.h>
+
+#include <cstddef>
+
+/// One digest algorithm of libcrypto, looked up once in the process. Safe on any thread.
+class Digest {
+ public:
+  static const Digest& MD5();
+  static const Digest& SHA1();
+
+  /// Writes the digest of the parts, one after the other.
+  template <class... Parts>
+  void of(unsigned char* digest, const Parts&... parts) const {
+    EVP_MD_CTX* const context = begin();
+    (require(EVP_DigestUpdate(context, parts.bytes, parts.length)), ...);
+    require(EVP_DigestFinal_ex(context, digest, nullptr));
+  }
+
+  struct Part {
+    const void* bytes;
+    std::size_t length;
+  };
+
+ private:
+  explicit Digest(const char* name);
+
+  /// This thread's context: making one costs more than a short digest.
+  EVP_MD_CTX* begin() const;
+  static void require(int success);
+
+  const EVP_MD* algorithm_;
+};

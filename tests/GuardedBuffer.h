@@ -1,0 +1,39 @@
+#pragma once
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <new>
+#include <span>
+
+/// Memory between two pages that nobody may touch: code that reads or writes past either end of a span
+/// that `last` gives with no gap dies at the spot.
+template <class Unit>
+class GuardedBuffer {
+ public:
+  explicit GuardedBuffer(std::size_t capacity)
+      : page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
+        room_((capacity + page_ - 1) / page_ * page_),
+        map_(mmap(nullptr, room_ + 2 * page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
+    if (map_ == MAP_FAILED || mprotect(begin(), room_, PROT_READ | PROT_WRITE) != 0) throw std::bad_alloc();
+  }
+  ~GuardedBuffer() { munmap(map_, room_ + 2 * page_); }
+  GuardedBuffer(const GuardedBuffer&) = delete;
+  GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+
+  /// `count` units that end `gap` units before the forbidden page.
+  std::span<Unit> last(std::size_t count, std::size_t gap = 0) const {
+    return {begin() + room_ - gap - count, count};
+  }
+
+  /// All of it.
+  std::span<Unit> all() const { return {begin(), room_}; }
+
+ private:
+  static_assert(sizeof(Unit) == 1);
+  Unit* begin() const { return static_cast<Unit*>(map_) + page_; }
+
+  std::size_t page_, room_;
+  void* map_;
+};

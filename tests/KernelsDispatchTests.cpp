@@ -1,0 +1,23 @@
+#include "KernelsTests.h"
+
+namespace {
+
+using namespace VXKernels;
+
+TEST(KernelsDispatch, OffersTheScalarSetFirstAndStartsWithTheLast) {
+  ASSERT_FALSE(availableKernels().empty());
+  EXPECT_STREQ(availableKernels().front()->name, "scalar");
+  EXPECT_EQ(&kernels(), availableKernels().back());
+}
+
+TEST(KernelsDispatch, TakesTheNamesItOffersAndNoOther) {
+  for (const CodecKernels* set : availableKernels()) {
+    EXPECT_TRUE(useKernels(set->name));
+    EXPECT_EQ(&kernels(), set);
+    EXPECT_FALSE(useKernels("abacus"));
+    EXPECT_FALSE(useKernels(""));
+    EXPECT_EQ(&kernels(), set) << "a refused choice changes nothing";
+  }
+}
+
+}  // namespace

@@ -1,0 +1,125 @@
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+#include "GuardedBuffer.h"
+#include "KernelsTests.h"
+
+namespace {
+
+using namespace KernelsTests;
+
+/// The rules read one byte at a time, with the C library's help.
+std::string encodedByRule(std::string_view bytes) {
+  std::string text;
+  for (const unsigned char byte : bytes) {
+    char escape[4];
+    std::snprintf(escape, sizeof escape, "%%%02X", byte);
+    const bool plain = byte < 128 && (std::isalnum(byte) || (byte != 0 && std::strchr("-._~", byte)));
+    plain ? text.push_back(static_cast<char>(byte)) : void(text.append(escape));
+  }
+  return text;
+}
+
+std::optional<std::string> decodedByRule(std::string_view text) {
+  std::string bytes;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      bytes.push_back(text[i]);
+      continue;
+    }
+    const std::string digits(text.substr(i + 1, 2));
+    if (digits.size() < 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+      return {};
+    bytes.push_back(static_cast<char>(std::strtol(digits.c_str(), nullptr, 16)));
+    i += 2;
+  }
+  return bytes;
+}
+
+class KernelsPercent : public ::testing::TestWithParam<Set> {
+ protected:
+  const VXKernels::CodecKernels& kernels = *GetParam();
+  const GuardedBuffer<std::byte> source{4096}, target{4096};
+
+  std::span<const std::byte> placed(std::string_view text, std::size_t gap) const {
+    const auto place = source.last(text.size(), gap);
+    std::copy_n(asBytes(text).begin(), text.size(), place.begin());
+    return place;
+  }
+  std::string encode(std::string_view bytes, std::size_t gap = 0) const {
+    const auto from = placed(bytes, gap);
+    const auto room = target.last(3 * bytes.size(), gap);
+    return std::string(asText(room.first(kernels.percentEncode(from.data(), from.size(), room.data()))));
+  }
+  std::optional<std::string> decode(std::string_view text, std::size_t gap = 0) const {
+    const auto from = placed(text, gap);
+    const auto room = target.last(text.size(), gap);
+    const std::size_t count = kernels.percentDecode(from.data(), from.size(), room.data());
+    if (count == VXKernels::malformed) return {};
+    return std::string(asText(room.first(count)));
+  }
+};
+
+/// Bytes of which about `reserved` in a hundred must be escaped.
+std::string mixture(std::size_t length, unsigned reserved, unsigned seed) {
+  std::mt19937 random(seed);
+  std::string bytes;
+  while (bytes.size() < length) {
+    const bool escape = random() % 100 < reserved;
+    bytes.push_back(escape ? " %/+\xC3\xFF\0\n"[random() % 8] : "abcXYZ0189-._~"[random() % 14]);
+  }
+  return bytes;
+}
+
+TEST_P(KernelsPercent, EncodesEveryByteAndPairOfBytes) {
+  for (int first = 0; first < 256; ++first) {
+    ASSERT_EQ(encode(std::string(1, static_cast<char>(first))),
+              encodedByRule(std::string(1, static_cast<char>(first))));
+    for (int second = 0; second < 256; ++second) {
+      const std::string pair{static_cast<char>(first), static_cast<char>(second)};
+      ASSERT_EQ(encode(pair), encodedByRule(pair)) << first << " " << second;
+    }
+  }
+}
+
+TEST_P(KernelsPercent, DecodesEveryPairAfterAPercentSignWhereverItStands) {
+  for (const std::size_t before : {0, 13, 14, 15, 29, 30, 31, 61, 62, 63, 125, 126, 127})
+    for (int pair = 0; pair < 65536; ++pair) {
+      std::string text(before, 'x');
+      text += {'%', static_cast<char>(pair >> 8), static_cast<char>(pair)};
+      ASSERT_EQ(decode(text), decodedByRule(text)) << before << " before pair " << pair;
+    }
+}
+
+TEST_P(KernelsPercent, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
+  for (const unsigned reserved : {0u, 3u, 50u, 100u})
+    for (std::size_t length = 0; length <= threeWidths; ++length) {
+      const std::string bytes = mixture(length, reserved, static_cast<unsigned>(length));
+      const std::string text = encodedByRule(bytes);
+      for (std::size_t gap = 0; gap < alignments; gap += reserved == 50 ? 1 : 7) {
+        ASSERT_EQ(encode(bytes, gap), text) << length << " bytes, gap " << gap;
+        ASSERT_EQ(decode(text, gap), bytes) << length << " bytes, gap " << gap;
+      }
+    }
+}
+
+TEST_P(KernelsPercent, RefusesAFaultAtEveryPosition) {
+  for (std::size_t length = 1; length <= threeWidths; ++length) {
+    std::string text = encodedByRule(mixture(length, 40, static_cast<unsigned>(length)));
+    for (std::size_t at = 0; at < text.size(); ++at)
+      for (const char fault : {'%', 'g', '\x80', '\0'}) {
+        const char good = std::exchange(text[at], fault);
+        ASSERT_EQ(decode(text), decodedByRule(text)) << length << " bytes, at " << at;
+        text[at] = good;
+      }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySet, KernelsPercent, everySet(),
+                         [](const auto& param) { return param.param->name; });
+
+}  // namespace

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <random>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "VXFoundation/kernels/CodecDispatch.h"
+
+/// What the tests of the kernels share: the sets of this machine, and bytes to feed them.
+namespace KernelsTests {
+
+using Set = const VXKernels::CodecKernels*;
+
+inline auto everySet() {
+  const auto available = VXKernels::availableKernels();
+  return ::testing::ValuesIn(available.begin(), available.end());
+}
+
+/// Longest input of the tests at every alignment: three times the widest vector, and some.
+inline constexpr std::size_t threeWidths = 3 * 64 + 9;
+inline constexpr std::size_t alignments = 64;
+
+inline std::vector<std::byte> randomBytes(std::size_t count, unsigned seed) {
+  std::mt19937 random(seed);
+  std::vector<std::byte> bytes(count);
+  for (auto& byte : bytes) byte = static_cast<std::byte>(random());
+  return bytes;
+}
+
+inline std::string_view asText(std::span<const std::byte> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+inline std::span<const std::byte> asBytes(std::string_view text) {
+  return std::as_bytes(std::span(text.data(), text.size()));
+}
+
+}  // namespace KernelsTests

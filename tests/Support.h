@@ -1,0 +1,45 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <VXFoundation/VXFoundation.h>
+
+/// What the tests have in common.
+
+/// The text of well-formed UTF-8 that is known only at run time.
+inline Ref<NSString> text(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
+
+/// The name of the exception that `action` raises, or "nothing".
+template <class Action>
+std::string raised(Action&& action) {
+  try {
+    action();
+  } catch (const NSException& exception) {
+    return static_cast<std::string>(*exception.name());
+  }
+  return "nothing";
+}
+
+/// The rows of a table in tests/vectors: cells between tabs; empty lines and those that begin with # are
+/// left out.
+inline std::vector<std::vector<std::string>> vectors(const std::string& name) {
+  std::ifstream file(std::string(VX_VECTORS) + "/" + name);
+  EXPECT_TRUE(file) << "no table " << name;
+  std::vector<std::vector<std::string>> rows;
+  for (std::string line; std::getline(file, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    std::vector<std::string> cells{""};
+    for (const char c : line) {
+      if (c == '\t')
+        cells.emplace_back();
+      else
+        cells.back().push_back(c);
+    }
+    rows.push_back(std::move(cells));
+  }
+  return rows;
+}

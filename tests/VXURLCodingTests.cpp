@@ -1,0 +1,84 @@
+#include "VXFoundation/VXURLCoding.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "VXFoundation/VXCodecKernels.h"
+#include "VectorFile.h"
+
+namespace {
+
+using Bytes = std::optional<std::string>;
+
+RefPtr<NSData> dataOf(std::string_view bytes) { return NSData::dataWithBytes(bytes.data(), bytes.size()); }
+
+Bytes bytesOf(const RefPtr<NSData>& data) {
+  if (!data) return {};
+  return std::string(reinterpret_cast<const char*>(data->bytes().data()), data->length());
+}
+
+Bytes bytesOf(const RefPtr<NSString>& text) { return text ? text->UTF8String() : Bytes(); }
+
+class VXURLCodingTests : public ::testing::TestWithParam<std::string> {
+ protected:
+  void SetUp() override { ASSERT_TRUE(VXCodecKernelsUse(GetParam())); }
+  void TearDown() override { VXCodecKernelsUse(VXCodecKernelsAvailable().back()); }
+};
+
+TEST_P(VXURLCodingTests, GoBothWaysAsTheTableSays) {
+  for (const auto& row : vectorFile("percent.tsv")) {
+    const auto text = NSString::stringWithUTF8String(row[0]);
+    EXPECT_EQ(bytesOf(VXURLEncodeString(text)), row[1]);
+    EXPECT_EQ(bytesOf(VXURLEncodeData(dataOf(row[0]))), row[1]);
+    EXPECT_EQ(bytesOf(VXURLDecodeString(VXURLEncodeString(text))), row[0]);
+    EXPECT_EQ(bytesOf(VXURLDecodeData(dataOf(row[1]))), row[0]);
+  }
+}
+
+TEST_P(VXURLCodingTests, DecodeOrRefuseAsTheTableSays) {
+  const auto expected = [](const std::string& column) {
+    return column == "absent" ? Bytes() : column.substr(1);
+  };
+  for (const auto& row : vectorFile("percent-decoding.tsv")) {
+    EXPECT_EQ(bytesOf(VXURLDecodeData(dataOf(row[0]))), expected(row[1])) << row[0];
+    EXPECT_EQ(bytesOf(VXURLDecodeString(NSString::stringWithUTF8String(row[0]))), expected(row[2])) << row[0];
+  }
+}
+
+TEST_P(VXURLCodingTests, TellNilFromEmpty) {
+  EXPECT_FALSE(VXURLEncodeData(nullptr));
+  EXPECT_FALSE(VXURLDecodeData(nullptr));
+  EXPECT_FALSE(VXURLEncodeString(nullptr));
+  EXPECT_FALSE(VXURLDecodeString(nullptr));
+  EXPECT_EQ(bytesOf(VXURLEncodeData(NSData::data())), "");
+  EXPECT_EQ(bytesOf(VXURLDecodeData(NSData::data())), "");
+  EXPECT_EQ(bytesOf(VXURLEncodeString("")), "");
+  EXPECT_EQ(bytesOf(VXURLDecodeString("")), "");
+}
+
+TEST_P(VXURLCodingTests, GoBothWaysWithEveryCodeUnit) {
+  for (unsigned unit = 0; unit < 0x10000; ++unit) {
+    const auto text = NSString::stringWithCharacters(std::u16string{u'~', static_cast<char16_t>(unit)});
+    const auto encoded = VXURLEncodeString(text);
+    ASSERT_TRUE(encoded) << unit;
+    // A lone surrogate has no UTF-8: absent bytes make the empty text.
+    if (unit >= 0xD800 && unit < 0xE000)
+      ASSERT_EQ(encoded->length(), 0u) << unit;
+    else
+      ASSERT_TRUE(text->isEqual(VXURLDecodeString(encoded))) << unit;
+    ASSERT_TRUE(encoded->isASCII());
+  }
+}
+
+TEST_P(VXURLCodingTests, KeepSecretsSecret) {
+  const RefPtr<NSData> secret = NSData::dataWithBytes(std::as_bytes(std::span("p%w d", 5)), true);
+  EXPECT_TRUE(VXURLEncodeData(secret)->holdsSecret());
+  EXPECT_TRUE(VXURLDecodeData(VXURLEncodeData(secret))->holdsSecret());
+  EXPECT_FALSE(VXURLEncodeData(dataOf("plain"))->holdsSecret());
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySet, VXURLCodingTests, ::testing::ValuesIn(VXCodecKernelsAvailable()),
+                         [](const auto& param) { return param.param; });
+
+}  // namespace

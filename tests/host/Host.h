@@ -1,0 +1,86 @@
+#pragma once
+
+#include <VXFoundation/VXFoundation.h>
+
+#define HOST_EXPORT __attribute__((visibility("default")))
+
+/// A host in a shared object of its own, as small as a host can be: classes derived from the library's,
+/// with operations, initialisers and class operations to override.
+
+/// Class operations that make an instance of the receiving class.
+template <class Self, class Base>
+class ShapeLayer : public NSObjectLayer<Self, Base> {
+ public:
+  template <class Derived>
+  using Subclass = ShapeLayer<Derived, Self>;
+
+  static RefPtr<Self> shapeWithSides(int sides) {
+    const Ref<Self> shape = Self::alloc();
+    return shape->initWithSides(sides + Self::sidesAdded()) ? RefPtr<Self>(shape) : nullptr;
+  }
+};
+
+class HOST_EXPORT Shape : public ShapeLayer<Shape, NSObject> {
+ public:
+  static int sidesAdded() { return 0; }
+
+  /// Says no to fewer than one side.
+  virtual bool initWithSides(int sides);
+  virtual int area() const;
+  int sides() const { return sides_; }
+  Ref<Shape> itself() { return *this; }
+
+ private:
+  int sides_ = 0;
+};
+
+class HOST_EXPORT Polygon : public Shape::Subclass<Polygon> {
+ public:
+  static int sidesAdded() { return 1; }
+  int area() const override { return 10 * sides(); }
+};
+
+class HOST_EXPORT Square : public Polygon::Subclass<Square> {
+ public:
+  bool initWithSides(int) override { return Polygon::initWithSides(4); }
+};
+
+/// A link of a chain.
+class HOST_EXPORT Link : public NSObject::Subclass<Link> {
+ public:
+  RefPtr<Link> next;
+};
+
+/// Equality of contents with the hash of identity, and with a hash that agrees.
+class HOST_EXPORT Loose : public NSObject::Subclass<Loose> {
+ public:
+  bool isEqual(const RefPtr<NSObject>& other) const override { return dynamicCast<Loose>(other.get()); }
+};
+class HOST_EXPORT Keyed : public NSObject::Subclass<Keyed> {
+ public:
+  using HashAgreesWithEquality = Keyed;
+  bool isEqual(const RefPtr<NSObject>& other) const override { return dynamicCast<Keyed>(other.get()); }
+  std::size_t hash() const override { return 7; }
+};
+class HOST_EXPORT LooselyKeyed : public Keyed::Subclass<LooselyKeyed> {
+ public:
+  bool isEqual(const RefPtr<NSObject>&) const override { return false; }
+};
+
+/// Numbers that are made as they are walked.
+class HOST_EXPORT Countdown : public NSFastEnumeration::Subclass<Countdown> {
+ public:
+  explicit Countdown(std::size_t from = 3) : from_(from) {}
+  std::size_t count() const override { return from_; }
+
+ protected:
+  Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const override;
+
+ private:
+  std::size_t from_;
+};
+
+/// Seen from the host's side of the border.
+HOST_EXPORT Ref<NSObject> hostMakesASquare();
+HOST_EXPORT Class& hostClassOfTexts();
+HOST_EXPORT Class& hostClassOfSquares();

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <Foundation/NSData.h>
+
+#include <span>
+#include <string_view>
+
+/// Keeps files that the tool opens from taking the place of a standard stream that was closed by the
+/// caller, and makes writing into a closed pipe an error like any other.
+void guardStandardStreams();
+
+/// All of standard input, to its end. Throws Failure when it cannot be read.
+Ref<NSData> readStandardInput();
+
+/// Writes to standard output, all of it. Throws Failure when that is not possible.
+void writeStandardOutput(std::span<const std::byte> bytes);
+void writeStandardOutput(std::string_view text);

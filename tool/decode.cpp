@@ -1,0 +1,45 @@
+#include <VXFoundation/VXFoundation.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "tool/StandardStreams.h"
+#include "tool/Subcommands.h"
+
+namespace {
+
+using Decoder = RefPtr<NSData> (*)(const Ref<NSData>&);
+
+template <RefPtr<NSData> (*decode)(Text)>
+RefPtr<NSData> decodeASCII(const Ref<NSData>& bytes) {
+  const RefPtr<NSString> text = NSString::stringWithData(bytes, NSASCIIStringEncoding);
+  return text ? decode(text) : nullptr;
+}
+
+const std::map<std::string, Decoder> decoders = {
+    {"base64", decodeASCII<VXBaseConversion::dataWithBase64String>},
+};
+
+/// What `encode` and echo add to a text is not part of it.
+Ref<NSData> withoutFinalNewline(Ref<NSData> bytes) {
+  const auto content = bytes->bytes();
+  if (content.empty() || content.back() != std::byte{'\n'}) return bytes;
+  return NSData::dataWithBytes(content.first(content.size() - 1));
+}
+
+int decode(const std::string& form) {
+  const RefPtr<NSData> bytes = decoders.at(form)(withoutFinalNewline(readStandardInput()));
+  if (!bytes) throw Failure("the input is not " + form + " text");
+  writeStandardOutput(bytes->bytes());
+  return 0;
+}
+
+}  // namespace
+
+void addDecode(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand("decode", "Read a text, write the bytes that it stands for");
+  const auto form = std::make_shared<std::string>();
+  command->add_option("FORM", *form, "How they are written")->required()->check(CLI::IsMember(decoders));
+  command->callback([form, &action] { action = [form] { return decode(*form); }; });
+}

@@ -1,0 +1,69 @@
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+
+#include "tool/StandardStreams.h"
+#include "tool/Subcommands.h"
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int wrongUsage = 2;
+
+int complain(const std::string& message, int status) {
+  std::cerr << "vxfoundation: " << message << std::endl;
+  return status;
+}
+
+/// The subcommand that the command line got as far as.
+CLI::App* reached(CLI::App& app) {
+  const auto chosen = app.get_subcommands();
+  return chosen.empty() ? &app : reached(*chosen.front());
+}
+
+std::string explain(CLI::App& app, const CLI::ParseError& error) {
+  const CLI::App* last = reached(app);
+  const bool expectsSubcommand = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
+  const auto unknown = app.remaining(true);
+  if (expectsSubcommand && !unknown.empty() && unknown.front().front() != '-') {
+    return "there is no subcommand '" + unknown.front() + "'";
+  }
+  return error.what();
+}
+
+/// Help and version come as errors of the parser, too, with the exit code 0.
+int finish(CLI::App& app, const CLI::ParseError& error) {
+  if (error.get_exit_code() != 0) return complain(explain(app, error) + "; see vxfoundation --help", wrongUsage);
+  std::ostringstream text;
+  app.exit(error, text);
+  writeStandardOutput(text.str());
+  return 0;
+}
+
+int run(int argc, char** argv) {
+  CLI::App app("Codecs, digests, type conformance and the keychain on the command line", "vxfoundation");
+  app.set_version_flag("--version", "vxfoundation " VX_VERSION);
+  app.require_subcommand(1);
+  Action action;
+  addEncode(app, action);
+  addDecode(app, action);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return finish(app, error);
+  }
+  return action();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  guardStandardStreams();
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    return complain("there is not enough memory", failed);
+  } catch (const std::exception& error) {
+    return complain(error.what(), failed);
+  }
+}
