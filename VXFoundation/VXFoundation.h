@@ -2,5 +2,8 @@
 
 /// Everything that a host needs.
 #include <Foundation/Foundation.h>
+#include <VXFoundation/NSData+CXHashing.h>
+#include <VXFoundation/NSData+VXBaseConversion.h>
 #include <VXFoundation/NSObject+VXAdditions.h>
 #include <VXFoundation/VXFoundationConstants.h>
+#include <VXFoundation/VXURLCoding.h>
