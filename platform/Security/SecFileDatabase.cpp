@@ -199,6 +199,8 @@ SecView SecFileDatabase::Statement::blob(int column) const {
 }
 
 SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : database_(database) {
+  // Prepared ahead, so that want of memory cannot keep a transaction from being ended.
+  static_cast<void>(database.use("ROLLBACK"));
   database.run(writing ? "BEGIN IMMEDIATE" : "BEGIN");
 }
 

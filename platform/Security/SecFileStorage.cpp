@@ -72,6 +72,11 @@ std::uint64_t countEntries(SecFileDatabase& database) {
   return static_cast<std::uint64_t>(row.integer(0));
 }
 
+std::string describe(const SecFileInfo& info) {
+  const bool byKeyFile = info.protection == SecFileProtection::keyFile;
+  return (byKeyFile ? "key file " + info.keyFile : "passphrase") + (info.locked ? ", locked" : ", unlocked");
+}
+
 /// Hands on the entry of a line unless it does not hold; true when it did.
 void trySalvage(const SecFileContext& context, const SecFileLine& line,
                 const std::function<void(SecEntry)>& visit) {
@@ -215,6 +220,16 @@ OSStatus SecFileStorage::open(const SecFilePlace& place, Missing missing,
 
 OSStatus SecFileStorage::transact(Access access, const Work& work) {
   return implementation_->alone([&] { return implementation_->transact(access, work); });
+}
+
+OSStatus SecFileStorage::copyInfo(SecStorageInfo& info) {
+  return secGuarded([&] {
+    SecFileInfo file;
+    const OSStatus status = this->info(file);
+    secRequire(status == errSecSuccess, status);
+    info = {file.path, describe(file), static_cast<std::size_t>(file.entries)};
+    return succeed();
+  });
 }
 
 OSStatus SecFileStorage::unlock() {

@@ -41,6 +41,7 @@ class FOUNDATION_EXPORT SecFileStorage final : public SecStorage {
   ~SecFileStorage() override;
 
   OSStatus transact(Access access, const Work& work) override;
+  OSStatus copyInfo(SecStorageInfo& info) override;
 
   /// Unlocks by the key file; errSecInteractionNotAllowed when the store has a passphrase.
   OSStatus unlock();
