@@ -5,5 +5,6 @@
 #include <VXFoundation/NSData+CXHashing.h>
 #include <VXFoundation/NSData+VXBaseConversion.h>
 #include <VXFoundation/NSObject+VXAdditions.h>
+#include <VXFoundation/VXCodecKernels.h>
 #include <VXFoundation/VXFoundationConstants.h>
 #include <VXFoundation/VXURLCoding.h>

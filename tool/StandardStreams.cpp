@@ -3,19 +3,16 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "tool/Subcommands.h"
 
 namespace {
 
-[[noreturn]] void fail(const char* what) {
-  throw Failure(std::string(what) + ": " + std::strerror(errno));
-}
+[[noreturn]] void fail(const std::string& what) { throw Failure(what + ": " + std::strerror(errno)); }
 
 bool isOpen(int descriptor) { return fcntl(descriptor, F_GETFD) != -1; }
 
@@ -24,6 +21,19 @@ ssize_t retried(auto transfer) {
   do count = transfer();
   while (count < 0 && errno == EINTR);
   return count;
+}
+
+Ref<NSData> readAll(int descriptor, bool secret, const std::string& name) {
+  const Ref<NSMutableData> content = NSMutableData::data();
+  content->setHoldsSecret(secret);
+  std::array<std::byte, 1 << 16> block;
+  for (;;) {
+    const ssize_t count = retried([&] { return read(descriptor, block.data(), block.size()); });
+    if (count < 0) fail("cannot read " + name);
+    if (count == 0) return content;
+    content->appendBytes(block.data(), static_cast<std::size_t>(count));
+    if (secret) explicit_bzero(block.data(), block.size());
+  }
 }
 
 }  // namespace
@@ -36,15 +46,14 @@ void guardStandardStreams() {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
-Ref<NSData> readStandardInput() {
-  const Ref<NSMutableData> input = NSMutableData::data();
-  std::vector<std::byte> block(1 << 16);
-  for (;;) {
-    const ssize_t count = retried([&] { return read(STDIN_FILENO, block.data(), block.size()); });
-    if (count < 0) fail("cannot read the input");
-    if (count == 0) return input;
-    input->appendBytes(block.data(), static_cast<std::size_t>(count));
-  }
+Ref<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }
+
+Ref<NSData> readSecretFile(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) fail("cannot read " + path);
+  const Ref<NSData> content = readAll(descriptor, true, path);
+  close(descriptor);
+  return content;
 }
 
 void writeStandardOutput(std::span<const std::byte> bytes) {

@@ -3,11 +3,15 @@
 #include <Foundation/NSData.h>
 
 #include <span>
+#include <string>
 #include <string_view>
 
 /// Keeps files that the tool opens from taking the place of a standard stream that was closed by the
 /// caller, and makes writing into a closed pipe an error like any other.
 void guardStandardStreams();
+
+/// The whole content of a file, to be cleansed from memory after use. Throws Failure when it cannot be read.
+Ref<NSData> readSecretFile(const std::string& path);
 
 /// All of standard input, to its end. Throws Failure when it cannot be read.
 Ref<NSData> readStandardInput();

@@ -16,3 +16,4 @@ class Failure : public std::runtime_error {
 /// Each adds its subcommand to `app` and, once that is chosen on the command line, sets `action`.
 void addEncode(CLI::App& app, Action& action);
 void addDecode(CLI::App& app, Action& action);
+void addDigest(CLI::App& app, Action& action);

@@ -17,8 +17,13 @@ RefPtr<NSData> decodeASCII(const Ref<NSData>& bytes) {
   return text ? decode(text) : nullptr;
 }
 
+RefPtr<NSData> decodeURL(const Ref<NSData>& bytes) { return VXURLDecodeData(bytes); }
+
 const std::map<std::string, Decoder> decoders = {
     {"base64", decodeASCII<VXBaseConversion::dataWithBase64String>},
+    {"base32", decodeASCII<VXBaseConversion::dataWithBase32String>},
+    {"base16", decodeASCII<VXBaseConversion::dataWithBase16String>},
+    {"url", decodeURL},
 };
 
 /// What `encode` and echo add to a text is not part of it.

@@ -9,15 +9,25 @@
 
 namespace {
 
-using Encoder = Ref<NSString> (*)(const NSData&);
+using Encoder = void (*)(const Ref<NSData>& bytes);
+
+template <Ref<NSString> (*encode)(const NSData&)>
+void writeText(const Ref<NSData>& bytes) {
+  encode(*bytes)->visit([](auto units) { writeStandardOutput(std::as_bytes(std::span(units))); });
+}
+
+void writeURLText(const Ref<NSData>& bytes) { writeStandardOutput(VXURLEncodeData(bytes)->bytes()); }
 
 const std::map<std::string, Encoder> encoders = {
-    {"base64", VXBaseConversion::base64String},
+    {"base64", writeText<VXBaseConversion::base64String>},
+    {"base32", writeText<VXBaseConversion::base32String>},
+    {"base16", writeText<VXBaseConversion::base16String>},
+    {"base2", writeText<VXBaseConversion::base2String>},
+    {"url", writeURLText},
 };
 
-int encode(Encoder encoder) {
-  const Ref<NSString> text = encoder(*readStandardInput());
-  text->visit([](auto units) { writeStandardOutput(std::as_bytes(std::span(units))); });
+int encode(const std::string& form) {
+  encoders.at(form)(readStandardInput());
   writeStandardOutput("\n");
   return 0;
 }
@@ -28,5 +38,5 @@ void addEncode(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("encode", "Read bytes, write them as text and a newline");
   const auto form = std::make_shared<std::string>();
   command->add_option("FORM", *form, "How to write them")->required()->check(CLI::IsMember(encoders));
-  command->callback([form, &action] { action = [form] { return encode(encoders.at(*form)); }; });
+  command->callback([form, &action] { action = [form] { return encode(*form); }; });
 }

@@ -1,3 +1,5 @@
+#include <VXFoundation/VXFoundation.h>
+
 #include <cstdlib>
 #include <iostream>
 #include <sstream>
@@ -44,9 +46,12 @@ int run(int argc, char** argv) {
   CLI::App app("Codecs, digests, type conformance and the keychain on the command line", "vxfoundation");
   app.set_version_flag("--version", "vxfoundation " VX_VERSION);
   app.require_subcommand(1);
+  app.fallthrough();  // --verbose may stand anywhere
+  app.add_flag_callback("--verbose", [] { NSLogSetSink({}); }, "Show the library's log");
   Action action;
   addEncode(app, action);
   addDecode(app, action);
+  addDigest(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -59,6 +64,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   guardStandardStreams();
+  NSLogSetSink([](std::string_view) {});  // the tool's own message is the one line
   try {
     return run(argc, argv);
   } catch (const std::bad_alloc&) {

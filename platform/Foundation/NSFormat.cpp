@@ -76,3 +76,7 @@ class Filler {
 Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments) {
   return Filler(static_cast<std::u16string>(format), arguments).filled();
 }
+
+Ref<NSString> NSFormat(const NSString& format, std::initializer_list<FormatArgument> arguments) {
+  return NSFormat(format, std::span(arguments.begin(), arguments.size()));
+}

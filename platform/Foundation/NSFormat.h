@@ -40,6 +40,4 @@ class FormatArgument {
 /// signed decimal; %lu an unsigned one; %% a per cent sign. An unknown directive, a missing or left-over
 /// argument or one of the wrong kind raises the invalid-argument exception.
 FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments);
-inline Ref<NSString> NSFormat(const NSString& format, std::initializer_list<FormatArgument> arguments) {
-  return NSFormat(format, std::span(arguments.begin(), arguments.size()));
-}
+FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format, std::initializer_list<FormatArgument> arguments);
