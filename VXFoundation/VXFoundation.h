@@ -7,4 +7,5 @@
 #include <VXFoundation/NSObject+VXAdditions.h>
 #include <VXFoundation/VXCodecKernels.h>
 #include <VXFoundation/VXFoundationConstants.h>
+#include <VXFoundation/VXKeychainItem.h>
 #include <VXFoundation/VXURLCoding.h>

@@ -1,4 +1,4 @@
-#include "Security/SecConstants.h"
+#include <Security/SecConstants.h>
 
 const Ref<NSString> kSecClass = NSString::stringWithString("class");
 const Ref<NSString> kSecAttrAccount = NSString::stringWithString("account");

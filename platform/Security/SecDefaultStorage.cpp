@@ -1,11 +1,20 @@
-#include "Security/SecDefaultStorage.h"
+#include <Security/SecDefaultStorage.h>
 
 #include <mutex>
 #include <utility>
 
+#include "Security/SecFileStorage.h"
+
 namespace {
 
-OSStatus openUserStorage(std::shared_ptr<SecStorage>&) { return errSecNotAvailable; }
+OSStatus openUserStorage(std::shared_ptr<SecStorage>& storage) {
+  SecFilePlace place;
+  std::unique_ptr<SecFileStorage> file;
+  OSStatus status = secDefaultFilePlace(place);
+  if (status == errSecSuccess) status = SecFileStorage::open(place, SecFileStorage::Missing::make, file);
+  if (status == errSecSuccess) storage = std::move(file);
+  return status;
+}
 
 class Choice {
  public:

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "Security/SecStorage.h"
+#include <Security/SecStorage.h>
 
 /// Chooses the storage that SecItemAdd, SecItemCopyMatching, SecItemUpdate and SecItemDelete act on from now
 /// on in this process; null stands for the user's embedded file, which is also what is used unless a host

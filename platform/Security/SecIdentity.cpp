@@ -1,4 +1,4 @@
-#include "Security/SecIdentity.h"
+#include <Security/SecIdentity.h>
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Security/SecEntry.h"
+#include <Security/SecEntry.h>
 
 /// What tells an entry from all others, in one spelling: the label is left out, and an internet password
 /// always holds a path and a port, since none is the same as an empty path and as port 0. Two entries are

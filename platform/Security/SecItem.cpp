@@ -1,12 +1,12 @@
-#include "Security/SecItem.h"
+#include <Security/SecItem.h>
 
 #include <new>
 #include <utility>
 
-#include "Security/SecDefaultStorage.h"
-#include "Security/SecItemRequest.h"
-#include "Security/SecMeaning.h"
-#include "Security/SecStatus.h"
+#include <Security/SecDefaultStorage.h>
+#include <Security/SecItemRequest.h>
+#include <Security/SecMeaning.h>
+#include <Security/SecStatus.h>
 
 namespace {
 

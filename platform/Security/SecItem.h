@@ -2,8 +2,8 @@
 
 #include <Foundation/NSDictionary.h>
 
-#include "Security/SecBase.h"
-#include "Security/SecConstants.h"
+#include <Security/SecBase.h>
+#include <Security/SecConstants.h>
 
 // The credential store as attribute maps. The four functions act on the process's default storage
 // (SecDefaultStorage.h) and are safe from any thread. They keep and change none of the maps that they are

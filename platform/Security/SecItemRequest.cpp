@@ -1,9 +1,9 @@
-#include "Security/SecItemRequest.h"
+#include <Security/SecItemRequest.h>
 
 #include <Foundation/NSData.h>
 #include <Foundation/NSNumber.h>
 
-#include "Security/SecConstants.h"
+#include <Security/SecConstants.h>
 
 namespace {
 

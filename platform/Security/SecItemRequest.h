@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "Security/SecEntry.h"
+#include <Security/SecEntry.h>
 
 /// An attribute map, read: what it names, and what the result should hold.
 struct SecItemRequest {

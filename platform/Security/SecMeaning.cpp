@@ -1,8 +1,8 @@
-#include "Security/SecMeaning.h"
+#include <Security/SecMeaning.h>
 
 #include <utility>
 
-#include "Security/SecIdentity.h"
+#include <Security/SecIdentity.h>
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "Security/SecBase.h"
-#include "Security/SecEntry.h"
-#include "Security/SecStorage.h"
+#include <Security/SecBase.h>
+#include <Security/SecEntry.h>
+#include <Security/SecStorage.h>
 
 /// What the four operations mean, the same for every storage: when two entries are one, which entry a
 /// query stands for, what a change leaves alone. Nothing is kept here; each runs within a transaction that

@@ -1,4 +1,4 @@
-#include "Security/SecMemory.h"
+#include <Security/SecMemory.h>
 
 #include <openssl/crypto.h>
 #include <sys/mman.h>

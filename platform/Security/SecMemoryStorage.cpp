@@ -1,10 +1,10 @@
-#include "Security/SecMemoryStorage.h"
+#include <Security/SecMemoryStorage.h>
 
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "Security/SecIdentity.h"
+#include <Security/SecIdentity.h>
 
 /// Keeps what each change displaced, and puts it back at the end unless the changes are kept.
 class SecMemoryStorage::Transaction final : public SecTransaction {

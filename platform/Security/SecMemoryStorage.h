@@ -5,7 +5,7 @@
 #include <map>
 #include <mutex>
 
-#include "Security/SecStorage.h"
+#include <Security/SecStorage.h>
 
 /// Entries that end with the process, for tests and throw-away hosts. Safe from any thread.
 class FOUNDATION_EXPORT SecMemoryStorage final : public SecStorage {

@@ -1,0 +1,238 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include <Foundation/NSData.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSError.h>
+#include <Foundation/NSString.h>
+
+/// One entry of the process's credential store: account, secret and label, with the request that identifies
+/// it there and the last answer about it. Kinds of entries are subclasses; this class has the sequence of
+/// steps of each operation and leaves to them the first four virtual operations below, of which each
+/// override calls its base class's first.
+///
+/// An operation answers whether it was done. Where it was not and a place for an error was given, that gets
+/// an error of the domain VXFoundationBundleIdentifier: code 0 for incomplete attributes (no store is
+/// asked), -201 for an entry that was not found, -200 for any other status, each with a localised description
+/// and, but for code 0, the platform's error underneath. The item is then as it was.
+///
+/// An item is for one thread at a time. Its maps hold the secret as long as it does.
+class FOUNDATION_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
+ public:
+  /// initWithUsername:data:label:. Nothing is checked; texts and bytes are copied.
+  virtual bool initWithUsernameData(Text username, const RefPtr<NSData>& data, Text label);
+
+  /// Whether the other is of the receiver's class or a subclass and has the same label, account and secret.
+  /// One-sided, therefore: an item of a subclass does not equal one of its base class. The hash stays the
+  /// one of the identity.
+  bool isEqual(const RefPtr<NSObject>& other) const override;
+  /// Whether the map has an account and a secret that are not empty. The spelling is part of the interface.
+  virtual bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const;
+  /// A new map of the fields that are present.
+  virtual Ref<NSMutableDictionary> _createAttributesDictionary() const;
+  /// Keeps the very map and takes over its values: one that is absent clears its field, but the secret stays.
+  virtual void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response);
+
+  /// Adds an entry with the item's fields. The map that was asked with, secret included, becomes the request.
+  virtual bool addItemToKeychain(RefPtr<NSError>* error = nullptr);
+  /// Takes over what the store knows of the entry that the request finds; asserts that there is a request.
+  /// With data, the answer must have what a valid item has; without, the secret stays what it was.
+  virtual bool refreshItemFromKeychainIncludeData(bool includeData, RefPtr<NSError>* error = nullptr);
+  /// Changes the entry that the request finds to the item's fields; asserts a response and a request. Both
+  /// stay as they are.
+  virtual bool updateItemInKeychain(RefPtr<NSError>* error = nullptr);
+  /// Deletes the entry with the item's fields as they are now. Succeeds where there is none, but gives the
+  /// error -201 even so.
+  virtual bool deleteItemFromKeychain(RefPtr<NSError>* error = nullptr);
+
+  const RefPtr<NSString>& label() const { return label_; }
+  void setLabel(Text label);
+  const RefPtr<NSString>& username() const { return username_; }
+  void setUsername(Text username);
+  const RefPtr<NSData>& data() const { return data_; }
+  void setData(const RefPtr<NSData>& data);
+  /// The maps are shared, not copied.
+  const RefPtr<NSDictionary>& keychainItemRequest() const { return keychainItemRequest_; }
+  void setKeychainItemRequest(RefPtr<NSDictionary> request) { keychainItemRequest_ = std::move(request); }
+  const RefPtr<NSDictionary>& keychainItemResponse() const { return keychainItemResponse_; }
+  void setKeychainItemResponse(RefPtr<NSDictionary> response) { keychainItemResponse_ = std::move(response); }
+
+ private:
+  RefPtr<NSMutableDictionary> validAttributes(RefPtr<NSError>* error) const;
+
+  RefPtr<NSString> label_;
+  RefPtr<NSString> username_;
+  RefPtr<NSData> data_;
+  RefPtr<NSDictionary> keychainItemRequest_;
+  RefPtr<NSDictionary> keychainItemResponse_;
+};
+
+/// An item whose secret is a password: the UTF-8 encoding of a text that is not empty.
+class FOUNDATION_EXPORT VXPasswordKeychainItem : public VXKeychainItem::Subclass<VXPasswordKeychainItem> {
+ public:
+  virtual bool initWithUsername(Text username, Text password, Text label);
+
+  /// Absent when there is no secret or it is not UTF-8.
+  RefPtr<NSString> password() const;
+  /// An absent text, or one that UTF-8 cannot tell, clears the secret.
+  void setPassword(Text password);
+
+  /// As refreshItemFromKeychainIncludeData.
+  virtual bool refreshItemFromKeychainIncludePassword(bool includePassword, RefPtr<NSError>* error = nullptr);
+
+  bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
+};
+
+class VXGenericKeychainItem;
+
+/// The class operations of generic items, which know the class that received them: class MailItem : public
+/// VXGenericKeychainItem::Subclass<MailItem> has factories that make a MailItem and ask with its own query.
+template <class Self, class Base>
+class [[gnu::visibility("default")]] VXGenericKeychainItemLayer : public NSObjectLayer<Self, Base> {
+ public:
+  template <class Derived>
+  using Subclass = VXGenericKeychainItemLayer<Derived, Self>;
+
+  /// A new item of the receiving class; absent when its initialiser says no.
+  static RefPtr<Self> keychainItemWithUsername(Text username, Text password, Text label, Text serviceName);
+  /// An item without fields that holds the receiving class's query as its request, to be refreshed. It is a
+  /// VXGenericKeychainItem whichever class is asked. Asserts both arguments; no store is asked.
+  static Ref<VXGenericKeychainItem> findKeychainItemForUsername(Text username, Text serviceName);
+};
+
+/// A password for an account of a service.
+class FOUNDATION_EXPORT VXGenericKeychainItem
+    : public VXGenericKeychainItemLayer<VXGenericKeychainItem, VXPasswordKeychainItem> {
+ public:
+  using VXPasswordKeychainItem::initWithUsername;
+  virtual bool initWithUsername(Text username, Text password, Text label, Text serviceName);
+
+  bool isEqual(const RefPtr<NSObject>& other) const override;
+  bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
+  Ref<NSMutableDictionary> _createAttributesDictionary() const override;
+  void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override;
+
+  const RefPtr<NSString>& serviceName() const { return serviceName_; }
+  void setServiceName(Text serviceName);
+
+  /// A new query for the class and the arguments that are present.
+  static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text serviceName);
+
+ private:
+  template <class Self, class Base>
+  friend class VXGenericKeychainItemLayer;
+
+  static void assertFindable(const Class& receiver, Text username, Text serviceName);
+
+  RefPtr<NSString> serviceName_;
+};
+
+/// What an internet password is for. Other values can be held, but raise the invalid-argument exception
+/// where a map is made of them.
+enum VXInternetKeychainItemProtocol : std::uint64_t {
+  VXInternetKeychainItemProtocolNone,
+  VXInternetKeychainItemProtocolHTTP,
+  VXInternetKeychainItemProtocolHTTPS,
+  VXInternetKeychainItemProtocolFTP,
+  VXInternetKeychainItemProtocolSSH,
+};
+
+/// The class operations of internet items; see VXGenericKeychainItemLayer.
+template <class Self, class Base>
+class [[gnu::visibility("default")]] VXInternetKeychainItemLayer : public NSObjectLayer<Self, Base> {
+ public:
+  template <class Derived>
+  using Subclass = VXInternetKeychainItemLayer<Derived, Self>;
+
+  /// A new item of the receiving class; absent when its initialiser says no.
+  static RefPtr<Self> keychainItemWithUsername(Text username, Text password, Text label, Text server,
+                                               Text path, std::int64_t port,
+                                               VXInternetKeychainItemProtocol protocol);
+  /// An item of the receiving class without fields that holds that class's query as its request, to be
+  /// refreshed. Asserts the account and the server; no store is asked.
+  static Ref<Self> findKeychainItemForUsername(Text username, Text server, Text path, std::int64_t port,
+                                               VXInternetKeychainItemProtocol protocol);
+};
+
+/// A password for an account on a server.
+class FOUNDATION_EXPORT VXInternetKeychainItem
+    : public VXInternetKeychainItemLayer<VXInternetKeychainItem, VXPasswordKeychainItem> {
+ public:
+  using VXPasswordKeychainItem::initWithUsername;
+  virtual bool initWithUsername(Text username, Text password, Text label, Text server, Text path,
+                                std::int64_t port, VXInternetKeychainItemProtocol protocol);
+
+  bool isEqual(const RefPtr<NSObject>& other) const override;
+  bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
+  /// Writes any port but 0. Raises the invalid-argument exception for a protocol that is none.
+  Ref<NSMutableDictionary> _createAttributesDictionary() const override;
+  void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override;
+  /// The protocol of a value of kSecAttrProtocol; none for any other text.
+  virtual VXInternetKeychainItemProtocol _VXInternetKeychainItemProtocolFromType(Text type) const;
+
+  const RefPtr<NSString>& server() const { return server_; }
+  void setServer(Text server);
+  const RefPtr<NSString>& path() const { return path_; }
+  void setPath(Text path);
+  /// 0 is none.
+  std::int64_t port() const { return port_; }
+  void setPort(std::int64_t port) { port_ = port; }
+  VXInternetKeychainItemProtocol protocol() const { return protocol_; }
+  void setProtocol(VXInternetKeychainItemProtocol protocol) { protocol_ = protocol; }
+
+  /// A new query for the class and the arguments that are present, the port only when it is above 0. Raises
+  /// the invalid-argument exception for a protocol that is none.
+  static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text server, Text path,
+                                                              std::int64_t port,
+                                                              VXInternetKeychainItemProtocol protocol);
+
+ private:
+  template <class Self, class Base>
+  friend class VXInternetKeychainItemLayer;
+
+  static void assertFindable(const Class& receiver, Text username, Text server);
+
+  RefPtr<NSString> server_;
+  RefPtr<NSString> path_;
+  std::int64_t port_ = 0;
+  VXInternetKeychainItemProtocol protocol_ = VXInternetKeychainItemProtocolNone;
+};
+
+template <class Self, class Base>
+RefPtr<Self> VXGenericKeychainItemLayer<Self, Base>::keychainItemWithUsername(Text username, Text password,
+                                                                              Text label, Text serviceName) {
+  const Ref<Self> item = Self::alloc();
+  VXGenericKeychainItem& initialised = *item;
+  if (!initialised.initWithUsername(username, password, label, serviceName)) return nullptr;
+  return item;
+}
+
+template <class Self, class Base>
+Ref<VXGenericKeychainItem> VXGenericKeychainItemLayer<Self, Base>::findKeychainItemForUsername(
+    Text username, Text serviceName) {
+  VXGenericKeychainItem::assertFindable(Self::classObject(), username, serviceName);
+  const Ref<VXGenericKeychainItem> item = VXGenericKeychainItem::alloc();
+  item->setKeychainItemRequest(Self::queryDictionaryWithUsername(username, serviceName));
+  return item;
+}
+
+template <class Self, class Base>
+RefPtr<Self> VXInternetKeychainItemLayer<Self, Base>::keychainItemWithUsername(
+    Text username, Text password, Text label, Text server, Text path, std::int64_t port,
+    VXInternetKeychainItemProtocol protocol) {
+  const Ref<Self> item = Self::alloc();
+  VXInternetKeychainItem& initialised = *item;
+  if (!initialised.initWithUsername(username, password, label, server, path, port, protocol)) return nullptr;
+  return item;
+}
+
+template <class Self, class Base>
+Ref<Self> VXInternetKeychainItemLayer<Self, Base>::findKeychainItemForUsername(
+    Text username, Text server, Text path, std::int64_t port, VXInternetKeychainItemProtocol protocol) {
+  VXInternetKeychainItem::assertFindable(Self::classObject(), username, server);
+  const Ref<Self> item = Self::alloc();
+  item->setKeychainItemRequest(Self::queryDictionaryWithUsername(username, server, path, port, protocol));
+  return item;
+}

@@ -1,0 +1,137 @@
+#include "Security/SecFileCrypto.h"
+
+#include <openssl/core_names.h>
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+#include <openssl/hmac.h>
+#include <openssl/kdf.h>
+#include <openssl/params.h>
+#include <openssl/rand.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+namespace {
+
+struct Free {
+  void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
+  void operator()(EVP_KDF* kdf) const { EVP_KDF_free(kdf); }
+  void operator()(EVP_KDF_CTX* context) const { EVP_KDF_CTX_free(context); }
+};
+
+template <class Handle>
+using Owned = std::unique_ptr<Handle, Free>;
+
+template <class Handle>
+Owned<Handle> own(Handle* handle) {
+  secRequire(handle != nullptr, errSecAllocate);
+  return Owned<Handle>(handle);
+}
+
+const unsigned char* in(SecView bytes) { return reinterpret_cast<const unsigned char*>(bytes.data()); }
+unsigned char* out(std::span<std::byte> bytes) { return reinterpret_cast<unsigned char*>(bytes.data()); }
+int length(SecView bytes) { return static_cast<int>(bytes.size()); }
+void done(int result) { secRequire(result == 1, errSecAllocate); }
+
+OSSL_PARAM octets(const char* name, SecView bytes) {
+  return OSSL_PARAM_construct_octet_string(name, const_cast<std::byte*>(bytes.data()), bytes.size());
+}
+
+SecSecret derive(const char* algorithm, const OSSL_PARAM* parameters) {
+  const auto kdf = own(EVP_KDF_fetch(nullptr, algorithm, nullptr));
+  const auto context = own(EVP_KDF_CTX_new(kdf.get()));
+  SecSecret key(secKeySize);
+  done(EVP_KDF_derive(context.get(), out(key.writableBytes()), secKeySize, parameters));
+  return key;
+}
+
+SecView nonceOf(SecView box) { return box.first(secNonceSize); }
+SecView tagOf(SecView box) { return box.last(sizeof(SecTag)); }
+SecView textOf(SecView box) { return box.subspan(secNonceSize, box.size() - secBoxOverhead); }
+
+}  // namespace
+
+void secFillRandom(std::span<std::byte> bytes) {
+  secRequire(RAND_priv_bytes(out(bytes), length(bytes)) == 1, errSecNotAvailable);
+}
+
+SecDigest secHash(SecView message) {
+  SecDigest digest;
+  done(EVP_Digest(message.data(), message.size(), out(digest), nullptr, EVP_sha256(), nullptr));
+  return digest;
+}
+
+SecDigest secAuthenticate(SecView key, SecView message) {
+  SecDigest digest;
+  secRequire(HMAC(EVP_sha256(), key.data(), length(key), in(message), message.size(), out(digest), nullptr),
+             errSecAllocate);
+  return digest;
+}
+
+SecTag secAuthenticateShort(SecView key, SecView message) {
+  const SecDigest digest = secAuthenticate(key, message);
+  SecTag tag;
+  std::copy_n(digest.begin(), tag.size(), tag.begin());
+  return tag;
+}
+
+bool secSame(SecView left, SecView right) {
+  return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
+}
+
+SecSecret secDeriveKey(SecView key, SecView salt, std::string_view purpose) {
+  char digest[] = "SHA256";
+  const OSSL_PARAM parameters[] = {OSSL_PARAM_construct_utf8_string(OSSL_KDF_PARAM_DIGEST, digest, 0),
+                                   octets(OSSL_KDF_PARAM_KEY, key), octets(OSSL_KDF_PARAM_SALT, salt),
+                                   octets(OSSL_KDF_PARAM_INFO, secBytesOf(purpose)),
+                                   OSSL_PARAM_construct_end()};
+  return derive("HKDF", parameters);
+}
+
+SecSecret secStretch(SecView passphrase, SecView salt, SecCost cost) {
+  std::uint64_t n = std::uint64_t{1} << cost.logN;
+  std::uint32_t r = cost.r;
+  std::uint32_t p = cost.p;
+  // The preset limit is below what N = 2^17 takes; half as much again covers the blocks beside the table.
+  std::uint64_t memory = 128 * n * r / 2 * 3;
+  const OSSL_PARAM parameters[] = {octets(OSSL_KDF_PARAM_PASSWORD, passphrase),
+                                   octets(OSSL_KDF_PARAM_SALT, salt),
+                                   OSSL_PARAM_construct_uint64(OSSL_KDF_PARAM_SCRYPT_N, &n),
+                                   OSSL_PARAM_construct_uint32(OSSL_KDF_PARAM_SCRYPT_R, &r),
+                                   OSSL_PARAM_construct_uint32(OSSL_KDF_PARAM_SCRYPT_P, &p),
+                                   OSSL_PARAM_construct_uint64(OSSL_KDF_PARAM_SCRYPT_MAXMEM, &memory),
+                                   OSSL_PARAM_construct_end()};
+  return derive("SCRYPT", parameters);
+}
+
+SecBytes secSeal(SecView key, SecView associated, SecView plaintext) {
+  SecBytes box(plaintext.size() + secBoxOverhead);
+  const std::span<std::byte> nonce = std::span(box).first(secNonceSize);
+  const std::span<std::byte> tag = std::span(box).last(sizeof(SecTag));
+  secFillRandom(nonce);
+  const auto context = own(EVP_CIPHER_CTX_new());
+  int written = 0;
+  done(EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, in(key), in(nonce)));
+  done(EVP_EncryptUpdate(context.get(), nullptr, &written, in(associated), length(associated)));
+  done(EVP_EncryptUpdate(context.get(), out(box) + secNonceSize, &written, in(plaintext), length(plaintext)));
+  done(EVP_EncryptFinal_ex(context.get(), out(tag), &written));
+  done(EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_GET_TAG, static_cast<int>(tag.size()), out(tag)));
+  return box;
+}
+
+SecSecret secOpen(SecView key, SecView associated, SecView box) {
+  secRequire(box.size() >= secBoxOverhead, errSecDecode);
+  const SecView text = textOf(box);
+  SecTag tag;
+  std::copy_n(tagOf(box).begin(), tag.size(), tag.begin());
+  SecSecret plaintext(text.size());
+  const auto context = own(EVP_CIPHER_CTX_new());
+  int written = 0;
+  done(EVP_DecryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, in(key), in(nonceOf(box))));
+  done(EVP_DecryptUpdate(context.get(), nullptr, &written, in(associated), length(associated)));
+  done(EVP_DecryptUpdate(context.get(), out(plaintext.writableBytes()), &written, in(text), length(text)));
+  done(EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, static_cast<int>(tag.size()), out(tag)));
+  secRequire(EVP_DecryptFinal_ex(context.get(), out(tag), &written) == 1, errSecDecode);
+  return plaintext;
+}

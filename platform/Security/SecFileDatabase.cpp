@@ -1,0 +1,215 @@
+#include "Security/SecFileDatabase.h"
+
+#include <cerrno>
+#include <cstring>
+#include <thread>
+
+#include "Security/SecFileFormat.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto busyLimit = 5s;
+constexpr std::size_t headerSize = 100;
+
+OSStatus statusOfInputOutput(int code, int systemError) {
+  if (code == SQLITE_IOERR_NOMEM) return errSecAllocate;
+  const bool noRoom = systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
+  return noRoom ? errSecDiskFull : errSecIO;
+}
+
+OSStatus statusOf(int code, int systemError) {
+  switch (code & 0xFF) {
+    case SQLITE_NOMEM:
+      return errSecAllocate;
+    case SQLITE_FULL:
+      return errSecDiskFull;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return errSecBusy;
+    case SQLITE_READONLY:
+      return errSecReadOnly;
+    case SQLITE_TOOBIG:
+      return errSecDataTooLarge;
+    case SQLITE_CANTOPEN:
+      return code == SQLITE_CANTOPEN_SYMLINK ? errSecNotPrivate : statusOfInputOutput(code, systemError);
+    case SQLITE_ERROR:
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_CONSTRAINT:
+    case SQLITE_SCHEMA:
+      return errSecDecode;  // the tables are not what they were made as
+    default:
+      return statusOfInputOutput(code, systemError);
+  }
+}
+
+void check(int code, sqlite3* connection) {
+  if (code == SQLITE_OK || code == SQLITE_ROW || code == SQLITE_DONE) return;
+  throw SecFailure{statusOf(code, connection ? sqlite3_system_errno(connection) : 0)};
+}
+
+/// Reads the first bytes through SQLite: opening and closing the file here would drop the locks that other
+/// connections of this process hold on it.
+std::array<std::byte, headerSize> readHeader(sqlite3* connection) {
+  sqlite3_file* file = nullptr;
+  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file), connection);
+  std::array<std::byte, headerSize> header{};
+  const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+  if (code == SQLITE_IOERR_SHORT_READ) throw SecFailure{errSecInvalidKeychain};
+  check(code, connection);
+  return header;
+}
+
+template <class Integer>
+Integer headerField(SecView header, std::size_t offset) {
+  return SecByteReader(header.subspan(offset)).number<Integer>();
+}
+
+void set(sqlite3* connection, int option, int value) {
+  check(sqlite3_db_config(connection, option, value, nullptr), connection);
+}
+
+}  // namespace
+
+SecFileDatabase::SecFileDatabase(const std::string& path) {
+  open(path.c_str(), SQLITE_OPEN_NOFOLLOW);
+  checkHeader();
+  configure();
+}
+
+SecFileDatabase::SecFileDatabase() {
+  open(":memory:", SQLITE_OPEN_MEMORY);
+  run("PRAGMA page_size=4096");
+  const std::string numbers = "PRAGMA application_id=" + std::to_string(secFileApplication) +
+                              ";PRAGMA user_version=" + std::to_string(secFileFormat);
+  check(sqlite3_exec(connection_.get(), numbers.c_str(), nullptr, nullptr, nullptr), connection_.get());
+  for (const char* statement : secFileSchema) run(statement);
+}
+
+void SecFileDatabase::open(const char* path, int flags) {
+  sqlite3* connection = nullptr;
+  const int code =
+      sqlite3_open_v2(path, &connection,
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | flags, nullptr);
+  connection_.reset(connection);
+  check(code, connection);
+  secRequire(connection != nullptr, errSecAllocate);
+}
+
+void SecFileDatabase::checkHeader() {
+  const auto header = readHeader(connection_.get());
+  const SecView bytes(header);
+  constexpr char magic[] = "SQLite format 3";
+  secRequire(std::memcmp(header.data(), magic, sizeof magic) == 0, errSecInvalidKeychain);
+  secRequire(headerField<std::uint32_t>(bytes, 68) == secFileApplication, errSecInvalidKeychain);
+  secRequire(headerField<std::uint32_t>(bytes, 60) <= secFileFormat, errSecWrongSecVersion);
+  secRequire(headerField<std::uint32_t>(bytes, 60) == secFileFormat, errSecDecode);
+  // A store keeps a rollback journal; anything else here would make SQLite lay further files beside it.
+  secRequire(headerField<std::uint16_t>(bytes, 18) == 0x0101, errSecDecode);
+}
+
+void SecFileDatabase::configure() {
+  sqlite3* const connection = connection_.get();
+  set(connection, SQLITE_DBCONFIG_DEFENSIVE, 1);
+  set(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0);
+  set(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
+  set(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0);
+  check(sqlite3_busy_handler(connection, wait, this), connection);
+  constexpr const char* settings =
+      "PRAGMA synchronous=EXTRA;PRAGMA secure_delete=ON;PRAGMA cell_size_check=ON;PRAGMA mmap_size=0;"
+      "PRAGMA temp_store=MEMORY";
+  check(sqlite3_exec(connection, settings, nullptr, nullptr, nullptr), connection);
+}
+
+/// Asks again every few milliseconds: SQLite's own waits grow so long that one of several busy writers
+/// may never meet the moment between two others.
+int SecFileDatabase::wait(void* database, int tries) {
+  auto& waitingSince = static_cast<SecFileDatabase*>(database)->waitingSince_;
+  const auto now = std::chrono::steady_clock::now();
+  if (tries == 0) waitingSince = now;
+  if (now - waitingSince > busyLimit) return 0;
+  std::this_thread::sleep_for(500us * (1 + tries % 5));
+  return 1;
+}
+
+SecFileDatabase::Statement SecFileDatabase::use(const char* sql) {
+  auto& statement = statements_[sql];
+  if (!statement) {
+    sqlite3_stmt* made = nullptr;
+    const int code =
+        sqlite3_prepare_v3(connection_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &made, nullptr);
+    statement.reset(made);
+    check(code, connection_.get());
+  }
+  return Statement(statement.get());
+}
+
+void SecFileDatabase::checkSchema() {
+  Statement rows = use("SELECT sql FROM sqlite_schema ORDER BY name");
+  for (const char* expected : secFileSchema)
+    secRequire(rows.step() && rows.text(0) == expected, errSecDecode);
+  secRequire(!rows.step(), errSecDecode);
+}
+
+SecBytes SecFileDatabase::image() const {
+  sqlite3_int64 size = 0;
+  const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> pages(
+      sqlite3_serialize(connection_.get(), "main", &size, 0), sqlite3_free);
+  secRequire(pages != nullptr, errSecAllocate);
+  const SecView bytes = std::as_bytes(std::span(pages.get(), static_cast<std::size_t>(size)));
+  return {bytes.begin(), bytes.end()};
+}
+
+SecFileDatabase::Statement::~Statement() {
+  sqlite3_reset(statement_);
+  sqlite3_clear_bindings(statement_);
+}
+
+SecFileDatabase::Statement& SecFileDatabase::Statement::bind(std::int64_t value) {
+  check(sqlite3_bind_int64(statement_, ++bound_, value), sqlite3_db_handle(statement_));
+  return *this;
+}
+
+SecFileDatabase::Statement& SecFileDatabase::Statement::bind(SecView bytes) {
+  check(sqlite3_bind_blob64(statement_, ++bound_, bytes.data(), bytes.size(), SQLITE_STATIC),
+        sqlite3_db_handle(statement_));
+  return *this;
+}
+
+bool SecFileDatabase::Statement::step() {
+  const int code = sqlite3_step(statement_);
+  check(code, sqlite3_db_handle(statement_));
+  return code == SQLITE_ROW;
+}
+
+std::string_view SecFileDatabase::Statement::text(int column) const {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  return text ? std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)))
+              : std::string_view();
+}
+
+SecView SecFileDatabase::Statement::blob(int column) const {
+  const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(statement_, column));
+  if (bytes) return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+  const int code = sqlite3_errcode(sqlite3_db_handle(statement_));
+  if (code == SQLITE_NOMEM) throw SecFailure{errSecAllocate};
+  return {};
+}
+
+SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : database_(database) {
+  // Prepared ahead, so that want of memory cannot keep a transaction from being ended.
+  static_cast<void>(database.use("ROLLBACK"));
+  database.run(writing ? "BEGIN IMMEDIATE" : "BEGIN");
+}
+
+SecFileUnitOfWork::~SecFileUnitOfWork() {
+  if (!database_.inTransaction()) return;
+  try {
+    database_.run("ROLLBACK");
+  } catch (const SecFailure&) {
+    // What could not be rolled back now is, from the journal, by whoever opens the store next.
+  } catch (const std::bad_alloc&) {
+  }
+}

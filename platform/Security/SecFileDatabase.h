@@ -1,0 +1,84 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "Security/SecFileBytes.h"
+
+/// A connection to a store file, with every setting that a store wants. Errors of SQLite are thrown as
+/// SecFailure. Of one thread at a time, and of the process that opened it.
+class SecFileDatabase {
+ public:
+  /// Opens a file that is there, without following links, and makes sure by its first bytes that it is a
+  /// store of this format; fails with errSecInvalidKeychain, errSecDecode or errSecWrongSecVersion. Nothing
+  /// is written.
+  explicit SecFileDatabase(const std::string& path);
+  /// Makes an empty store in memory.
+  SecFileDatabase();
+  SecFileDatabase(const SecFileDatabase&) = delete;
+  SecFileDatabase& operator=(const SecFileDatabase&) = delete;
+
+  /// A statement in use: values are bound in order, and it is free again when this goes.
+  class Statement {
+   public:
+    explicit Statement(sqlite3_stmt* statement) : statement_(statement) {}
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+    ~Statement();
+
+    Statement& bind(std::int64_t value);
+    Statement& bind(SecView bytes);
+    bool step();
+    void run() { static_cast<void>(step()); }
+    std::int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
+    std::string_view text(int column) const;
+    /// Valid until the next step.
+    SecView blob(int column) const;
+
+   private:
+    sqlite3_stmt* statement_;
+    int bound_ = 0;
+  };
+
+  /// Gives the statement of `sql`, a text that lives as long as the program.
+  Statement use(const char* sql);
+  void run(const char* sql) { use(sql).run(); }
+  /// Rows that the last statement changed.
+  int changes() const { return sqlite3_changes(connection_.get()); }
+  bool inTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
+  /// Fails with errSecDecode unless the tables are those of a store, and nothing else is there.
+  void checkSchema();
+  /// All pages as one file.
+  SecBytes image() const;
+
+ private:
+  struct Close {
+    void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+  void open(const char* path, int flags);
+  void configure();
+  void checkHeader();
+  static int wait(void* database, int tries);
+
+  std::unique_ptr<sqlite3, Close> connection_;
+  std::map<const char*, std::unique_ptr<sqlite3_stmt, Close>> statements_;
+  std::chrono::steady_clock::time_point waitingSince_;
+};
+
+/// One transaction of a database: rolled back at the end unless it was committed.
+class SecFileUnitOfWork {
+ public:
+  SecFileUnitOfWork(SecFileDatabase& database, bool writing);
+  SecFileUnitOfWork(const SecFileUnitOfWork&) = delete;
+  SecFileUnitOfWork& operator=(const SecFileUnitOfWork&) = delete;
+  ~SecFileUnitOfWork();
+  void commit() { database_.run("COMMIT"); }
+
+ private:
+  SecFileDatabase& database_;
+};

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "Security/SecEntry.h"
+#include "Security/SecFileFormat.h"
+#include "Security/SecFileKeys.h"
+
+/// What an entry is found by: a keyed tag of each part of its identity, so that equal parts can be told
+/// and nothing else.
+struct SecFileIdentity {
+  SecTag account{};
+  SecTag site{};  // the service or the server
+  SecTag rest{};  // path, port and protocol
+
+  friend auto operator<=>(const SecFileIdentity&, const SecFileIdentity&) = default;
+  std::uint8_t bucket() const { return std::to_integer<std::uint8_t>(account[0] ^ site[0]); }
+};
+
+SecFileIdentity secFileIdentity(SecView indexKey, const SecAttributes& attributes);
+std::array<std::byte, 48> secIdentityBytes(const SecFileIdentity& identity);
+SecFileIdentity secIdentityFrom(SecView bytes);
+
+/// The parts of an identity that a query names; what it lacks matches anything.
+class SecFileQuery {
+ public:
+  SecFileQuery(SecView indexKey, const SecAttributes& query);
+
+  /// The one bucket that holds all matches, when there is one.
+  std::optional<std::uint8_t> bucket() const;
+  /// False only for an entry that the query cannot match.
+  bool mayMatch(const SecFileIdentity& identity) const;
+
+ private:
+  SecFileIdentity identity_;
+  bool account_;
+  bool site_;
+  bool rest_;
+};
+
+/// A line of the directory: which row holds the entry of this identity, and how that row ends.
+struct SecFileLine {
+  SecFileIdentity identity;
+  std::int64_t number = 0;
+  SecTag stamp{};
+};
+
+using SecFileBucket = std::vector<SecFileLine>;
+
+/// The keyed sum of a bucket's lines, in the order of their identities; all zero for an empty one.
+SecTag secBucketSum(SecView sealKey, std::uint8_t bucket, const SecFileBucket& lines);
+
+/// What holds a store together: the number that the next entry gets, how many there are, and the sum of
+/// every bucket, all under one keyed sum of its own.
+struct SecFileSeal {
+  std::int64_t next = 1;
+  std::uint64_t count = 0;
+  std::array<SecTag, secBucketCount> sums{};
+};
+
+SecBytes secEncodeSeal(const SecFileSeal& seal, SecView sealKey, const SecStoreID& store);
+/// Fails with errSecDecode unless `bytes` are a seal that this key has made for this store.
+SecFileSeal secDecodeSeal(SecView bytes, SecView sealKey, const SecStoreID& store);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// What the store file says of itself. A change of anything here is a new format.
+
+constexpr std::uint32_t secFileFormat = 1;                // the file's user_version
+constexpr std::uint32_t secFileApplication = 0x56584B53;  // the file's application_id: "VXKS"
+constexpr std::size_t secBucketCount = 256;
+
+/// The tables, each statement as it is kept in the file:
+/// - store: one row, the id of the store and the seal over all of its directory;
+/// - slot: the data key, wrapped;
+/// - directory: what is where, in buckets that the seal covers one by one;
+/// - entry: what is kept, encrypted.
+constexpr const char* secFileSchema[] = {
+    ("CREATE TABLE directory(bucket INTEGER NOT NULL,identity BLOB NOT NULL,number INTEGER NOT NULL,"
+     "stamp BLOB NOT NULL,PRIMARY KEY(bucket,identity))WITHOUT ROWID"),
+    "CREATE TABLE entry(number INTEGER PRIMARY KEY,body BLOB NOT NULL)",
+    "CREATE TABLE slot(protection INTEGER PRIMARY KEY,body BLOB NOT NULL)",
+    "CREATE TABLE store(one INTEGER PRIMARY KEY,id BLOB NOT NULL,seal BLOB NOT NULL)",
+};

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <Security/SecFileStorage.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+/// A folder of its own for the files of one store, gone at the end.
+class TemporaryPlace {
+ public:
+  TemporaryPlace() {
+    std::string name = std::filesystem::temp_directory_path() / "vxstore.XXXXXX";
+    if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
+    root = std::filesystem::canonical(name);
+    place = {root / "data/credentials.store", root / "keys", true};
+  }
+  TemporaryPlace(const TemporaryPlace&) = delete;
+  TemporaryPlace& operator=(const TemporaryPlace&) = delete;
+  ~TemporaryPlace() { std::filesystem::remove_all(root); }
+
+  std::filesystem::path root;
+  SecFilePlace place;
+};
+
+inline SecSecret secretFrom(std::string_view text) { return SecSecret(std::as_bytes(std::span(text))); }
+
+inline std::string textFrom(const SecSecret& secret) {
+  return {reinterpret_cast<const char*>(secret.bytes().data()), secret.bytes().size()};
+}
+
+inline std::string readFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Writes over the content of a file and leaves its mode as it is.
+inline void writeFile(const std::filesystem::path& path, std::string_view content) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
+}
+
+/// A store of passwords by account, all of one service, as a host without the library's objects sees it.
+class Passwords {
+ public:
+  /// What an account holds: nothing, or a password.
+  using Found = std::optional<std::string>;
+  static constexpr auto make = SecFileStorage::Missing::make;
+  static constexpr auto refuse = SecFileStorage::Missing::refuse;
+
+  OSStatus open(const SecFilePlace& place, SecFileStorage::Missing missing = make) {
+    return SecFileStorage::open(place, missing, storage);
+  }
+
+  OSStatus add(const std::string& account, std::string_view password) {
+    return change([&](SecTransaction& store) { return store.insert(entryOf(account, password)); });
+  }
+
+  OSStatus update(const std::string& account, std::string_view password) {
+    return changeFound(account, [&](SecTransaction& store, const SecRow& row) {
+      return store.replace(row.number, entryOf(account, password));
+    });
+  }
+
+  OSStatus remove(const std::string& account) {
+    return changeFound(account,
+                       [](SecTransaction& store, const SecRow& row) { return store.remove(row.number); });
+  }
+
+  OSStatus look(const std::string& account, Found& found) {
+    found.reset();
+    return storage->transact(SecStorage::Access::read, [&](SecTransaction& store) {
+      return store.find(named(account), [&](SecRow row) {
+        found = textFrom(row.entry.secret);
+        return false;
+      });
+    });
+  }
+
+  OSStatus all(std::map<std::string, std::string>& held) {
+    held.clear();
+    return storage->transact(SecStorage::Access::read, [&](SecTransaction& store) {
+      return store.find({}, [&](SecRow row) {
+        const SecText& account = *row.entry.attributes.account;
+        held[std::string(account.begin(), account.end())] = textFrom(row.entry.secret);
+        return true;
+      });
+    });
+  }
+
+  static SecAttributes named(const std::string& account) {
+    SecAttributes attributes;
+    attributes.account.emplace(account.begin(), account.end());
+    attributes.service.emplace(u"service");
+    return attributes;
+  }
+
+  static SecEntry entryOf(const std::string& account, std::string_view password) {
+    return {named(account), secretFrom(password)};
+  }
+
+  std::unique_ptr<SecFileStorage> storage;
+
+ private:
+  OSStatus change(const SecStorage::Work& work) {
+    return storage->transact(SecStorage::Access::change, work);
+  }
+
+  template <class Action>
+  OSStatus changeFound(const std::string& account, Action action) {
+    return change([&](SecTransaction& store) -> OSStatus {
+      std::optional<SecRow> found;
+      const OSStatus status = store.find(named(account), [&](SecRow row) {
+        found = std::move(row);
+        return false;
+      });
+      if (status != errSecSuccess) return status;
+      return found ? action(store, *found) : OSStatus{errSecItemNotFound};
+    });
+  }
+};

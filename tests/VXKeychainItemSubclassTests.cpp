@@ -1,0 +1,225 @@
+#include <Foundation/NSAssertionHandler.h>
+
+#include <thread>
+
+#include "KeychainSupport.h"
+
+namespace {
+
+/// A host's kind of item that sees every step and adds to each.
+class MailItem : public VXGenericKeychainItem::Subclass<MailItem> {
+ public:
+  using VXGenericKeychainItem::initWithUsername;
+  bool initWithUsername(Text username, Text password, Text label) override {
+    return username && VXGenericKeychainItem::initWithUsername(username, password, label);
+  }
+  bool isEqual(const RefPtr<NSObject>& other) const override {
+    return ++equalities, VXGenericKeychainItem::isEqual(other);
+  }
+  bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override {
+    validated.push_back(shown(map));
+    return !refusing && VXGenericKeychainItem::dictHasVaildKeychainData(map);
+  }
+  Ref<NSMutableDictionary> _createAttributesDictionary() const override {
+    const auto attributes = VXGenericKeychainItem::_createAttributesDictionary();
+    attributes->setObject("Mail account", kSecAttrLabel);
+    return *(created = attributes);
+  }
+  void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override {
+    populated = response;
+    VXGenericKeychainItem::populateKeychainItemWithKeychainResponse(response);
+  }
+  static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text) {
+    return VXGenericKeychainItem::queryDictionaryWithUsername(username, "mail.example");
+  }
+
+  bool refusing = false;
+  mutable int equalities = 0;
+  mutable std::vector<std::string> validated;
+  mutable RefPtr<NSMutableDictionary> created;
+  RefPtr<NSDictionary> populated;
+};
+
+class SharedMailItem : public MailItem::Subclass<SharedMailItem> {};
+
+class SiteItem : public VXInternetKeychainItem::Subclass<SiteItem> {
+ public:
+  static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text server, Text,
+                                                              std::int64_t port,
+                                                              VXInternetKeychainItemProtocol protocol) {
+    return VXInternetKeychainItem::queryDictionaryWithUsername(username, server, "/site", port, protocol);
+  }
+};
+
+class SecureSiteItem : public SiteItem::Subclass<SecureSiteItem> {};
+
+template <class Made>
+std::string nameOf(const Made& made) {
+  return std::string(made->isa().name());
+}
+
+/// Hands on to the test what failed, and returns.
+class Recorder : public NSAssertionHandler::Subclass<Recorder> {
+ public:
+  void handleFailureInMethod(const NSString& selector, const NSObject& object, const NSString& file,
+                             std::size_t lineNumber, const NSString& description,
+                             std::span<const FormatArgument> arguments) override {
+    const auto* receiver = dynamicCast<Class>(&object);
+    failures.push_back((receiver ? "+" : "-") + std::string((receiver ? *receiver : object.isa()).name()) +
+                       " " + std::string(selector) + " " + std::string(file) + ":" +
+                       std::to_string(lineNumber) + " " + std::string(*NSFormat(description, arguments)));
+  }
+  std::vector<std::string> failures;
+};
+
+}  // namespace
+
+using VXKeychainItemSubclassTest = KeychainTest;
+
+TEST_F(VXKeychainItemSubclassTest, FactoriesAndFindersMakeTheClassThatTheyShould) {
+  EXPECT_EQ(nameOf(MailItem::keychainItemWithUsername("ann", "s", nullptr, "m")), "MailItem");
+  EXPECT_EQ(nameOf(SharedMailItem::keychainItemWithUsername("ann", "s", nullptr, "m")), "SharedMailItem");
+  EXPECT_FALSE(MailItem::keychainItemWithUsername(nullptr, "s", nullptr, "m")) << "the initialiser said no";
+  EXPECT_FALSE(SharedMailItem::keychainItemWithUsername(nullptr, "s", nullptr, "m"));
+
+  const std::string query = "class=generic password account=ann service=mail.example";
+  for (const auto& found : {MailItem::findKeychainItemForUsername("ann", "m"),
+                            SharedMailItem::findKeychainItemForUsername("ann", "m")}) {
+    EXPECT_EQ(nameOf(found), "VXGenericKeychainItem");
+    EXPECT_EQ(shown(found->keychainItemRequest()), query);
+  }
+
+  constexpr auto http = VXInternetKeychainItemProtocolHTTP;
+  EXPECT_EQ(nameOf(SiteItem::keychainItemWithUsername("a", "s", "l", "h", "/", 1, http)), "SiteItem");
+  EXPECT_EQ(nameOf(SecureSiteItem::keychainItemWithUsername("a", "s", "l", "h", "/", 1, http)),
+            "SecureSiteItem");
+  const auto site = SiteItem::findKeychainItemForUsername("ann", "host", "/", 1, http);
+  const auto secure = SecureSiteItem::findKeychainItemForUsername("ann", "host", "/", 1, http);
+  EXPECT_EQ(nameOf(site) + " " + nameOf(secure), "SiteItem SecureSiteItem");
+  EXPECT_EQ(shown(secure->keychainItemRequest()), shown(site->keychainItemRequest()));
+  EXPECT_EQ(shown(site->keychainItemRequest()),
+            "class=internet password account=ann server=host port=1 path=/site protocol=http");
+}
+
+TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations) {
+  const auto item = MailItem::keychainItemWithUsername("ann", "secret", "Mail", "mail.example");
+  const std::string attributes =
+      "account=ann valueData=secret label=Mail account class=generic password service=mail.example";
+  ASSERT_TRUE(item->addItemToKeychain());
+  EXPECT_EQ(item->validated, std::vector{attributes}) << "validated before the return flag was added";
+  EXPECT_EQ(item->keychainItemRequest().get(), item->created.get());
+  EXPECT_EQ(item->keychainItemResponse().get(), item->populated.get());
+  EXPECT_EQ(shown(item->label()), "Mail account");
+
+  item->populated = nullptr;
+  ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(false));
+  EXPECT_EQ(item->validated.size(), 1u) << "without data nothing is validated";
+  EXPECT_TRUE(item->populated && item->populated.get() == item->keychainItemResponse().get());
+  ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(true));
+  EXPECT_EQ(item->validated.size(), 2u);
+  EXPECT_EQ(shown(item->keychainItemResponse()->objectForKey(kSecValueData)), "secret");
+
+  const RefPtr<NSMutableDictionary> asked = item->created;
+  ASSERT_TRUE(item->updateItemInKeychain());
+  EXPECT_EQ(item->keychainItemRequest().get(), asked.get());
+  EXPECT_EQ(shown(item->created), attributes) << "no flag in the changes";
+  EXPECT_TRUE(item->isEqual(item));
+  EXPECT_EQ(item->equalities, 1);
+
+  item->refusing = true;
+  RefPtr<NSError> error;
+  EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(true, &error));
+  EXPECT_FALSE(item->deleteItemFromKeychain());
+  EXPECT_EQ(error->code(), 0);
+  item->refusing = false;
+  EXPECT_TRUE(item->deleteItemFromKeychain());
+  EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(false, &error));
+  EXPECT_EQ(error->code(), -201);
+}
+
+TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereThatReturns) {
+  const auto empty = MailItem::alloc();
+  const auto added = MailItem::keychainItemWithUsername("ann", "secret", nullptr, "m");
+  ASSERT_TRUE(added->addItemToKeychain());
+  constexpr auto none = VXInternetKeychainItemProtocolNone;
+  const std::string satisfying = " Invalid parameter not satisfying: ";
+  const struct {
+    std::function<void()> misuse;
+    std::vector<std::string> failures;
+  } rows[] = {
+      {[&] { EXPECT_FALSE(empty->refreshItemFromKeychainIncludeData(true)); },
+       {"-MailItem refreshItemFromKeychainIncludeData:error: VXKeychainItem:174" + satisfying +
+        "self.keychainItemRequest != NULL"}},
+      {[&] { EXPECT_FALSE(empty->updateItemInKeychain()); },
+       {"-MailItem updateItemInKeychain: VXKeychainItem:210" + satisfying +
+            "self.keychainItemResponse != nil",
+        "-MailItem updateItemInKeychain: VXKeychainItem:211" + satisfying +
+            "self.keychainItemRequest != nil"}},
+      {[&] {
+         added->setKeychainItemResponse(nullptr);
+         EXPECT_TRUE(added->updateItemInKeychain());
+       },
+       {"-MailItem updateItemInKeychain: VXKeychainItem:210" + satisfying +
+        "self.keychainItemResponse != nil"}},
+      {[&] { EXPECT_TRUE(MailItem::findKeychainItemForUsername(nullptr, nullptr)->keychainItemRequest()); },
+       {"+MailItem findKeychainItemForUsername:serviceName: VXKeychainItem:315" + satisfying +
+            "username != nil",
+        "+MailItem findKeychainItemForUsername:serviceName: VXKeychainItem:316" + satisfying +
+            "serviceName != nil"}},
+      {[&] { SiteItem::findKeychainItemForUsername(nullptr, nullptr, nullptr, 0, none); },
+       {"+SiteItem findKeychainItemForUsername:server:path:port:protocol: VXKeychainItem:421" + satisfying +
+            "username != nil",
+        "+SiteItem findKeychainItemForUsername:server:path:port:protocol: VXKeychainItem:422" + satisfying +
+            "server != nil"}},
+  };
+  for (const auto& row : rows) {
+    const auto recorder = Recorder::alloc();
+    NSAssertionHandler::setCurrentHandler(recorder);
+    row.misuse();
+    NSAssertionHandler::setCurrentHandler(nullptr);
+    EXPECT_EQ(recorder->failures, row.failures);
+    try {
+      row.misuse();
+      ADD_FAILURE() << "the default handler did not raise";
+    } catch (const NSException& exception) {
+      EXPECT_EQ(shown(exception.name()), shown(NSInternalInconsistencyException));
+      const std::string first = row.failures.front();
+      EXPECT_EQ(shown(exception.reason()), first.substr(first.find("Invalid")));
+    }
+  }
+}
+
+TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
+  std::vector<std::thread> threads;
+  std::atomic<int> done = 0;
+  for (int thread = 0; thread < 8; ++thread) {
+    threads.emplace_back([thread, &done] {
+      const auto recorder = Recorder::alloc();
+      NSAssertionHandler::setCurrentHandler(recorder);
+      const auto name = text("user" + std::to_string(thread));
+      for (int round = 0; round < 50; ++round) {
+        const auto own = VXGenericKeychainItem::keychainItemWithUsername(name, name, nullptr, "own");
+        const auto shared = VXGenericKeychainItem::keychainItemWithUsername("all", name, nullptr, "shared");
+        RefPtr<NSError> error;
+        EXPECT_TRUE(own->addItemToKeychain(&error));
+        shared->addItemToKeychain(&error);
+        own->setPassword("changed");
+        EXPECT_TRUE(own->updateItemInKeychain());
+        const auto found = VXGenericKeychainItem::findKeychainItemForUsername(name, "own");
+        EXPECT_TRUE(found->refreshItemFromKeychainIncludePassword(true));
+        EXPECT_EQ(shown(found->password()), "changed");
+        EXPECT_TRUE(own->deleteItemFromKeychain());
+        if (shared->keychainItemRequest()) done += shared->deleteItemFromKeychain();
+        VXGenericKeychainItem::alloc()->refreshItemFromKeychainIncludeData(false);
+      }
+      EXPECT_EQ(recorder->failures.size(), 50u);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_GT(done, 0);
+  SecStorageInfo info;
+  std::shared_ptr<SecStorage> storage;
+  ASSERT_EQ(secCopyDefaultStorage(storage), errSecSuccess);
+  EXPECT_EQ(storage->copyInfo(info), errSecSuccess);
+  EXPECT_EQ(info.entries, 0u);
+}
