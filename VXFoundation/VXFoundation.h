@@ -2,10 +2,13 @@
 
 /// Everything that a host needs.
 #include <Foundation/Foundation.h>
+#include <VXFoundation/NSArray+VXAdditions.h>
 #include <VXFoundation/NSData+CXHashing.h>
 #include <VXFoundation/NSData+VXBaseConversion.h>
 #include <VXFoundation/NSObject+VXAdditions.h>
-#include <VXFoundation/VXCodecKernels.h>
+#include <VXFoundation/NSString+CXKeyValueCoding.h>
+#include <VXFoundation/VXErrorRecoveryAttempter.h>
 #include <VXFoundation/VXFoundationConstants.h>
 #include <VXFoundation/VXKeychainItem.h>
+#include <VXFoundation/VXTreeUnion.h>
 #include <VXFoundation/VXURLCoding.h>

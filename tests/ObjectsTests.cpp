@@ -1,31 +1,9 @@
 #include <atomic>
-#include <cstdlib>
-#include <new>
 #include <thread>
 
 #include "Support.h"
+#include "host/CountedAllocations.h"
 #include "host/Host.h"
-
-namespace {
-
-std::atomic<std::size_t> allocations{0};
-
-template <class Action>
-std::size_t allocationsOf(Action&& action) {
-  const std::size_t before = allocations;
-  action();
-  return allocations - before;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* block = std::malloc(size)) return block;
-  throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 TEST(Objects, HostAndLibrarySeeOneClassObject) {
   EXPECT_EQ(&hostClassOfTexts(), &NSString::classObject());

@@ -16,6 +16,7 @@ namespace {
 constexpr CodecKernels scalarKernels KERNELS(scalar);
 
 #if defined(__x86_64__)
+constexpr CodecKernels avx2Kernels KERNELS(avx2);
 constexpr CodecKernels avx512vbmiKernels KERNELS(avx512vbmi);
 
 bool hasAVX2() { return __builtin_cpu_supports("avx2"); }
@@ -32,6 +33,7 @@ constexpr CodecKernels neonKernels KERNELS(neon);
 std::vector<const CodecKernels*> detectKernels() {
   std::vector<const CodecKernels*> found{&scalarKernels};
 #if defined(__x86_64__)
+  if (hasAVX2()) found.push_back(&avx2Kernels);
   if (hasAVX512VBMI()) found.push_back(&avx512vbmiKernels);
 #elif defined(__aarch64__)
   found.push_back(&neonKernels);  // every 64-bit ARM has it

@@ -9,7 +9,10 @@
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>
+#include <Foundation/NSErrorPresenter.h>
+#include <Foundation/NSErrorRecoveryAttempting.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSFunctionRef.h>
 #include <Foundation/NSLog.h>
 #include <Foundation/NSMutableString.h>
 #include <Foundation/NSNumber.h>

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include <Foundation/NSEqualityIndex.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSMutableString.h>
 
@@ -146,10 +147,12 @@ void NSMutableArray::removeObject(Object object) {
 void NSMutableArray::removeObjectsInArray(const RefPtr<NSArray>& objects) {
   if (!objects) return;
   const Ref<NSArray> unwanted = objects->copy();
+  NSEqualityIndex index;
+  for (const Ref<NSObject> each : *unwanted) index.add(*each);
   removeObjectsWhere([&](NSObject& element) {
-    for (const Ref<NSObject> each : *unwanted)
-      if (element.isEqual(each)) return true;
-    return false;
+    return index.containsOne(element, [&](const NSObject& each) {
+      return element.isEqual(RefPtr<NSObject>(const_cast<NSObject*>(&each)));
+    });
   });
 }
 

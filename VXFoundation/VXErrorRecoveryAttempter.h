@@ -1,0 +1,65 @@
+#pragma once
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSErrorRecoveryAttempting.h>
+
+/// What an option does about an error; whether it recovered from it.
+using VXErrorRecoveryBlock = NSBlock<bool(const RefPtr<NSError>& error)>;
+
+/// The class operation of attempters, for the class that receives it, so that a host's subclass makes
+/// objects of its own.
+template <class Self, class Base>
+class [[gnu::visibility("default")]] VXErrorRecoveryAttempterLayer : public NSObjectLayer<Self, Base> {
+ public:
+  template <class Derived>
+  using Subclass = VXErrorRecoveryAttempterLayer<Derived, Self>;
+
+  /// A new attempter of the receiving class, without options; absent when its initialiser says no.
+  static RefPtr<Self> errorRecoveryAttempter() {
+    const Ref<Self> attempter = Self::alloc();
+    if (!attempter->init()) return nullptr;
+    return attempter;
+  }
+};
+
+/// Recovery options, each a localised title and an action, for an error. A host adds its options and puts
+/// the attempter and `recoveryOptions()` in the error's user information, under NSRecoveryAttempterErrorKey
+/// and NSLocalizedRecoveryOptionsErrorKey. An option's index is its place in the order of adding. The
+/// attempter owns both lists. For one thread at a time.
+class FOUNDATION_EXPORT VXErrorRecoveryAttempter
+    : public VXErrorRecoveryAttempterLayer<VXErrorRecoveryAttempter, NSObject>,
+      public NSErrorRecoveryAttempting {
+ public:
+  /// Whether the attempter can be used. Both lists are there, and empty, from allocation on.
+  virtual bool init() { return true; }
+
+  /// The lists themselves. The title at an index belongs to the action there; a host that changes one list
+  /// alone breaks that, which is not checked.
+  const Ref<NSMutableArray>& titles() const noexcept { return titles_; }
+  const Ref<NSMutableArray>& blocks() const noexcept { return blocks_; }
+  /// Replace a list by the one given, without a copy. Nil raises the invalid-argument exception.
+  void setTitles(const Ref<NSMutableArray>& titles) { titles_ = titles; }
+  void setBlocks(const Ref<NSMutableArray>& blocks) { blocks_ = blocks; }
+
+  /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Asserts first the title, then the action. Where the
+  /// assertion handler returns, the list that is given nil raises the invalid-argument exception.
+  void addRecoveryOptionWithLocalizedTitle(Text localizedTitle,
+                                           const RefPtr<VXErrorRecoveryBlock>& recoveryBlock);
+  /// Adds an option with the localised title "Cancel" that never recovers; its action is one and the same
+  /// block for all attempters.
+  void addCancelRecoveryOption();
+  /// The titles at this moment, in a list that stays as it is.
+  Ref<NSArray> recoveryOptions() const { return titles_->copy(); }
+
+  // The category VXFoundationDelegate.
+  /// Calls the action at the index and answers its result. Raises the range exception from the number of
+  /// actions on, and the invalid-argument exception when a host put something else into `blocks`.
+  bool attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex) override;
+  void attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex,
+                                const RefPtr<NSDidRecoverBlock>& delegate, void* contextInfo) override;
+  using NSErrorRecoveryAttempting::attemptRecoveryFromError;
+
+ private:
+  Ref<NSMutableArray> titles_ = NSMutableArray::array();
+  Ref<NSMutableArray> blocks_ = NSMutableArray::array();
+};

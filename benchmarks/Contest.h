@@ -1,0 +1,63 @@
+#pragma once
+
+#include <Foundation/NSData.h>
+#include <VXFoundation/VXCodecKernels.h>
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// Contests: one operation, the same input for everyone, sizes from a cache line to beyond the caches.
+/// A contestant is named, and marked when it skips a check that this library makes.
+namespace Contest {
+
+inline constexpr std::size_t sizes[] = {32, 1 << 10, 64 << 10, 16 << 20};
+enum class Checks { all, fewer };
+
+/// Random bytes, and English-like text of which about one character in six must be escaped in a URL.
+std::vector<std::byte> randomBytes(std::size_t count);
+std::vector<std::byte> prose(std::size_t count);
+Ref<NSData> dataOf(const std::vector<std::byte>& bytes);
+
+/// `prepare(size)` makes the input and answers what is timed, a callable whose `input` is the number of
+/// bytes it takes.
+template <class Run>
+struct Trial {
+  std::size_t input;
+  Run run;
+};
+template <class Run>
+Trial(std::size_t, Run) -> Trial<Run>;
+
+inline std::string nameOf(const std::string& operation, const std::string& contestant, Checks checks) {
+  return operation + "/" + contestant + (checks == Checks::fewer ? " *" : "");
+}
+
+template <class Prepare>
+void contestant(const std::string& operation, const std::string& name, Checks checks, Prepare prepare) {
+  for (const std::size_t size : sizes)
+    benchmark::RegisterBenchmark(
+        (nameOf(operation, name, checks) + "/" + std::to_string(size)).c_str(),
+        [prepare, size](benchmark::State& state) {
+          auto trial = prepare(size);
+          for (auto _ : state) benchmark::DoNotOptimize(trial.run());
+          state.SetBytesProcessed(static_cast<std::int64_t>(trial.input) * state.iterations());
+        });
+}
+
+/// This library: with the set of kernels that it picks, and with each of the others by name.
+template <class Prepare>
+void ours(const std::string& operation, Prepare prepare) {
+  const auto sets = VXCodecKernelsAvailable();
+  for (const std::string& set : sets) {
+    const bool picked = set == sets.back();
+    contestant(operation, picked ? "VXFoundation" : "VXFoundation " + set, Checks::all,
+               [prepare, set](std::size_t size) {
+                 VXCodecKernelsUse(set);
+                 return prepare(size);
+               });
+  }
+}
+
+}  // namespace Contest

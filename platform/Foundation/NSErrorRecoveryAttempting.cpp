@@ -1,0 +1,5 @@
+#include <Foundation/NSErrorRecoveryAttempting.h>
+
+const Ref<NSString> NSRecoveryAttempterErrorKey = NSString::stringWithString("NSRecoveryAttempter");
+const Ref<NSString> NSLocalizedRecoveryOptionsErrorKey =
+    NSString::stringWithString("NSLocalizedRecoveryOptions");

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Support.h"
+
+/// While it lives, this thread's assertion handler returns and keeps what it was told, a line a failure.
+class RecordedAssertions {
+ public:
+  RecordedAssertions() { NSAssertionHandler::setCurrentHandler(handler_); }
+  ~RecordedAssertions() { NSAssertionHandler::setCurrentHandler(nullptr); }
+
+  /// "Class selector unit:line description" of each failure since the last call.
+  std::vector<std::string> take() { return std::exchange(handler_->failures, {}); }
+
+ private:
+  struct Handler : NSAssertionHandler::Subclass<Handler> {
+    void handleFailureInMethod(const NSString& selector, const NSObject& object, const NSString& file,
+                               std::size_t line, const NSString& description,
+                               std::span<const FormatArgument> arguments) override {
+      const auto told = NSString::stringWithFormat("%@ %@ %@:%lu %@", NSStringFromClass(object.isa()),
+                                                   selector, file, line, NSFormat(description, arguments));
+      failures.push_back(static_cast<std::string>(*told));
+    }
+    std::vector<std::string> failures;
+  };
+
+  Ref<Handler> handler_ = Handler::alloc();
+};

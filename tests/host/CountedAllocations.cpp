@@ -1,0 +1,21 @@
+#include "CountedAllocations.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<std::size_t> allocations{0};
+
+}  // namespace
+
+std::size_t countedAllocations() noexcept { return allocations; }
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* block = std::malloc(size)) return block;
+  throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
