@@ -70,7 +70,7 @@ int verify(const KeychainStore& store) {
   const auto file = openForUpkeep(store);
   unlock(requireFile(file.get()), store);
   requireSuccess(file->verify(), "the keychain is not intact");
-  writeStandardOutput("intact: " + std::to_string(infoOf(*file).entries) + " entries\n");
+  writeStandardOutput("intact, entries: " + std::to_string(infoOf(*file).entries) + '\n');
   return 0;
 }
 
@@ -125,7 +125,7 @@ void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<
 }
 
 std::string messageOf(OSStatus status) {
-  return std::string(*SecCopyErrorMessageString(status)) + ", " + std::to_string(status);
+  return std::to_string(status) + ": " + std::string(*SecCopyErrorMessageString(status));
 }
 
 void requireSuccess(OSStatus status, const std::string& what) {

@@ -24,7 +24,7 @@ struct KeychainStore {
 /// Adds `keychain info`, `keychain verify` and `keychain passphrase`.
 void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store);
 
-/// The platform's message for a status, and its number.
+/// The number of a status, and the platform's message for it.
 std::string messageOf(OSStatus status);
 /// Throws Failure with that, after `what`, unless it is errSecSuccess.
 void requireSuccess(OSStatus status, const std::string& what);
