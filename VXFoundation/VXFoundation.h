@@ -7,6 +7,7 @@
 #include <VXFoundation/NSData+VXBaseConversion.h>
 #include <VXFoundation/NSObject+VXAdditions.h>
 #include <VXFoundation/NSString+CXKeyValueCoding.h>
+#include <VXFoundation/VXCodecKernels.h>
 #include <VXFoundation/VXErrorRecoveryAttempter.h>
 #include <VXFoundation/VXFoundationConstants.h>
 #include <VXFoundation/VXKeychainItem.h>
