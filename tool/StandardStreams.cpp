@@ -48,6 +48,13 @@ void guardStandardStreams() {
 
 Ref<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }
 
+Ref<NSData> readSecretInput() {
+  const Ref<NSData> input = readAll(STDIN_FILENO, true, "the input");
+  const auto content = input->bytes();
+  if (content.empty() || content.back() != std::byte{'\n'}) return input;
+  return NSData::dataWithBytes(content.first(content.size() - 1), true);
+}
+
 Ref<NSData> readSecretFile(const std::string& path) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) fail("cannot read " + path);

@@ -16,6 +16,9 @@ Ref<NSData> readSecretFile(const std::string& path);
 /// All of standard input, to its end. Throws Failure when it cannot be read.
 Ref<NSData> readStandardInput();
 
+/// The same without one final newline, to be cleansed from memory after use.
+Ref<NSData> readSecretInput();
+
 /// Writes to standard output, all of it. Throws Failure when that is not possible.
 void writeStandardOutput(std::span<const std::byte> bytes);
 void writeStandardOutput(std::string_view text);

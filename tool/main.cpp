@@ -35,7 +35,8 @@ std::string explain(CLI::App& app, const CLI::ParseError& error) {
 
 /// Help and version come as errors of the parser, too, with the exit code 0.
 int finish(CLI::App& app, const CLI::ParseError& error) {
-  if (error.get_exit_code() != 0) return complain(explain(app, error) + "; see vxfoundation --help", wrongUsage);
+  if (error.get_exit_code() != 0)
+    return complain(explain(app, error) + "; see vxfoundation --help", wrongUsage);
   std::ostringstream text;
   app.exit(error, text);
   writeStandardOutput(text.str());
@@ -47,11 +48,13 @@ int run(int argc, char** argv) {
   app.set_version_flag("--version", "vxfoundation " VX_VERSION);
   app.require_subcommand(1);
   app.fallthrough();  // --verbose may stand anywhere
-  app.add_flag_callback("--verbose", [] { NSLogSetSink({}); }, "Show the library's log");
+  app.add_flag_callback(
+      "--verbose", [] { NSLogSetSink({}); }, "Show the library's log");
   Action action;
   addEncode(app, action);
   addDecode(app, action);
   addDigest(app, action);
+  addKeychain(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -1,0 +1,84 @@
+// Stores a password, finds it, changes it and deletes it, once for a service and once for a server. The
+// store is one in memory, so that running this leaves nothing behind; without the first line of main it
+// would be the user's own.
+#include <Security/SecDefaultStorage.h>
+#include <Security/SecMemoryStorage.h>
+#include <VXFoundation/VXFoundation.h>
+
+#include <iostream>
+
+namespace {
+
+void report(const char* what, bool done) { std::cout << what << ": " << (done ? "done" : "failed") << '\n'; }
+
+/// Gives an error the ways out of it that a user may choose from.
+Ref<NSError> withRecovery(const NSError& error, const Ref<VXErrorRecoveryAttempter>& attempter) {
+  const Ref<NSMutableDictionary> userInfo = error.userInfo()->mutableCopy();
+  userInfo->setObject(attempter, NSRecoveryAttempterErrorKey);
+  userInfo->setObject(attempter->recoveryOptions(), NSLocalizedRecoveryOptionsErrorKey);
+  return NSError::errorWithDomain(error.domain(), error.code(), userInfo);
+}
+
+/// What a window would do: show the description and the options, and try the one that was chosen.
+bool present(const Ref<NSError>& error, std::size_t chosen) {
+  const auto options =
+      dynamicCast<NSArray>(error->userInfo()->objectForKey(NSLocalizedRecoveryOptionsErrorKey));
+  const auto attempter =
+      dynamicCast<VXErrorRecoveryAttempter>(error->userInfo()->objectForKey(NSRecoveryAttempterErrorKey));
+  std::cout << *error->localizedDescription() << "\n  options: " << *options->componentsJoinedByString(", ")
+            << "\n  chosen: " << *options->objectAtIndex(chosen)->description() << '\n';
+  return attempter->attemptRecoveryFromError(error, chosen);
+}
+
+bool replacePassword(Text username, Text serviceName, Text password) {
+  const auto item = VXGenericKeychainItem::findKeychainItemForUsername(username, serviceName);
+  if (!item->refreshItemFromKeychainIncludePassword(false)) return false;
+  item->setPassword(password);
+  return item->updateItemInKeychain();
+}
+
+void genericPassword() {
+  RefPtr<NSError> error;
+  const auto item = VXGenericKeychainItem::keychainItemWithUsername("ann", "first secret", "Mail", "mail");
+  report("add ann's password for mail", item->addItemToKeychain(&error));
+
+  const auto twin = VXGenericKeychainItem::keychainItemWithUsername("ann", "second secret", "Mail", "mail");
+  report("add it again", twin->addItemToKeychain(&error));
+  const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
+  attempter->addRecoveryOptionWithLocalizedTitle(
+      "Replace", [](const RefPtr<NSError>&) { return replacePassword("ann", "mail", "second secret"); });
+  attempter->addCancelRecoveryOption();
+  report("recover", present(withRecovery(*error, attempter), 0));
+
+  const auto found = VXGenericKeychainItem::findKeychainItemForUsername("ann", "mail");
+  report("look it up", found->refreshItemFromKeychainIncludePassword(true, &error));
+  std::cout << "  " << found->label() << ": " << found->password() << '\n';
+  report("delete it", found->deleteItemFromKeychain(&error));
+  report("look it up again", found->refreshItemFromKeychainIncludePassword(false, &error));
+  std::cout << *error->localizedDescription() << '\n';
+}
+
+void internetPassword() {
+  constexpr auto https = VXInternetKeychainItemProtocolHTTPS;
+  const auto item = VXInternetKeychainItem::keychainItemWithUsername("ann", "a secret", nullptr,
+                                                                     "example.org", "/admin", 8443, https);
+  report("add ann's password for example.org", item->addItemToKeychain());
+  const auto found =
+      VXInternetKeychainItem::findKeychainItemForUsername("ann", "example.org", nullptr, 0, https);
+  report("find it by account, server and protocol", found->refreshItemFromKeychainIncludePassword(true));
+  std::cout << "  path " << found->path() << ", port " << found->port() << ": " << found->password() << '\n';
+  found->setPassword("another secret");
+  report("change it", found->updateItemInKeychain());
+  report("refresh the first item", item->refreshItemFromKeychainIncludePassword(true));
+  std::cout << "  " << item->password() << '\n';
+  report("delete it", item->deleteItemFromKeychain());
+}
+
+}  // namespace
+
+int main() {
+  secSetDefaultStorage(std::make_shared<SecMemoryStorage>());
+  NSLogSetSink([](std::string_view) {});  // what fails here is shown where it happens
+  genericPassword();
+  internetPassword();
+}

@@ -1,0 +1,58 @@
+#include "tool/KeychainEntry.h"
+
+#include <iterator>
+
+namespace {
+
+const char* const protocols[] = {"", "http", "https", "ftp", "ssh"};  // in the order of the enumeration
+
+RefPtr<NSString> textOf(const std::optional<std::string>& argument) {
+  return argument ? RefPtr<NSString>(textOfArgument(*argument)) : nullptr;
+}
+
+VXInternetKeychainItemProtocol protocolNamed(const std::string& name) {
+  const auto found = std::find(std::begin(protocols), std::end(protocols), name);
+  return static_cast<VXInternetKeychainItemProtocol>(found - std::begin(protocols));
+}
+
+}  // namespace
+
+const CLI::Validator isText(
+    [](std::string& argument) -> std::string {
+      return NSString::stringWithUTF8String(argument) ? "" : "the value is not UTF-8";
+    },
+    "", "UTF-8");
+
+Ref<NSString> textOfArgument(const std::string& argument) { return NSString::stringWithUTF8String(argument); }
+
+std::string nameOfProtocol(VXInternetKeychainItemProtocol protocol) { return protocols[protocol]; }
+
+void KeychainEntry::addOptions(CLI::App& command) {
+  command.add_option("--account", account, "The account")->required()->check(isText);
+  CLI::Option_group* kind = command.add_option_group("kind");
+  kind->add_option("--service", service, "The service that a generic password is for")->check(isText);
+  CLI::Option* host = kind->add_option("--server", server, "The server that an internet password is for");
+  host->check(isText);
+  kind->require_option(1);
+  command.add_option("--path", path, "The path on the server")->check(isText)->needs(host);
+  command.add_option("--port", port, "The port of the server")->check(CLI::Range(1, 65535))->needs(host);
+  command.add_option("--protocol", protocol, "The protocol")
+      ->check(CLI::IsMember(std::vector<std::string>(std::next(std::begin(protocols)), std::end(protocols))))
+      ->needs(host);
+}
+
+Ref<VXPasswordKeychainItem> KeychainEntry::makeItem(const RefPtr<NSString>& password,
+                                                    const RefPtr<NSString>& label) const {
+  if (service)
+    return VXGenericKeychainItem::keychainItemWithUsername(textOfArgument(account), password, label,
+                                                           textOf(service));
+  return VXInternetKeychainItem::keychainItemWithUsername(
+      textOfArgument(account), password, label, textOf(server), textOf(path), port, protocolNamed(protocol));
+}
+
+Ref<VXPasswordKeychainItem> KeychainEntry::findItem() const {
+  if (service)
+    return VXGenericKeychainItem::findKeychainItemForUsername(textOfArgument(account), textOf(service));
+  return VXInternetKeychainItem::findKeychainItemForUsername(textOfArgument(account), textOf(server),
+                                                             textOf(path), port, protocolNamed(protocol));
+}

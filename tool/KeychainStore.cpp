@@ -1,0 +1,133 @@
+#include "tool/KeychainStore.h"
+
+#include <Security/SecDefaultStorage.h>
+#include <Security/SecFileStorage.h>
+#include <Security/SecItem.h>
+#include <Security/SecMemoryStorage.h>
+
+#include "tool/KeychainEntry.h"
+#include "tool/StandardStreams.h"
+#include "tool/Terminal.h"
+
+namespace {
+
+constexpr char inMemory[] = ":memory:";
+
+/// From the descriptor where one was named, else from the person; absent when there is neither.
+RefPtr<NSData> passphrase(const KeychainStore& store, const std::string& question) {
+  if (store.passphraseDescriptor) {
+    const RefPtr<NSData> line = readSecretLine(*store.passphraseDescriptor);
+    if (!line) throw Failure("there is no passphrase to read");
+    return line;
+  }
+  return isOnTerminal() ? RefPtr<NSData>(askSecret(question)) : nullptr;
+}
+
+std::unique_ptr<SecFileStorage> openFile(const KeychainStore& store) {
+  SecFilePlace place;
+  requireSuccess(store.place.empty() ? secDefaultFilePlace(place) : secFilePlaceAt(store.place, place),
+                 "the keychain has no place");
+  std::unique_ptr<SecFileStorage> file;
+  requireSuccess(SecFileStorage::open(place, SecFileStorage::Missing::make, file),
+                 "the keychain cannot be opened");
+  return file;
+}
+
+SecFileInfo infoOf(SecFileStorage& file) {
+  SecFileInfo info;
+  requireSuccess(file.info(info), "the keychain cannot be read");
+  return info;
+}
+
+void unlock(SecFileStorage& file, const KeychainStore& store) {
+  const SecFileInfo info = infoOf(file);
+  if (!info.locked || info.protection != SecFileProtection::passphrase) return;
+  const RefPtr<NSData> entered = passphrase(store, "Passphrase of " + info.path);
+  if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain stays locked");
+}
+
+SecFileStorage& requireFile(SecFileStorage* file) {
+  if (!file) throw Failure("a keychain in memory has no file");
+  return *file;
+}
+
+/// The store as a file that is not the default, for what only files have; null for one in memory.
+std::unique_ptr<SecFileStorage> openForUpkeep(const KeychainStore& store) {
+  return store.place == inMemory ? nullptr : openFile(store);
+}
+
+int showInfo(const KeychainStore& store) {
+  std::shared_ptr<SecStorage> storage = openForUpkeep(store);
+  if (!storage) storage = std::make_shared<SecMemoryStorage>();
+  SecStorageInfo info;
+  requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
+  writeStandardOutput("store: " + info.place + "\nprotection: " + info.protection +
+                      "\nentries: " + std::to_string(info.entries) + '\n');
+  return 0;
+}
+
+int verify(const KeychainStore& store) {
+  const auto file = openForUpkeep(store);
+  unlock(requireFile(file.get()), store);
+  requireSuccess(file->verify(), "the keychain is not intact");
+  writeStandardOutput("intact, entries: " + std::to_string(infoOf(*file).entries) + '\n');
+  return 0;
+}
+
+RefPtr<NSData> newPassphrase(const KeychainStore& store) {
+  const RefPtr<NSData> entered = passphrase(store, "New passphrase");
+  if (!entered) throw Failure("a passphrase is read from a terminal or with --passphrase-fd");
+  if (entered->length() == 0) throw Failure("the new passphrase is empty");
+  if (store.passphraseDescriptor) return entered;
+  if (!entered->isEqual(askSecret("The same again"))) throw Failure("the two passphrases differ");
+  return entered;
+}
+
+int changePassphrase(const KeychainStore& store, bool removing) {
+  const auto file = openForUpkeep(store);
+  unlock(requireFile(file.get()), store);
+  if (removing)
+    requireSuccess(file->removePassphrase(), "the passphrase stays");
+  else
+    requireSuccess(file->setPassphrase(newPassphrase(store)->bytes()), "the passphrase is not changed");
+  return 0;
+}
+
+}  // namespace
+
+void KeychainStore::addOptions(CLI::App& keychain) {
+  keychain.add_option("--keychain", place, "The store file, or :memory:; else the user's own")->check(isText);
+  keychain
+      .add_option("--passphrase-fd", passphraseDescriptor,
+                  "Read a passphrase, one line, from this descriptor")
+      ->check(CLI::NonNegativeNumber);
+}
+
+void KeychainStore::open() const {
+  if (place == inMemory) return secSetDefaultStorage(std::make_shared<SecMemoryStorage>());
+  std::unique_ptr<SecFileStorage> file = openFile(*this);
+  unlock(*file, *this);
+  secSetDefaultStorage(std::move(file));
+}
+
+void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store) {
+  keychain.add_subcommand("info", "Say which store is used, how it is protected and what it holds")
+      ->callback([store, &action] { action = [store] { return showInfo(*store); }; });
+  keychain.add_subcommand("verify", "Check every entry of the store")->callback([store, &action] {
+    action = [store] { return verify(*store); };
+  });
+  CLI::App* command = keychain.add_subcommand("passphrase", "Set, change or remove the store's passphrase");
+  const auto removing = std::make_shared<bool>();
+  command->add_flag("--remove", *removing, "Protect the store by a key file again");
+  command->callback([store, removing, &action] {
+    action = [store, removing] { return changePassphrase(*store, *removing); };
+  });
+}
+
+std::string messageOf(OSStatus status) {
+  return std::to_string(status) + ": " + std::string(*SecCopyErrorMessageString(status));
+}
+
+void requireSuccess(OSStatus status, const std::string& what) {
+  if (status != errSecSuccess) throw Failure(what + " (" + messageOf(status) + ')');
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <Security/SecBase.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "tool/Subcommands.h"
+
+/// Which store the keychain subcommands act on.
+struct KeychainStore {
+  std::string place;  // empty for the user's own, ":memory:" for one that ends with the process
+  std::optional<int> passphraseDescriptor;
+
+  void addOptions(CLI::App& keychain);
+
+  /// Makes it the process's default store, unlocked where that takes no passphrase or one can be had. Throws
+  /// Failure when it cannot be opened.
+  void open() const;
+};
+
+/// Adds `keychain info`, `keychain verify` and `keychain passphrase`.
+void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store);
+
+/// The number of a status, and the platform's message for it.
+std::string messageOf(OSStatus status);
+/// Throws Failure with that, after `what`, unless it is errSecSuccess.
+void requireSuccess(OSStatus status, const std::string& what);

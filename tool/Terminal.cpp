@@ -1,0 +1,115 @@
+#include "tool/Terminal.h"
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <string_view>
+
+#include "tool/Subcommands.h"
+
+namespace {
+
+termios shownEcho;
+
+void showEcho() { tcsetattr(STDIN_FILENO, TCSANOW, &shownEcho); }
+
+/// A terminal that stops showing what is typed must show it again however the tool ends.
+void showEchoAndEnd(int signal) {
+  showEcho();
+  std::raise(signal);
+}
+
+class HiddenEcho {
+ public:
+  HiddenEcho() {
+    if (tcgetattr(STDIN_FILENO, &shownEcho) != 0) throw Failure("the terminal cannot be asked");
+    for (const int signal : endings) install(signal, showEchoAndEnd);
+    termios hidden = shownEcho;
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0) throw Failure("the terminal shows what is typed");
+  }
+  HiddenEcho(const HiddenEcho&) = delete;
+  HiddenEcho& operator=(const HiddenEcho&) = delete;
+  ~HiddenEcho() {
+    showEcho();
+    for (const int signal : endings) install(signal, SIG_DFL);
+  }
+
+ private:
+  static constexpr int endings[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
+  static void install(int signal, void (*handler)(int)) {
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+    sigaction(signal, &action, nullptr);
+  }
+};
+
+void tell(std::string_view text) {
+  const int terminal = open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY);
+  while (!text.empty()) {
+    const ssize_t count = write(terminal < 0 ? STDIN_FILENO : terminal, text.data(), text.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) break;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+  if (terminal >= 0) close(terminal);
+}
+
+std::size_t optionOf(const NSData& line, std::size_t count) {
+  const auto digits = line.bytes();
+  if (digits.size() != 1) return NSNotFound;
+  const auto number = static_cast<std::size_t>(digits[0]) - '0';
+  return number >= 1 && number <= count ? number - 1 : NSNotFound;
+}
+
+}  // namespace
+
+bool isOnTerminal() { return isatty(STDIN_FILENO) == 1; }
+
+RefPtr<NSData> readSecretLine(int descriptor) {
+  const Ref<NSMutableData> line = NSMutableData::data();
+  line->setHoldsSecret(true);
+  for (;;) {
+    // One at a time: what follows the line may be for somebody else.
+    std::byte byte{};
+    const ssize_t count = read(descriptor, &byte, 1);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw Failure(std::string("cannot read the secret: ") + std::strerror(errno));
+    if (count == 0) return line->length() > 0 ? RefPtr<NSData>(line) : nullptr;
+    if (byte == std::byte{'\n'}) return line;
+    line->appendBytes(&byte, 1);
+    explicit_bzero(&byte, 1);
+  }
+}
+
+Ref<NSData> askSecret(const std::string& question) {
+  RefPtr<NSData> answer;
+  {
+    const HiddenEcho hidden;
+    tell(question + ": ");
+    answer = readSecretLine(STDIN_FILENO);
+  }
+  tell("\n");
+  if (!answer) throw Failure("nothing was entered");
+  return answer;
+}
+
+std::size_t choose(const std::string& question, const NSArray& options) {
+  for (;;) {
+    tell(question + '\n');
+    for (std::size_t index = 0; index < options.count(); ++index)
+      tell("  " + std::to_string(index + 1) + "  " +
+           std::string(*options.objectAtIndex(index)->description()) + '\n');
+    tell("Number: ");
+    const RefPtr<NSData> answer = readSecretLine(STDIN_FILENO);
+    if (!answer) return tell("\n"), NSNotFound;
+    const std::size_t option = optionOf(*answer, options.count());
+    if (option != NSNotFound) return option;
+  }
+}

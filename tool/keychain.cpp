@@ -1,0 +1,147 @@
+#include <Security/SecItem.h>
+
+#include <iostream>
+#include <memory>
+
+#include "tool/KeychainEntry.h"
+#include "tool/KeychainStore.h"
+#include "tool/StandardStreams.h"
+#include "tool/Subcommands.h"
+#include "tool/Terminal.h"
+
+namespace {
+
+/// What the subcommands are told on the command line.
+struct Request {
+  KeychainEntry entry;
+  std::optional<std::string> label;
+  bool password = false;
+
+  RefPtr<NSString> labelText() const { return label ? RefPtr<NSString>(textOfArgument(*label)) : nullptr; }
+};
+
+std::string explain(const NSError& error) {
+  const std::string description(*error.localizedDescription());
+  const auto underlying = dynamicCast<NSError>(error.userInfo()->objectForKey(NSUnderlyingErrorKey));
+  return underlying ? description + " (" + messageOf(static_cast<OSStatus>(underlying->code())) + ')'
+                    : description;
+}
+
+/// Does something with an item, and throws Failure with its error when it could not be done.
+template <class Operation>
+void require(Operation&& operation) {
+  RefPtr<NSError> error;
+  if (!operation(&error)) throw Failure(explain(*error));
+}
+
+RefPtr<NSString> readPassword() {
+  const Ref<NSData> entered = isOnTerminal() ? askSecret("Password") : readSecretInput();
+  const RefPtr<NSString> password = NSString::stringWithData(entered, NSUTF8StringEncoding);
+  if (!password) throw Failure("the password is not UTF-8");
+  return password;
+}
+
+void update(const Request& request, const RefPtr<NSString>& password) {
+  const Ref<VXPasswordKeychainItem> item = request.entry.findItem();
+  require([&](auto* error) { return item->refreshItemFromKeychainIncludePassword(false, error); });
+  item->setPassword(password);
+  if (request.label) item->setLabel(request.labelText());
+  require([&](auto* error) { return item->updateItemInKeychain(error); });
+}
+
+/// Lets the person at the terminal choose a way out of the error; whether that recovered from it.
+bool recover(const RefPtr<NSError>& error, const Request& request, const RefPtr<NSString>& password) {
+  const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
+  attempter->addRecoveryOptionWithLocalizedTitle(
+      "Replace", [&](const RefPtr<NSError>&) { return update(request, password), true; });
+  attempter->addCancelRecoveryOption();
+  const std::size_t option = choose(explain(*error), *attempter->recoveryOptions());
+  return option != NSNotFound && attempter->attemptRecoveryFromError(error, option);
+}
+
+bool isDuplicate(const NSError& error) {
+  const auto underlying = dynamicCast<NSError>(error.userInfo()->objectForKey(NSUnderlyingErrorKey));
+  return underlying && underlying->code() == errSecDuplicateItem;
+}
+
+int add(const Request& request) {
+  const RefPtr<NSString> password = readPassword();
+  RefPtr<NSError> error;
+  if (request.entry.makeItem(password, request.labelText())->addItemToKeychain(&error)) return 0;
+  const bool recovered = isOnTerminal() && isDuplicate(*error) && recover(error, request, password);
+  if (!recovered) throw Failure(explain(*error));
+  return 0;
+}
+
+void line(std::string& all, const char* name, const RefPtr<NSString>& value) {
+  if (value) all += std::string(name) + ": " + std::string(*value) + '\n';
+}
+
+std::string fieldsOf(const VXPasswordKeychainItem& item) {
+  std::string all;
+  line(all, "account", item.username());
+  if (const auto* generic = dynamicCast<VXGenericKeychainItem>(&item))
+    line(all, "service", generic->serviceName());
+  const auto* internet = dynamicCast<VXInternetKeychainItem>(&item);
+  if (internet) line(all, "server", internet->server());
+  line(all, "label", item.label());
+  if (!internet) return all;
+  line(all, "path", internet->path());
+  if (internet->port() != 0) all += "port: " + std::to_string(internet->port()) + '\n';
+  if (internet->protocol()) all += "protocol: " + nameOfProtocol(internet->protocol()) + '\n';
+  return all;
+}
+
+int show(const Request& request) {
+  const Ref<VXPasswordKeychainItem> item = request.entry.findItem();
+  require([&](auto* error) { return item->refreshItemFromKeychainIncludePassword(request.password, error); });
+  if (request.password) {
+    writeStandardOutput(item->data()->bytes());
+    writeStandardOutput("\n");
+  } else {
+    writeStandardOutput(fieldsOf(*item));
+  }
+  return 0;
+}
+
+int change(const Request& request) {
+  update(request, readPassword());
+  return 0;
+}
+
+/// By the request alone, so that an entry goes whose secret is no password.
+int remove(const Request& request) {
+  const OSStatus status = SecItemDelete(request.entry.findItem()->keychainItemRequest());
+  if (status == errSecItemNotFound) {
+    std::cerr << "vxfoundation: there was no such entry" << std::endl;
+    return 0;
+  }
+  requireSuccess(status, "the entry was not deleted");
+  return 0;
+}
+
+}  // namespace
+
+void addKeychain(CLI::App& app, Action& action) {
+  CLI::App* keychain = app.add_subcommand("keychain", "Keep, show, change and remove passwords");
+  keychain->require_subcommand(1);
+  const auto store = std::make_shared<KeychainStore>();
+  store->addOptions(*keychain);
+  const auto subcommand = [&](const char* name, const char* purpose, int (*run)(const Request&)) {
+    CLI::App* command = keychain->add_subcommand(name, purpose);
+    const auto request = std::make_shared<Request>();
+    request->entry.addOptions(*command);
+    command->callback([store, request, run, &action] {
+      action = [store, request, run] { return store->open(), run(*request); };
+    });
+    return std::pair(command, request);
+  };
+  for (const auto& [command, request] :
+       {subcommand("add", "Keep a password, read from standard input or asked for", add),
+        subcommand("update", "Change the password, read from standard input or asked for", change)})
+    command->add_option("--label", request->label, "The label of the entry")->check(isText);
+  const auto [command, request] = subcommand("show", "Show an entry, without its password", show);
+  command->add_flag("--password", request->password, "Show the password alone");
+  subcommand("delete", "Remove all entries that the options match", remove);
+  addKeychainStore(*keychain, action, store);
+}
