@@ -61,7 +61,8 @@ RefPtr<NSDictionary> VXUTTypeDynamicIdentifierMap(const NSString& identifier) {
   const RefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(identifier);
   if (!text) return nullptr;
   const Ref<NSMutableDictionary> map = NSMutableDictionary::dictionary();
-  for (const Ref<NSObject> component : *text->componentsSeparatedByString(":")) {
+  const Ref<NSArray> components = text->componentsSeparatedByString(":");
+  for (const Ref<NSObject> component : *components) {
     const Ref<NSArray> parts = Ref(dynamicCast<NSString>(component))->componentsSeparatedByString("=");
     if (parts->count() == 2) map->setObject(parts->objectAtIndex(1), parts->objectAtIndex(0));
   }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t mostPairs = 1'000'000;
+constexpr std::size_t mostPairs = 100'000;
 
 using Declaration = UTTypeDeclarations::value_type;
 

@@ -11,7 +11,7 @@ enum UTTypeError : std::int64_t {
   UTTypeErrorItself,          // a type that conforms to itself
   UTTypeErrorContradiction,   // a type that is declared otherwise already
   UTTypeErrorCycle,           // types that conform to one another
-  UTTypeErrorTooMany,         // more pairs of a type and one that it conforms to than a million
+  UTTypeErrorTooMany,         // more pairs of a type and one that it conforms to than 100,000
 };
 
 /// Whether the type is the other one, or one that conforms to it: by its declaration, or because a type

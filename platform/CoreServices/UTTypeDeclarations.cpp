@@ -14,17 +14,16 @@ std::optional<std::u16string> identifierIn(const RefPtr<NSObject>& object) {
 
 // One identifier, a list of them, or nothing.
 std::optional<std::set<std::u16string>> identifiersIn(const RefPtr<NSObject>& object) {
-  const RefPtr<NSArray> list = dynamicCast<NSArray>(object);
   std::set<std::u16string> identifiers;
-  for (const Ref<NSObject> each : list ? *list : *NSArray::array()) {
+  if (!object) return identifiers;
+  const RefPtr<NSArray> several = dynamicCast<NSArray>(object);
+  const Ref<NSArray> list = several ? Ref<NSArray>(several) : NSArray::arrayWithObject(object);
+  for (const Ref<NSObject> each : *list) {
     const auto identifier = identifierIn(each);
     if (!identifier) return std::nullopt;
     identifiers.insert(*identifier);
   }
-  if (!object || list) return identifiers;
-  const auto only = identifierIn(object);
-  if (!only) return std::nullopt;
-  return std::set{*only};
+  return identifiers;
 }
 
 bool addExportedType(const RefPtr<NSDictionary>& declaration, UTTypeDeclarations& declarations,
