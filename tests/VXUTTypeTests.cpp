@@ -1,16 +1,13 @@
 #include <VXFoundation/VXUTTypeDynamicIdentifier.h>
 
-#include <cstdlib>
 #include <map>
-#include <new>
 #include <random>
 
 #include "Support.h"
 #include "VectorFile.h"
+#include "host/CountedAllocations.h"
 
 namespace {
-
-std::atomic<std::size_t> allocations = 0;
 
 constexpr std::string_view alphabet = "abcdefghkmnpqrstuvwxyz0123456789";
 
@@ -106,15 +103,6 @@ struct Asked : NSFastEnumeration::Subclass<Asked> {
 
 }  // namespace
 
-// Counts what is allocated anywhere in the process.
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* block = std::malloc(size ? size : 1)) return block;
-  throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-
 TEST(VXUTType, DynamicIdentifiersDecodeAsTold) {
   for (const auto& row : vectorFile("dynamic-identifiers.tsv")) {
     EXPECT_EQ(decoded(row.at(0)), row.at(1)) << row[0];
@@ -198,10 +186,12 @@ TEST(VXUTType, DeclaredTypesAreComparedWithoutAllocation) {
   const Ref<NSString> script = text("public.python-script"), item = text("public.item"),
                       image = text("public.image");
   EXPECT_TRUE(VXUTTypeConformsTo(script, item));
-  const std::size_t before = allocations;
-  const bool yes = VXUTTypeConformsTo(script, item), no = VXUTTypeConformsTo(script, image);
-  EXPECT_EQ(allocations, before);
+  bool yes = false, no = true;
+  EXPECT_EQ(allocationsOf([&] {
+              yes = VXUTTypeConformsTo(script, item);
+              no = VXUTTypeConformsTo(script, image);
+            }),
+            0U);
   EXPECT_TRUE(yes && !no);
-  const Ref<NSString> another = text("x");
-  EXPECT_GT(allocations, before) << "the count counts";
+  EXPECT_GT(allocationsOf([] { text("x"); }), 0U) << "the count counts";
 }

@@ -17,3 +17,4 @@ class Failure : public std::runtime_error {
 void addEncode(CLI::App& app, Action& action);
 void addDecode(CLI::App& app, Action& action);
 void addDigest(CLI::App& app, Action& action);
+void addConforms(CLI::App& app, Action& action);

@@ -52,6 +52,7 @@ int run(int argc, char** argv) {
   addEncode(app, action);
   addDecode(app, action);
   addDigest(app, action);
+  addConforms(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
