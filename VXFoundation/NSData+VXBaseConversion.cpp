@@ -15,45 +15,49 @@ Ref<NSString> encode(const NSData& data, std::size_t length, VXKernels::Encode* 
   return text;
 }
 
-Ref<NSString> encode(const NSData& data, const Radix& radix, VXKernels::Encode* kernel) {
+template <const Radix& radix>
+Ref<NSString> encode(const NSData& data, VXKernels::Encode* kernel) {
   const std::size_t groups = data.length() / radix.groupBytes + (data.length() % radix.groupBytes != 0);
   return encode(data, groups * radix.groupDigits, kernel);
 }
 
 /// Whether a last group of so many digits is one that whole bytes give.
-bool endsInWholeBytes(std::size_t digits, const Radix& radix) {
+template <const Radix& radix>
+bool endsInWholeBytes(std::size_t digits) {
   const std::size_t bytes = digits * radix.bits / 8;
   return bytes > 0 && (bytes * 8 + radix.bits - 1) / radix.bits == digits;
 }
 
 /// The text up to the padding at its end; absent when it is not whole groups, or the padding has a wrong
 /// length. Padding further in front is left for the kernel, to which it is no digit.
-std::optional<std::string_view> digitsOf(std::string_view text, const Radix& radix) {
+template <const Radix& radix>
+std::optional<std::string_view> digitsOf(std::string_view text) {
   if (text.size() % radix.groupDigits != 0) return std::nullopt;
   const std::size_t digits = text.find_last_not_of(VXKernels::_padding) + 1;
   const std::size_t padding = text.size() - digits;
-  if (padding >= radix.groupDigits || !endsInWholeBytes(radix.groupDigits - padding, radix))
+  if (padding >= radix.groupDigits || !endsInWholeBytes<radix>(radix.groupDigits - padding))
     return std::nullopt;
   return text.substr(0, digits);
 }
 
-RefPtr<NSData> decode(std::string_view text, const Radix& radix, VXKernels::Decode* kernel) {
-  const auto digits = digitsOf(text, radix);
+template <const Radix& radix>
+RefPtr<NSData> decode(std::string_view text, VXKernels::Decode* kernel) {
+  const auto digits = digitsOf<radix>(text);
   if (!digits) return nullptr;
   const std::size_t length = digits->size() / 8 * radix.bits + digits->size() % 8 * radix.bits / 8;
-  return NSMutableData::dataWithMaximumLength(length,
-                                              [&](std::span<std::byte> place) -> std::optional<std::size_t> {
-                                                if (!kernel(digits->data(), digits->size(), place.data()))
-                                                  return std::nullopt;
-                                                return length;
-                                              });
+  const auto write = [&](std::span<std::byte> place) -> std::optional<std::size_t> {
+    if (!kernel(digits->data(), digits->size(), place.data())) return std::nullopt;
+    return length;
+  };
+  return NSMutableData::dataWithMaximumLength(length, write);
 }
 
-RefPtr<NSData> decode(Text parameter, const Radix& radix, VXKernels::Decode* kernel) {
+template <const Radix& radix>
+RefPtr<NSData> decode(Text parameter, VXKernels::Decode* kernel) {
   const auto text = parameter.borrow();
   if (!text || !text->isASCII()) return nullptr;
-  const RefPtr<NSData> data = text->visit([&](auto units) -> RefPtr<NSData> {
-    if constexpr (sizeof units[0] == 1) return decode(units, radix, kernel);
+  RefPtr<NSData> data = text->visit([&](auto units) -> RefPtr<NSData> {
+    if constexpr (sizeof units[0] == 1) return decode<radix>(units, kernel);
     return nullptr;
   });
   if (data) data->setHoldsSecret(text->holdsSecret());
@@ -63,24 +67,24 @@ RefPtr<NSData> decode(Text parameter, const Radix& radix, VXKernels::Decode* ker
 }  // namespace
 
 Ref<NSString> base64String(const NSData& data) {
-  return encode(data, VXKernels::base64, VXKernels::kernels().base64Encode);
+  return encode<VXKernels::base64>(data, VXKernels::kernels().base64Encode);
 }
 RefPtr<NSData> dataWithBase64String(Text text) {
-  return decode(text, VXKernels::base64, VXKernels::kernels().base64Decode);
+  return decode<VXKernels::base64>(text, VXKernels::kernels().base64Decode);
 }
 
 Ref<NSString> base32String(const NSData& data) {
-  return encode(data, VXKernels::base32, VXKernels::kernels().base32Encode);
+  return encode<VXKernels::base32>(data, VXKernels::kernels().base32Encode);
 }
 RefPtr<NSData> dataWithBase32String(Text text) {
-  return decode(text, VXKernels::base32, VXKernels::kernels().base32Decode);
+  return decode<VXKernels::base32>(text, VXKernels::kernels().base32Decode);
 }
 
 Ref<NSString> base16String(const NSData& data) {
-  return encode(data, VXKernels::base16, VXKernels::kernels().base16Encode);
+  return encode<VXKernels::base16>(data, VXKernels::kernels().base16Encode);
 }
 RefPtr<NSData> dataWithBase16String(Text text) {
-  return decode(text, VXKernels::base16, VXKernels::kernels().base16Decode);
+  return decode<VXKernels::base16>(text, VXKernels::kernels().base16Decode);
 }
 
 Ref<NSString> base2String(const NSData& data) {

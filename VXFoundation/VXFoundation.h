@@ -1,6 +1,7 @@
 #pragma once
 
 /// Everything that a host needs.
+#include <CoreServices/UTType.h>
 #include <Foundation/Foundation.h>
 #include <VXFoundation/NSArray+VXAdditions.h>
 #include <VXFoundation/NSData+CXHashing.h>
@@ -13,3 +14,4 @@
 #include <VXFoundation/VXKeychainItem.h>
 #include <VXFoundation/VXTreeUnion.h>
 #include <VXFoundation/VXURLCoding.h>
+#include <VXFoundation/VXUTType.h>

@@ -15,7 +15,7 @@ std::size_t roomToEncode(std::size_t length) {
 
 RefPtr<NSData> VXURLEncodeData(const RefPtr<NSData>& data) {
   if (!data) return nullptr;
-  const auto encoded =
+  auto encoded =
       NSMutableData::dataWithMaximumLength(roomToEncode(data->length()), [&](std::span<std::byte> place) {
         return VXKernels::kernels().percentEncode(data->bytes().data(), data->length(), place.data());
       });
@@ -25,7 +25,7 @@ RefPtr<NSData> VXURLEncodeData(const RefPtr<NSData>& data) {
 
 RefPtr<NSData> VXURLDecodeData(const RefPtr<NSData>& data) {
   if (!data) return nullptr;
-  const auto decoded = NSMutableData::dataWithMaximumLength(
+  auto decoded = NSMutableData::dataWithMaximumLength(
       data->length(), [&](std::span<std::byte> place) -> std::optional<std::size_t> {
         const std::size_t count =
             VXKernels::kernels().percentDecode(data->bytes().data(), data->length(), place.data());

@@ -13,11 +13,14 @@
 #include <stdexcept>
 #include <string>
 
-/// A folder of its own for the files of one store, gone at the end.
+/// A folder of its own for the files of one store, gone at the end. In memory where the system has such a
+/// place: what ends a process there leaves what it would leave on a disk, many times faster.
 class TemporaryPlace {
  public:
   TemporaryPlace() {
-    std::string name = std::filesystem::temp_directory_path() / "vxstore.XXXXXX";
+    const char* const memory = "/dev/shm";
+    std::string name = ::access(memory, W_OK) == 0 ? memory : std::filesystem::temp_directory_path().string();
+    name += "/vxstore.XXXXXX";
     if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
     root = std::filesystem::canonical(name);
     place = {root / "data/credentials.store", root / "keys", true};

@@ -18,3 +18,4 @@ void addEncode(CLI::App& app, Action& action);
 void addDecode(CLI::App& app, Action& action);
 void addDigest(CLI::App& app, Action& action);
 void addKeychain(CLI::App& app, Action& action);
+void addConforms(CLI::App& app, Action& action);

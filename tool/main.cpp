@@ -55,6 +55,7 @@ int run(int argc, char** argv) {
   addDecode(app, action);
   addDigest(app, action);
   addKeychain(app, action);
+  addConforms(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

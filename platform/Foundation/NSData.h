@@ -55,8 +55,8 @@ class FOUNDATION_EXPORT NSMutableData : public NSData::Subclass<NSMutableData> {
   /// Bytes that `write(std::span<std::byte>)` makes in their final place, at most `maximum` of them, which
   /// hold anything before. It answers how many there are, or std::nullopt, and the result is absent.
   template <class Write>
-  static RefPtr<NSMutableData> dataWithMaximumLength(std::size_t maximum, Write&& write) {
-    const Ref<NSMutableData> data = dataWithCapacity(maximum);
+  static RefPtr<NSData> dataWithMaximumLength(std::size_t maximum, Write&& write) {
+    Ref<NSMutableData> data = dataWithCapacity(maximum);
     data->storage_.setCount(maximum);
     const std::optional<std::size_t> length = std::forward<Write>(write)(data->mutableBytes());
     if (!length) return nullptr;

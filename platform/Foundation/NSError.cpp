@@ -4,7 +4,7 @@ const Ref<NSString> NSLocalizedDescriptionKey = NSString::stringWithString("NSLo
 const Ref<NSString> NSUnderlyingErrorKey = NSString::stringWithString("NSUnderlyingError");
 const Ref<NSString> NSOSStatusErrorDomain = NSString::stringWithString("NSOSStatusErrorDomain");
 
-Ref<NSError> NSError::errorWithDomain(Text domain, std::int64_t code, RefPtr<NSDictionary> userInfo) {
+Ref<NSError> NSError::errorWithDomain(Text domain, std::int64_t code, const RefPtr<NSDictionary>& userInfo) {
   return alloc(NSString::stringWithString(domain), code,
                userInfo ? userInfo->copy() : NSDictionary::dictionary());
 }

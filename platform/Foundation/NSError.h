@@ -13,7 +13,8 @@ FOUNDATION_EXPORT extern const Ref<NSString> NSOSStatusErrorDomain;
 class FOUNDATION_EXPORT NSError : public NSObject::Subclass<NSError> {
  public:
   /// A nil domain raises the invalid-argument exception; absent user information is an empty map.
-  static Ref<NSError> errorWithDomain(Text domain, std::int64_t code, RefPtr<NSDictionary> userInfo);
+  static Ref<NSError> errorWithDomain(Text domain, std::int64_t code,
+                                      const RefPtr<NSDictionary>& userInfo);
 
   const Ref<NSString>& domain() const noexcept { return domain_; }
   std::int64_t code() const noexcept { return code_; }

@@ -43,14 +43,10 @@ class NSFunctionRef<Result(Arguments...)> {
   template <class Callable>
   static bool isNil(const Callable& callable) noexcept {
     // A lambda without captures compares with nullptr as well, but is never nil.
-    if constexpr (requires { +callable; } && std::is_class_v<Callable>)
-      return false;
-    else if constexpr (std::is_function_v<Callable>)
-      return false;
-    else if constexpr (requires { callable == nullptr; })
+    constexpr bool isLambda = std::is_class_v<Callable> && requires { +callable; };
+    if constexpr (!isLambda && !std::is_function_v<Callable> && requires { callable == nullptr; })
       return callable == nullptr;
-    else
-      return false;
+    return false;
   }
 
   template <class Target>

@@ -61,6 +61,7 @@ void NSObject::letGo() const noexcept {
   if (waiting.draining) return;
   waiting.draining = true;
   while (const NSObject* object = waiting.first) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the count of the waiting is a link.
     waiting.first = reinterpret_cast<const NSObject*>(object->count_.load(std::memory_order_relaxed));
     object->count_.store(countOfTheDying, std::memory_order_relaxed);
     delete object;

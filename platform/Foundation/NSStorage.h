@@ -16,18 +16,20 @@
 template <class Unit>
 class NSStorage {
   static_assert(std::is_trivially_copyable_v<Unit>);
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): units may be pointers, whose own size is meant.
+  static constexpr std::size_t unitSize = sizeof(Unit);
 
  public:
   explicit NSStorage(NSTail tail) noexcept
-      : units_(reinterpret_cast<Unit*>(tail.start)), capacity_(tail.size / sizeof(Unit)) {}
+      : units_(reinterpret_cast<Unit*>(tail.start)), capacity_(tail.size / unitSize) {}
   NSStorage(const NSStorage&) = delete;
   NSStorage& operator=(const NSStorage&) = delete;
   ~NSStorage() { leave(); }
 
   /// The bytes behind an object that `count` units need; throws std::bad_alloc when there are no such.
   static std::size_t bytesFor(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() / sizeof(Unit)) throw std::bad_alloc();
-    return count * sizeof(Unit);
+    if (count > std::numeric_limits<std::size_t>::max() / unitSize) throw std::bad_alloc();
+    return count * unitSize;
   }
 
   std::span<Unit> units() const noexcept { return {units_, count_}; }
@@ -62,7 +64,7 @@ class NSStorage {
   void reserve(std::size_t capacity) {
     if (capacity <= capacity_) return;
     auto* moved = static_cast<Unit*>(::operator new(bytesFor(capacity)));
-    if (count_ > 0) std::memcpy(moved, units_, count_ * sizeof(Unit));
+    if (count_ > 0) std::memcpy(moved, units_, count_ * unitSize);
     leave();
     units_ = moved;
     capacity_ = capacity;
@@ -74,7 +76,7 @@ class NSStorage {
 
  private:
   void leave() noexcept {
-    if (secret_ && capacity_ > 0) explicit_bzero(units_, capacity_ * sizeof(Unit));
+    if (secret_ && capacity_ > 0) explicit_bzero(units_, capacity_ * unitSize);
     if (outgrown_) ::operator delete(units_);
   }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <concepts>
 #include <cstddef>
 #include <string_view>
@@ -46,8 +47,11 @@ class Parameter {
         : made_(parameter.literal_ ? parameter.get() : nullptr),
           object_(made_ ? made_.get() : parameter.object_) {}
     explicit operator bool() const noexcept { return object_ != nullptr; }
-    const T& operator*() const noexcept { return *object_; }
-    const T* operator->() const noexcept { return object_; }
+    const T& operator*() const noexcept {
+      assert(object_ && "nil is used");
+      return *object_;
+    }
+    const T* operator->() const noexcept { return &**this; }
 
    private:
     RefPtr<T> made_;

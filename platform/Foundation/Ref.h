@@ -47,6 +47,10 @@ class RefPtr {
   requires(std::convertible_to<U*, T*> && !std::same_as<U, T>) RefPtr(const Ref<U>& other)
   noexcept : object_(other.get()) { retain(); }
 
+  template <class U>
+    requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
+  RefPtr(Ref<U>&& other) noexcept : object_(other.handle_.leak()) {}
+
   /// For classes that are made implicitly from other values, as blocks are from callables.
   template <class Value>
   requires NSMadeFrom<T, Value> RefPtr(Value&& value) : RefPtr(T::implicitly(std::forward<Value>(value))) {}
@@ -95,10 +99,14 @@ class Ref {
   Ref& operator=(Ref&&) noexcept = default;
 
   template <class U>
-  requires(std::convertible_to<U*, T*> && !std::same_as<U, T>) Ref(const Ref<U>& other)
-  noexcept : handle_(other.get()) {}
+    requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
+  Ref(const Ref<U>& other) noexcept : handle_(other.get()) {}
   template <class U>
-  requires std::convertible_to<U*, T*> Ref(const RefPtr<U>& other) : handle_(required(other.get())) {}
+    requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
+  Ref(Ref<U>&& other) noexcept : handle_(std::move(other.handle_)) {}
+  template <class U>
+    requires std::convertible_to<U*, T*>
+  Ref(const RefPtr<U>& other) : handle_(required(other.get())) {}
 
   static Ref adopt(T& object) noexcept { return Ref(Adopted{}, object); }
 
@@ -108,6 +116,10 @@ class Ref {
   operator const RefPtr<T>&() const noexcept { return handle_; }
 
  private:
+  template <class U>
+  friend class Ref;
+  template <class U>
+  friend class RefPtr;
   struct Adopted {};
   Ref(Adopted, T& object) noexcept : handle_(RefPtr<T>::adopt(&object)) {}
 

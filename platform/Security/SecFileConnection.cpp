@@ -13,8 +13,6 @@ SecFileNumber judge(const std::string& path) {
 }
 
 SecStoreID readStoreID(SecFileDatabase& database) {
-  const SecFileUnitOfWork reading(database, false);
-  database.checkSchema();
   auto row = database.use("SELECT id FROM store WHERE one=1");
   secRequire(row.step() && row.blob(0).size() == sizeof(SecStoreID), errSecDecode);
   return SecByteReader(row.blob(0)).array<sizeof(SecStoreID)>();
@@ -62,7 +60,7 @@ SecFileConnection::SecFileConnection(std::string path)
       process_(::getpid()),
       file_(judge(path_)),
       database_(path_),
-      store_(readStoreID(database_)) {
+      content_(readContent()) {
   secRequire(isCurrent(), errSecBusy);
 }
 
@@ -70,23 +68,24 @@ bool SecFileConnection::isOurs() const { return process_ == ::getpid(); }
 
 bool SecFileConnection::isCurrent() const { return judge(path_) == file_; }
 
-SecFileSlot SecFileConnection::slot() {
+SecFileConnection::Content SecFileConnection::readContent() {
   const SecFileUnitOfWork reading(database_, false);
   database_.checkSchema();
-  return readSlot();
+  content_.store = readStoreID(database_);
+  return {content_.store, readSlot()};
 }
 
 SecFileSlot SecFileConnection::readSlot() {
   auto row = database_.use("SELECT body FROM slot");
   secRequire(row.step(), errSecDecode);
-  const SecFileSlot slot = secDecodeSlot(row.blob(0), store_);
+  const SecFileSlot slot = secDecodeSlot(row.blob(0), store());
   secRequire(!row.step(), errSecDecode);
   return slot;
 }
 
 void SecFileConnection::writeSlot(const SecFileSlot& slot) {
   database_.run("DELETE FROM slot");
-  insertSlot(database_, slot, store_);
+  insertSlot(database_, slot, store());
 }
 
 std::string secKeyFilePath(const std::string& keyFolder, const SecStoreID& store) {

@@ -19,18 +19,24 @@ class SecFileConnection {
   bool isCurrent() const;
 
   SecFileDatabase& database() { return database_; }
-  const SecStoreID& store() const { return store_; }
-  /// The slot as it is outside of any transaction, and as it is within one.
-  SecFileSlot slot();
+  const SecStoreID& store() const { return content_.store; }
+  /// The slot as it was when the file was opened, and as it is now, within a transaction.
+  const SecFileSlot& slotAtOpening() const { return content_.slot; }
   SecFileSlot readSlot();
   void writeSlot(const SecFileSlot& slot);
 
  private:
+  struct Content {
+    SecStoreID store{};
+    SecFileSlot slot;
+  };
+  Content readContent();
+
   std::string path_;
   pid_t process_;
   SecFileNumber file_;
   SecFileDatabase database_;
-  SecStoreID store_;
+  Content content_;
 };
 
 /// The path of a store's key file in `keyFolder`.

@@ -117,10 +117,18 @@ void SecFileDatabase::configure() {
   set(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
   set(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0);
   check(sqlite3_busy_handler(connection, wait, this), connection);
-  constexpr const char* settings =
-      "PRAGMA synchronous=EXTRA;PRAGMA secure_delete=ON;PRAGMA cell_size_check=ON;PRAGMA mmap_size=0;"
-      "PRAGMA temp_store=MEMORY";
-  check(sqlite3_exec(connection, settings, nullptr, nullptr, nullptr), connection);
+  sqlite3_int64 none = 0;
+  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_MMAP_SIZE, &none), connection);
+  run("PRAGMA cell_size_check=ON");
+}
+
+void SecFileDatabase::beginWriting() {
+  if (!writes_) {
+    run("PRAGMA synchronous=EXTRA");
+    run("PRAGMA secure_delete=ON");
+  }
+  writes_ = true;
+  run("BEGIN IMMEDIATE");
 }
 
 /// Asks again every few milliseconds: SQLite's own waits grow so long that one of several busy writers
@@ -173,7 +181,9 @@ SecFileDatabase::Statement& SecFileDatabase::Statement::bind(std::int64_t value)
 }
 
 SecFileDatabase::Statement& SecFileDatabase::Statement::bind(SecView bytes) {
-  check(sqlite3_bind_blob64(statement_, ++bound_, bytes.data(), bytes.size(), SQLITE_STATIC),
+  // A null pointer would bind no value, which is another thing than an empty one.
+  const void* const start = bytes.empty() ? static_cast<const void*>("") : bytes.data();
+  check(sqlite3_bind_blob64(statement_, ++bound_, start, bytes.size(), SQLITE_STATIC),
         sqlite3_db_handle(statement_));
   return *this;
 }
@@ -201,7 +211,7 @@ SecView SecFileDatabase::Statement::blob(int column) const {
 SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : database_(database) {
   // Prepared ahead, so that want of memory cannot keep a transaction from being ended.
   static_cast<void>(database.use("ROLLBACK"));
-  database.run(writing ? "BEGIN IMMEDIATE" : "BEGIN");
+  writing ? database.beginWriting() : database.beginReading();
 }
 
 SecFileUnitOfWork::~SecFileUnitOfWork() {

@@ -50,6 +50,8 @@ class SecFileDatabase {
   /// Rows that the last statement changed.
   int changes() const { return sqlite3_changes(connection_.get()); }
   bool inTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
+  void beginReading() { run("BEGIN"); }
+  void beginWriting();
   /// Fails with errSecDecode unless the tables are those of a store, and nothing else is there.
   void checkSchema();
   /// All pages as one file.
@@ -67,6 +69,7 @@ class SecFileDatabase {
 
   std::unique_ptr<sqlite3, Close> connection_;
   std::map<const char*, std::unique_ptr<sqlite3_stmt, Close>> statements_;
+  bool writes_ = false;
   std::chrono::steady_clock::time_point waitingSince_;
 };
 

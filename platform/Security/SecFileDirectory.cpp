@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr std::size_t lineSize = sizeof(SecFileIdentity) + sizeof(std::int64_t) + sizeof(SecTag);
+
 bool isGeneric(const SecAttributes& attributes) {
   return attributes.itemClass == SecItemClass::genericPassword;
 }
@@ -53,21 +55,8 @@ SecFileIdentity secFileIdentity(SecView indexKey, const SecAttributes& attribute
   return {accountTag(indexKey, identity), siteTag(indexKey, identity), restTag(indexKey, identity)};
 }
 
-std::array<std::byte, 48> secIdentityBytes(const SecFileIdentity& identity) {
-  std::array<std::byte, 48> bytes;
-  auto end = bytes.begin();
-  for (const SecTag* tag : {&identity.account, &identity.site, &identity.rest})
-    end = std::copy(tag->begin(), tag->end(), end);
-  return bytes;
-}
-
-SecFileIdentity secIdentityFrom(SecView bytes) {
-  SecByteReader reader(bytes);
-  SecFileIdentity identity;
-  for (SecTag* tag : {&identity.account, &identity.site, &identity.rest})
-    *tag = reader.array<sizeof(SecTag)>();
-  secRequire(reader.rest().empty(), errSecDecode);
-  return identity;
+SecByteWriter& secPutIdentity(SecByteWriter& writer, const SecFileIdentity& identity) {
+  return writer.raw(identity.account).raw(identity.site).raw(identity.rest);
 }
 
 SecFileQuery::SecFileQuery(SecView indexKey, const SecAttributes& query)
@@ -86,12 +75,31 @@ bool SecFileQuery::mayMatch(const SecFileIdentity& identity) const {
          (!site_ || identity.site == identity_.site) && (!rest_ || identity.rest == identity_.rest);
 }
 
-SecTag secBucketSum(SecView sealKey, std::uint8_t bucket, const SecFileBucket& lines) {
-  if (lines.empty()) return {};
-  SecByteWriter message;
-  message.reserve(64 + lines.size() * 72).raw("VXFoundation bucket").number(bucket);
+SecBytes secEncodeBucket(const SecFileBucket& lines) {
+  SecByteWriter writer;
+  writer.reserve(lines.size() * lineSize);
   for (const SecFileLine& line : lines)
-    message.raw(secIdentityBytes(line.identity)).number(line.number).raw(line.stamp);
+    secPutIdentity(writer, line.identity).number(line.number).raw(line.stamp);
+  return writer.take();
+}
+
+SecFileBucket secDecodeBucket(SecView bytes) {
+  SecByteReader reader(bytes);
+  SecFileBucket lines(bytes.size() / lineSize);
+  for (SecFileLine& line : lines) {
+    for (SecTag* tag : {&line.identity.account, &line.identity.site, &line.identity.rest})
+      *tag = reader.array<sizeof(SecTag)>();
+    line.number = reader.number<std::int64_t>();
+    line.stamp = reader.array<sizeof(SecTag)>();
+  }
+  secRequire(reader.rest().empty(), errSecDecode);
+  return lines;
+}
+
+SecTag secBucketSum(SecView sealKey, std::uint8_t bucket, SecView bytes) {
+  if (bytes.empty()) return {};
+  SecByteWriter message;
+  message.raw("VXFoundation bucket").number(bucket).raw(bytes);
   return secAuthenticateShort(sealKey, message.bytes());
 }
 

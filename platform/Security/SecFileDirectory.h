@@ -21,8 +21,7 @@ struct SecFileIdentity {
 };
 
 SecFileIdentity secFileIdentity(SecView indexKey, const SecAttributes& attributes);
-std::array<std::byte, 48> secIdentityBytes(const SecFileIdentity& identity);
-SecFileIdentity secIdentityFrom(SecView bytes);
+SecByteWriter& secPutIdentity(SecByteWriter& writer, const SecFileIdentity& identity);
 
 /// The parts of an identity that a query names; what it lacks matches anything.
 class SecFileQuery {
@@ -50,8 +49,12 @@ struct SecFileLine {
 
 using SecFileBucket = std::vector<SecFileLine>;
 
-/// The keyed sum of a bucket's lines, in the order of their identities; all zero for an empty one.
-SecTag secBucketSum(SecView sealKey, std::uint8_t bucket, const SecFileBucket& lines);
+/// The lines of a bucket as bytes; reading fails with errSecDecode for what is no row of lines.
+SecBytes secEncodeBucket(const SecFileBucket& lines);
+SecFileBucket secDecodeBucket(SecView bytes);
+
+/// The keyed sum of a bucket's bytes; all zero for an empty one.
+SecTag secBucketSum(SecView sealKey, std::uint8_t bucket, SecView bytes);
 
 /// What holds a store together: the number that the next entry gets, how many there are, and the sum of
 /// every bucket, all under one keyed sum of its own.

@@ -14,15 +14,20 @@ SecTag stampOf(SecView body) {
 SecBytes associatedData(const SecFileContext& context, const SecFileIdentity& identity, std::int64_t number) {
   SecByteWriter writer;
   writer.raw("VXFoundation entry").number(secFileFormat).raw(context.store).number(number);
-  return writer.raw(secIdentityBytes(identity)).take();
+  return secPutIdentity(writer, identity).take();
 }
 
 }  // namespace
 
-SecFileLine secLineFrom(const SecFileDatabase::Statement& row) {
-  const SecView stamp = row.blob(3);
-  secRequire(stamp.size() == sizeof(SecTag), errSecDecode);
-  return {secIdentityFrom(row.blob(1)), row.integer(2), SecByteReader(stamp).array<sizeof(SecTag)>()};
+SecBytes secReadBucket(const SecFileContext& context, std::uint8_t bucket) {
+  auto row = context.database.use("SELECT lines FROM directory WHERE bucket=?");
+  row.bind(std::int64_t{bucket});
+  if (!row.step()) return {};
+  return {row.blob(0).begin(), row.blob(0).end()};
+}
+
+void secWriteBucket(const SecFileContext& context, std::uint8_t bucket, SecView bytes) {
+  context.database.use("REPLACE INTO directory VALUES(?,?)").bind(std::int64_t{bucket}).bind(bytes).run();
 }
 
 SecEntry secReadEntry(const SecFileContext& context, const SecFileLine& line) {
@@ -43,4 +48,15 @@ SecFileLine secWriteEntry(const SecFileContext& context, const SecFileIdentity& 
   const SecBytes body = secSeal(context.keys.item(), associated, content.bytes());
   context.database.use("INSERT INTO entry VALUES(?,?)").bind(number).bind(body).run();
   return {identity, number, stampOf(body)};
+}
+
+void secRemoveEntry(const SecFileContext& context, std::int64_t number) {
+  context.database.use("DELETE FROM entry WHERE number=?").bind(number).run();
+  secRequire(context.database.changes() == 1, errSecDecode);
+}
+
+std::uint64_t secCountEntries(SecFileDatabase& database) {
+  auto row = database.use("SELECT count(*) FROM entry");
+  secRequire(row.step(), errSecDecode);
+  return static_cast<std::uint64_t>(row.integer(0));
 }

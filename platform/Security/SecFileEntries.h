@@ -10,12 +10,18 @@ struct SecFileContext {
   const SecStoreID& store;
 };
 
-/// The line of the directory in a row of bucket, identity, number and stamp.
-SecFileLine secLineFrom(const SecFileDatabase::Statement& row);
+/// The bytes of a bucket of the directory, none when nothing was ever in it.
+SecBytes secReadBucket(const SecFileContext& context, std::uint8_t bucket);
+void secWriteBucket(const SecFileContext& context, std::uint8_t bucket, SecView bytes);
 
 /// Reads the entry of a line; fails with errSecDecode unless it is the very one that was written for it.
 SecEntry secReadEntry(const SecFileContext& context, const SecFileLine& line);
 
+void secRemoveEntry(const SecFileContext& context, std::int64_t number);
+
 /// Writes an entry and gives its line in the directory.
 SecFileLine secWriteEntry(const SecFileContext& context, const SecFileIdentity& identity, std::int64_t number,
                           const SecEntry& entry);
+
+/// How many entries there are, as far as the file says.
+std::uint64_t secCountEntries(SecFileDatabase& database);

@@ -15,8 +15,7 @@ constexpr std::size_t secBucketCount = 256;
 /// - directory: what is where, in buckets that the seal covers one by one;
 /// - entry: what is kept, encrypted.
 constexpr const char* secFileSchema[] = {
-    ("CREATE TABLE directory(bucket INTEGER NOT NULL,identity BLOB NOT NULL,number INTEGER NOT NULL,"
-     "stamp BLOB NOT NULL,PRIMARY KEY(bucket,identity))WITHOUT ROWID"),
+    "CREATE TABLE directory(bucket INTEGER PRIMARY KEY,lines BLOB NOT NULL)",
     "CREATE TABLE entry(number INTEGER PRIMARY KEY,body BLOB NOT NULL)",
     "CREATE TABLE slot(protection INTEGER PRIMARY KEY,body BLOB NOT NULL)",
     "CREATE TABLE store(one INTEGER PRIMARY KEY,id BLOB NOT NULL,seal BLOB NOT NULL)",

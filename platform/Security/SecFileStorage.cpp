@@ -24,7 +24,7 @@ class SecFileStorage::Implementation {
   void connectFirst();
   OSStatus transact(Access access, const Work& work);
   void unlockByKeyFile();
-  void unlockBy(SecFileProtection protection, SecView credential);
+  void unlockByPassphrase(SecView passphrase);
   void lock();
   void setPassphrase(SecView passphrase);
   void removePassphrase();
@@ -35,6 +35,9 @@ class SecFileStorage::Implementation {
  private:
   SecFileConnection& connection();
   SecFileContext context();
+  SecFileSlot currentSlot();
+  void unlockWhereNothingIsAsked();
+  void unwrap(const SecFileSlot& slot, SecView credential);
   SecFileUnitOfWork changeProtection();
   void removeIdleKeyFile();
 
@@ -57,19 +60,13 @@ std::string resolve(const SecFilePlace& place, SecFileStorage::Missing missing) 
   const std::string folder = slash == place.store.npos ? "." : place.store.substr(0, slash + 1);
   const std::string name = slash == place.store.npos ? place.store : place.store.substr(slash + 1);
   secRequire(!name.empty(), errSecParam);
-  if (place.ownsFolder && missing == SecFileStorage::Missing::make)
+  auto resolved = secResolveFolder(folder, place.ownsFolder);
+  if (!resolved && place.ownsFolder && missing == SecFileStorage::Missing::make) {
     secMakePrivateFolder(folder.substr(0, folder.size() - 1));
-  const auto resolved = secResolveFolder(folder, place.ownsFolder);
+    resolved = secResolveFolder(folder, true);
+  }
   secRequire(resolved.has_value(), errSecNoSuchKeychain);
   return *resolved + "/" + name;
-}
-
-std::uint64_t countEntries(SecFileDatabase& database) {
-  const SecFileUnitOfWork reading(database, false);
-  database.checkSchema();
-  auto row = database.use("SELECT count(*) FROM directory");
-  secRequire(row.step(), errSecDecode);
-  return static_cast<std::uint64_t>(row.integer(0));
 }
 
 std::string describe(const SecFileInfo& info) {
@@ -77,16 +74,12 @@ std::string describe(const SecFileInfo& info) {
   return (byKeyFile ? "key file " + info.keyFile : "passphrase") + (info.locked ? ", locked" : ", unlocked");
 }
 
-/// Hands on the entry of a line unless it does not hold; true when it did.
-void trySalvage(const SecFileContext& context, const SecFileLine& line,
-                const std::function<void(SecEntry)>& visit) {
-  std::optional<SecEntry> entry;
-  const OSStatus status = secGuarded([&] {
-    entry = secReadEntry(context, line);
-    return succeed();
-  });
-  if (status == errSecSuccess) visit(std::move(*entry));
+/// Runs `action` for a part of a damaged store; true unless that part is damaged.
+template <class Action>
+bool holds(Action&& action) {
+  const OSStatus status = secGuarded([&] { return action(), succeed(); });
   secRequire(status == errSecSuccess || status == errSecDecode, status);
+  return status == errSecSuccess;
 }
 
 }  // namespace
@@ -101,7 +94,7 @@ SecFileConnection& SecFileStorage::Implementation::connection() {
   damaged_ = false;
   if (!keys_ || keysFor_ == connection_->store()) return *connection_;
   keys_.reset();
-  if (connection_->slot().protection == SecFileProtection::keyFile) unlockByKeyFile();
+  unlockWhereNothingIsAsked();
   return *connection_;
 }
 
@@ -112,7 +105,14 @@ SecFileContext SecFileStorage::Implementation::context() {
 }
 
 void SecFileStorage::Implementation::connectFirst() {
-  if (connection().slot().protection == SecFileProtection::keyFile) unlockByKeyFile();
+  static_cast<void>(connection());
+  unlockWhereNothingIsAsked();
+}
+
+void SecFileStorage::Implementation::unlockWhereNothingIsAsked() {
+  const SecFileSlot& slot = connection_->slotAtOpening();
+  if (slot.protection == SecFileProtection::keyFile)
+    unwrap(slot, secReadKeyFile(keyFolder_, connection_->store()).bytes());
 }
 
 OSStatus SecFileStorage::Implementation::transact(Access access, const Work& work) {
@@ -128,18 +128,28 @@ OSStatus SecFileStorage::Implementation::transact(Access access, const Work& wor
   return errSecSuccess;
 }
 
-void SecFileStorage::Implementation::unlockByKeyFile() {
-  const SecFileSlot slot = connection().slot();
-  secRequire(slot.protection == SecFileProtection::keyFile, errSecInteractionNotAllowed);
-  unlockBy(SecFileProtection::keyFile, secReadKeyFile(keyFolder_, connection().store()).bytes());
+SecFileSlot SecFileStorage::Implementation::currentSlot() {
+  SecFileConnection& current = connection();
+  const SecFileUnitOfWork reading(current.database(), false);
+  current.database().checkSchema();
+  return current.readSlot();
 }
 
-void SecFileStorage::Implementation::unlockBy(SecFileProtection protection, SecView credential) {
-  const SecStoreID& store = connection().store();
-  const SecFileSlot slot = connection().slot();
-  secRequire(slot.protection == protection, errSecAuthFailed);
-  keys_ = std::make_unique<SecFileKeys>(secUnwrapKey(slot, credential, store), store);
-  keysFor_ = store;
+void SecFileStorage::Implementation::unlockByKeyFile() {
+  const SecFileSlot slot = currentSlot();
+  secRequire(slot.protection == SecFileProtection::keyFile, errSecInteractionNotAllowed);
+  unwrap(slot, secReadKeyFile(keyFolder_, connection_->store()).bytes());
+}
+
+void SecFileStorage::Implementation::unlockByPassphrase(SecView passphrase) {
+  const SecFileSlot slot = currentSlot();
+  secRequire(slot.protection == SecFileProtection::passphrase, errSecAuthFailed);
+  unwrap(slot, passphrase);
+}
+
+void SecFileStorage::Implementation::unwrap(const SecFileSlot& slot, SecView credential) {
+  keysFor_ = connection_->store();
+  keys_ = std::make_unique<SecFileKeys>(secUnwrapKey(slot, credential, keysFor_), keysFor_);
 }
 
 void SecFileStorage::Implementation::lock() { keys_.reset(); }
@@ -180,11 +190,13 @@ void SecFileStorage::Implementation::removeIdleKeyFile() {
 void SecFileStorage::Implementation::info(SecFileInfo& info) {
   SecFileConnection& current = connection();
   info.path = path_;
-  info.protection = current.slot().protection;
+  const SecFileUnitOfWork reading(current.database(), false);
+  current.database().checkSchema();
+  info.protection = current.readSlot().protection;
   info.keyFile =
       info.protection == SecFileProtection::keyFile ? secKeyFilePath(keyFolder_, current.store()) : "";
   info.locked = keys_ == nullptr;
-  info.entries = countEntries(current.database());
+  info.entries = secCountEntries(current.database());
 }
 
 void SecFileStorage::Implementation::verify() {
@@ -197,8 +209,15 @@ void SecFileStorage::Implementation::verify() {
 void SecFileStorage::Implementation::salvage(const std::function<void(SecEntry)>& visit) {
   const SecFileContext store = context();
   const SecFileUnitOfWork reading(store.database, false);
-  auto rows = store.database.use("SELECT bucket,identity,number,stamp FROM directory ORDER BY number");
-  while (rows.step()) trySalvage(store, secLineFrom(rows), visit);
+  auto rows = store.database.use("SELECT lines FROM directory");
+  while (rows.step()) {
+    SecFileBucket lines;
+    static_cast<void>(holds([&] { lines = secDecodeBucket(rows.blob(0)); }));
+    for (const SecFileLine& line : lines) {
+      SecEntry entry;
+      if (holds([&] { entry = secReadEntry(store, line); })) visit(std::move(entry));
+    }
+  }
 }
 
 SecFileStorage::SecFileStorage(std::unique_ptr<Implementation> implementation)
@@ -237,8 +256,7 @@ OSStatus SecFileStorage::unlock() {
 }
 
 OSStatus SecFileStorage::unlock(Bytes passphrase) {
-  return implementation_->alone(
-      [&] { return implementation_->unlockBy(SecFileProtection::passphrase, passphrase), succeed(); });
+  return implementation_->alone([&] { return implementation_->unlockByPassphrase(passphrase), succeed(); });
 }
 
 void SecFileStorage::lock() {

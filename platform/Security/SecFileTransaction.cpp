@@ -6,16 +6,11 @@
 
 namespace {
 
-bool byIdentity(const SecFileLine& line, const SecFileIdentity& identity) { return line.identity < identity; }
 bool byNumber(const SecFileLine& left, const SecFileLine& right) { return left.number < right.number; }
 
-SecFileBucket::iterator placeOf(SecFileBucket& lines, const SecFileIdentity& identity) {
-  return std::lower_bound(lines.begin(), lines.end(), identity, byIdentity);
-}
-
-bool holds(SecFileBucket& lines, const SecFileIdentity& identity) {
-  const auto place = placeOf(lines, identity);
-  return place != lines.end() && place->identity == identity;
+SecFileBucket::iterator lineOf(SecFileBucket& lines, const SecFileIdentity& identity) {
+  return std::find_if(lines.begin(), lines.end(),
+                      [&](const SecFileLine& line) { return line.identity == identity; });
 }
 
 SecFileSeal readSeal(const SecFileContext& context) {
@@ -89,35 +84,20 @@ void SecFileTransaction::finish() {
   context_.database.use("UPDATE store SET seal=? WHERE one=1").bind(seal).run();
 }
 
+SecFileBucket SecFileTransaction::believe(std::uint8_t number, SecView bytes) const {
+  secRequire(secSame(secBucketSum(context_.keys.seal(), number, bytes), seal_.sums[number]), errSecDecode);
+  return secDecodeBucket(bytes);
+}
+
 SecFileBucket& SecFileTransaction::bucket(std::uint8_t number) {
   const auto held = buckets_.find(number);
   if (held != buckets_.end()) return held->second;
-  SecFileBucket lines;
-  auto rows = context_.database.use(
-      "SELECT bucket,identity,number,stamp FROM directory WHERE bucket=? ORDER BY identity");
-  rows.bind(std::int64_t{number});
-  while (rows.step()) lines.push_back(secLineFrom(rows));
-  secRequire(secSame(secBucketSum(context_.keys.seal(), number, lines), seal_.sums[number]), errSecDecode);
-  return buckets_[number] = std::move(lines);
+  return buckets_[number] = believe(number, secReadBucket(context_, number));
 }
 
-/// Reads what of the directory was not read yet, in one pass and so without a look-up for each bucket.
+/// Only now is every bucket read, the absent ones too: one that was taken away would not be missed else.
 void SecFileTransaction::loadAll() {
-  std::map<std::uint8_t, SecFileBucket> all;
-  auto rows =
-      context_.database.use("SELECT bucket,identity,number,stamp FROM directory ORDER BY bucket,identity");
-  while (rows.step()) {
-    const std::int64_t number = rows.integer(0);
-    secRequire(number >= 0 && number < std::int64_t{secBucketCount}, errSecDecode);
-    all[static_cast<std::uint8_t>(number)].push_back(secLineFrom(rows));
-  }
-  for (std::size_t number = 0; number < secBucketCount; ++number) {
-    const auto index = static_cast<std::uint8_t>(number);
-    if (buckets_.contains(index)) continue;
-    secRequire(secSame(secBucketSum(context_.keys.seal(), index, all[index]), seal_.sums[number]),
-               errSecDecode);
-    buckets_[index] = std::move(all[index]);
-  }
+  for (std::size_t number = 0; number < secBucketCount; ++number) bucket(static_cast<std::uint8_t>(number));
 }
 
 SecFileBucket SecFileTransaction::candidates(const SecFileQuery& query) {
@@ -137,42 +117,29 @@ SecFileBucket SecFileTransaction::candidates(const SecFileQuery& query) {
 }
 
 void SecFileTransaction::requireFree(const SecFileIdentity& identity) {
-  secRequire(!holds(bucket(identity.bucket()), identity), errSecDuplicateItem);
+  SecFileBucket& lines = bucket(identity.bucket());
+  secRequire(lineOf(lines, identity) == lines.end(), errSecDuplicateItem);
 }
 
 void SecFileTransaction::put(const SecFileIdentity& identity, std::int64_t number, const SecEntry& entry) {
-  const SecFileLine line = secWriteEntry(context_, identity, number, entry);
-  const auto identityBytes = secIdentityBytes(identity);
-  context_.database.use("INSERT INTO directory VALUES(?,?,?,?)")
-      .bind(std::int64_t{identity.bucket()})
-      .bind(identityBytes)
-      .bind(number)
-      .bind(line.stamp)
-      .run();
-  SecFileBucket& lines = bucket(identity.bucket());
-  lines.insert(placeOf(lines, identity), line);
+  bucket(identity.bucket()).push_back(secWriteEntry(context_, identity, number, entry));
   ++seal_.count;
-  sum(identity.bucket());
+  write(identity.bucket());
 }
 
 void SecFileTransaction::drop(const SecFileIdentity& identity) {
   SecFileBucket& lines = bucket(identity.bucket());
-  const auto line = placeOf(lines, identity);
-  const auto identityBytes = secIdentityBytes(identity);
-  context_.database.use("DELETE FROM entry WHERE number=?").bind(line->number).run();
-  secRequire(context_.database.changes() == 1, errSecDecode);
-  context_.database.use("DELETE FROM directory WHERE bucket=? AND identity=?")
-      .bind(std::int64_t{identity.bucket()})
-      .bind(identityBytes)
-      .run();
-  secRequire(context_.database.changes() == 1, errSecDecode);
+  const auto line = lineOf(lines, identity);
+  secRemoveEntry(context_, line->number);
   lines.erase(line);
   --seal_.count;
-  sum(identity.bucket());
+  write(identity.bucket());
 }
 
-void SecFileTransaction::sum(std::uint8_t number) {
-  seal_.sums[number] = secBucketSum(context_.keys.seal(), number, bucket(number));
+void SecFileTransaction::write(std::uint8_t number) {
+  const SecBytes bytes = secEncodeBucket(bucket(number));
+  secWriteBucket(context_, number, bytes);
+  seal_.sums[number] = secBucketSum(context_.keys.seal(), number, bytes);
 }
 
 SecFileIdentity SecFileTransaction::known(std::int64_t number) const {
@@ -193,9 +160,7 @@ void SecFileTransaction::verify() {
       ++count;
     }
   }
-  auto rows = context_.database.use("SELECT count(*) FROM entry");
-  secRequire(rows.step() && static_cast<std::uint64_t>(rows.integer(0)) == count, errSecDecode);
-  secRequire(count == seal_.count, errSecDecode);
+  secRequire(count == seal_.count && count == secCountEntries(context_.database), errSecDecode);
   auto pages = context_.database.use("PRAGMA integrity_check(1)");
   secRequire(pages.step() && pages.text(0) == "ok", errSecDecode);
 }

@@ -36,7 +36,8 @@ class SecFileTransaction final : public SecTransaction {
   void requireFree(const SecFileIdentity& identity);
   void put(const SecFileIdentity& identity, std::int64_t number, const SecEntry& entry);
   void drop(const SecFileIdentity& identity);
-  void sum(std::uint8_t number);
+  void write(std::uint8_t number);
+  SecFileBucket believe(std::uint8_t number, SecView bytes) const;
   SecFileIdentity known(std::int64_t number) const;
 
   const SecFileContext& context_;

@@ -1,0 +1,82 @@
+#include <CoreServices/UTType.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include <CoreServices/UTTypeDeclarations.h>
+#include <Foundation/NSBundle.h>
+#include <Foundation/NSLog.h>
+#include <Foundation/NSPropertyList.h>
+#include <Foundation/NSSet.h>
+
+const Ref<NSString> UTTypeErrorDomain = NSString::stringWithString("UTTypeErrorDomain");
+
+namespace {
+
+struct Snapshot {
+  UTTypeDeclarations declarations;
+  Ref<NSDictionary> supertypes;
+};
+
+// Queries read the current snapshot without a lock. A replaced one is kept, since a query may still be at
+// it; there are as few as there are files that declare something new.
+class DeclaredTypes {
+ public:
+  // Never destroyed: a query may come after the destructors of this library ran.
+  static DeclaredTypes& shared() {
+    static DeclaredTypes& only = *new DeclaredTypes;
+    return only;
+  }
+
+  const NSDictionary& supertypes() const { return *current_.load(std::memory_order_acquire)->supertypes; }
+
+  bool declare(const NSDictionary& information, RefPtr<NSError>* error) {
+    const std::lock_guard lock(mutex_);
+    const UTTypeDeclarations& declared = snapshots_.back()->declarations;
+    UTTypeDeclarations extended = declared;
+    if (!UTAddExportedTypes(information, extended, error)) return false;
+    return extended == declared || replace(std::move(extended), error);
+  }
+
+ private:
+  DeclaredTypes() {
+    RefPtr<NSError> error;
+    replace(UTBuiltInTypes(), nullptr);
+    if (!declare(*NSBundle::mainBundle()->infoDictionary(), &error))
+      NSLog("The program's type declarations are refused: %@", error->localizedDescription());
+  }
+
+  bool replace(UTTypeDeclarations declarations, RefPtr<NSError>* error) {
+    const RefPtr<NSDictionary> supertypes = UTSupertypes(declarations, error);
+    if (!supertypes) return false;
+    snapshots_.push_back(std::make_unique<Snapshot>(Snapshot{std::move(declarations), supertypes}));
+    current_.store(snapshots_.back().get(), std::memory_order_release);
+    return true;
+  }
+
+  std::mutex mutex_;
+  std::vector<std::unique_ptr<const Snapshot>> snapshots_;
+  std::atomic<const Snapshot*> current_ = nullptr;
+};
+
+}  // namespace
+
+bool UTTypeConformsTo(Text type, Text otherType) {
+  const auto sought = type.borrow();
+  const auto other = otherType.borrow();
+  if (!sought || !other) return false;
+  if (sought->isEqualToString(*other)) return true;
+  const RefPtr<NSObject> supertypes = DeclaredTypes::shared().supertypes().objectForKey(*sought);
+  return supertypes && static_cast<const NSSet&>(*supertypes).containsObject(*other);
+}
+
+bool UTTypeDeclareTypesInFile(Text path, RefPtr<NSError>* error) {
+  const auto text = path.borrow();
+  const auto name = text ? text->UTF8String() : std::nullopt;
+  const auto information =
+      name ? dynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(*name)) : nullptr;
+  if (!information) return UTRefuse(error, UTTypeErrorUnreadable, "the information file cannot be read");
+  return DeclaredTypes::shared().declare(*information, error);
+}

@@ -1,0 +1,197 @@
+#include <VXFoundation/VXUTTypeDynamicIdentifier.h>
+
+#include <map>
+#include <random>
+
+#include "Support.h"
+#include "VectorFile.h"
+#include "host/CountedAllocations.h"
+
+namespace {
+
+constexpr std::string_view alphabet = "abcdefghkmnpqrstuvwxyz0123456789";
+
+using Pairs = std::map<std::string, std::string>;
+
+// A packer of texts, bit by bit.
+std::string packed(std::string_view ascii) {
+  std::string bits, identifier = "dyn.a";
+  for (const char c : ascii)
+    for (int bit = 7; bit >= 0; --bit) bits.push_back(c >> bit & 1 ? '1' : '0');
+  while (bits.size() % 5 != 0) bits.push_back('0');
+  for (std::size_t i = 0; i < bits.size(); i += 5)
+    identifier.push_back(alphabet[std::stoul(bits.substr(i, 5), nullptr, 2)]);
+  return identifier;
+}
+
+std::string packed(const Pairs& pairs) {
+  std::string ascii;
+  for (const auto& [key, value] : pairs) ascii += (ascii.empty() ? "" : ":") + key + "=" + value;
+  return packed(ascii);
+}
+
+// Decoding as it is defined, group by group; absent for an invalid body.
+std::optional<std::string> bytesByDefinition(std::string body) {
+  while (body.size() % 8 != 0) body.push_back('=');
+  if (body.find_first_not_of(std::string(alphabet) + "=") != std::string::npos) return std::nullopt;
+  const std::size_t p = body.size() - (body.find_last_not_of('=') + 1);
+  if (p >= 7 || p == 2 || p == 5 || body.find('=') < body.size() - p) return std::nullopt;
+  std::string bytes;
+  for (std::size_t group = 0; group < body.size(); group += 8) {
+    unsigned c[8];
+    for (std::size_t i = 0; i < 8; ++i)
+      c[i] = body[group + i] == '=' ? 255U : static_cast<unsigned>(alphabet.find(body[group + i]));
+    const auto put = [&](unsigned byte) { bytes.push_back(static_cast<char>(byte & 0xFF)); };
+    put(c[0] << 3 | (c[1] >> 2 & 7));
+    if (c[2] == 255) break;
+    put((c[1] << 6 & 0xC0) | (c[2] << 1 & 0x3E) | (c[3] >> 4 & 1));
+    if (c[4] == 255) break;
+    put((c[3] << 4 & 0xF0) | (c[4] >> 1 & 0x0F));
+    if (c[5] == 255) break;
+    put((c[4] << 7 & 0x80) | (c[5] << 2 & 0x7C) | (c[6] >> 3 & 3));
+    if (c[7] == 255) break;
+    put((c[6] << 5 & 0xE0) | (c[7] & 0x1F));
+  }
+  return bytes;
+}
+
+std::string textByDefinition(const std::string& body) {
+  const std::string bytes = bytesByDefinition(body).value_or("");
+  for (const char c : bytes)
+    if (static_cast<unsigned char>(c) > 127) return "absent";
+  return bytes;
+}
+
+std::string decoded(std::string_view identifier) {
+  const RefPtr<NSString> result = VXUTTypeDecodeDynamicIdentifier(*text(identifier));
+  return result ? static_cast<std::string>(*result) : "absent";
+}
+
+std::string shownMap(std::string_view identifier) {
+  std::string shown;
+  const RefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*text(identifier));
+  if (!map) return "absent";
+  map->enumerateKeysAndObjectsUsingBlock([&](const Ref<NSObject>& key, const Ref<NSObject>& value, bool*) {
+    shown += (shown.empty() ? "" : ";") +
+             static_cast<std::string>(*NSString::stringWithFormat("%@=%@", key, value));
+  });
+  return shown;
+}
+
+bool conforms(std::string_view type, std::string_view other) {
+  return VXUTTypeConformsTo(text(type), text(other));
+}
+
+Pairs randomPairs(std::mt19937& random) {
+  Pairs pairs;
+  for (std::size_t i = random() % 5; i > 0; --i) {
+    std::string key(random() % 2 ? "?" : ""), value;
+    key.push_back("ab \x7F"[random() % 4]);
+    for (std::size_t length = random() % 3; length > 0; --length) value.push_back("12"[random() % 2]);
+    pairs[key] = value;
+  }
+  return pairs;
+}
+
+// A collection of texts that counts how many were asked for.
+struct Asked : NSFastEnumeration::Subclass<Asked> {
+  std::size_t count() const override { return members.size(); }
+  Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const override { return ++asked, members[index]; }
+  std::vector<Ref<NSObject>> members;
+  mutable std::size_t asked = 0;
+};
+
+}  // namespace
+
+TEST(VXUTType, DynamicIdentifiersDecodeAsTold) {
+  for (const auto& row : vectorFile("dynamic-identifiers.tsv")) {
+    EXPECT_EQ(decoded(row.at(0)), row.at(1)) << row[0];
+    EXPECT_EQ(shownMap(row[0]), row[1] == "absent" ? "absent" : row.at(2)) << row[0];
+  }
+  for (const auto& row : vectorFile("dynamic-texts.tsv"))
+    EXPECT_EQ(shownMap(packed(row.at(0))), row.at(1)) << row[0];
+  EXPECT_EQ(raised([] { decoded("dyn."); }), "NSRangeException");
+}
+
+TEST(VXUTType, BodiesOfEveryLengthAndPaddingDecodeAsDefined) {
+  std::mt19937 random(41);
+  int valid = 0, absent = 0;
+  for (std::size_t length = 0; length <= 24; ++length)
+    for (std::size_t padding = 0; padding <= length; ++padding)
+      for (int round = 0; round < 60; ++round) {
+        std::string body(length, '=');
+        // Half of the rounds keep to characters below 16, which make ASCII of even groups likely.
+        for (std::size_t i = 0; i < length - padding; ++i)
+          body[i] = alphabet[random() % (round % 2 ? 32 : 4)];
+        if (round % 10 == 9 && length > 0) body[random() % length] = "iIjlo.=Z\x7F"[random() % 9];
+        const std::string expected = textByDefinition(body);
+        ASSERT_EQ(decoded("dyn.a" + body), expected) << body;
+        valid += bytesByDefinition(body).has_value();
+        absent += expected == "absent";
+      }
+  EXPECT_GT(valid - absent, 500);
+  EXPECT_GT(absent, 500);
+}
+
+TEST(VXUTType, RandomPairsComeBackAndAreComparedAsSets) {
+  std::mt19937 random(42);
+  std::map<bool, int> answers;
+  for (int round = 0; round < 20000; ++round) {
+    const Pairs offered = randomPairs(random), required = randomPairs(random);
+    std::string shown;
+    for (const auto& [key, value] : offered) shown += (shown.empty() ? "" : ";") + key + "=" + value;
+    ASSERT_EQ(shownMap(packed(offered)), shown);
+    if (offered.empty() || required.empty()) continue;  // "dyn.a" alone is none
+    bool expected = true;
+    for (const auto& [key, value] : required) {
+      const auto found = offered.find(key);
+      expected = expected && (key.front() == '?' || (found != offered.end() && found->second == value));
+    }
+    ASSERT_EQ(conforms(packed(offered), packed(required)), expected) << shown;
+    ++answers[expected];
+  }
+  EXPECT_GT(std::min(answers[true], answers[false]), 1000);
+}
+
+TEST(VXUTType, ConformanceIsAsTold) {
+  const std::string invalid = "dyn.ab";  // packs the empty text where "dyn.a" alone would not count
+  for (const auto& row : vectorFile("dynamic-conformance.tsv")) {
+    const std::string type = row.at(0).empty() ? invalid : packed(row[0]);
+    const std::string other = row.at(1).empty() ? "dyn.aaaa" : packed(row[1]);
+    EXPECT_EQ(conforms(type, other) ? "yes" : "no", row.at(2)) << row[0] << " to " << row[1];
+  }
+  for (const auto& row : vectorFile("declared-facts.tsv"))
+    EXPECT_EQ(conforms(row.at(0), row.at(1)) ? "yes" : "no", row.at(2)) << row[0] << " to " << row[1];
+  EXPECT_FALSE(VXUTTypeConformsTo(nullptr, "public.item"));
+  EXPECT_FALSE(VXUTTypeConformsTo("public.item", nullptr));
+  EXPECT_FALSE(VXUTTypeConformsTo(nullptr, nullptr));
+  EXPECT_FALSE(VXUTTypeConformsTo(nullptr, "dyn.aqe8xc"));
+  EXPECT_FALSE(VXUTTypeConformsTo("dyn.aqe8xc", nullptr));
+}
+
+TEST(VXUTType, ACollectionIsAskedUpToTheFirstYes) {
+  const auto collection = Asked::alloc();
+  collection->members = {text("public.audio"), text("public.image"), NSNumber::numberWithInteger(1)};
+  EXPECT_TRUE(VXUTTypeConformsToAnyInCollection("public.png", collection));
+  EXPECT_EQ(collection->asked, 2U);
+  EXPECT_EQ(raised([&] { VXUTTypeConformsToAnyInCollection("public.text", collection); }),
+            "NSInvalidArgumentException");
+  EXPECT_FALSE(VXUTTypeConformsToAnyInCollection("public.text", nullptr));
+  EXPECT_FALSE(VXUTTypeConformsToAnyInCollection("public.text", NSSet::set()));
+  EXPECT_TRUE(VXUTTypeConformsToAnyInCollection("public.text", NSSet::setWithObjects({"public.item", "x"})));
+  EXPECT_FALSE(VXUTTypeConformsToAnyInCollection(nullptr, NSArray::arrayWithObject("public.item")));
+}
+
+TEST(VXUTType, DeclaredTypesAreComparedWithoutAllocation) {
+  const Ref<NSString> script = text("public.python-script"), item = text("public.item"),
+                      image = text("public.image");
+  EXPECT_TRUE(VXUTTypeConformsTo(script, item));
+  bool yes = false, no = true;
+  EXPECT_EQ(allocationsOf([&] {
+              yes = VXUTTypeConformsTo(script, item);
+              no = VXUTTypeConformsTo(script, image);
+            }),
+            0U);
+  EXPECT_TRUE(yes && !no);
+  EXPECT_GT(allocationsOf([] { text("x"); }), 0U) << "the count counts";
+}
