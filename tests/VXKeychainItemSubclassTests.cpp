@@ -211,6 +211,7 @@ TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
         EXPECT_TRUE(own->deleteItemFromKeychain());
         if (shared->keychainItemRequest()) done += shared->deleteItemFromKeychain();
         VXGenericKeychainItem::alloc()->refreshItemFromKeychainIncludeData(false);
+        EXPECT_TRUE(VXUTTypeConformsTo("public.jpeg", "public.image"));
       }
       EXPECT_EQ(recorder->failures.size(), 50u);
     });
