@@ -1,6 +1,8 @@
 // Runs without escapes go sixteen bytes at a time; where escapes are, sixteen bytes by the scalar kernel.
 #include <arm_neon.h>
 
+#include <cstdint>
+
 #include "VXFoundation/kernels/CodecKernels.h"
 #include "VXFoundation/kernels/Percent.h"
 

@@ -2,6 +2,8 @@
 // interleaving loads and stores of the instruction set tell apart.
 #include <arm_neon.h>
 
+#include <cstdint>
+
 #include "VXFoundation/kernels/CodecKernels.h"
 #include "VXFoundation/kernels/Radix.h"
 
