@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,10 @@ class KeychainTest : public testing::Test {
   KeychainTest() {
     setenv("LC_ALL", "C", 1);
     secSetDefaultStorage(std::make_shared<SecMemoryStorage>());
-    NSLogSetSink([this](std::string_view line) { logged.emplace_back(line); });
+    NSLogSetSink([this](std::string_view line) {
+      const std::lock_guard lock(logging_);
+      logged.emplace_back(line);
+    });
   }
   ~KeychainTest() override {
     NSLogSetSink(nullptr);
@@ -48,6 +52,9 @@ class KeychainTest : public testing::Test {
   }
 
   std::vector<std::string> logged;
+
+ private:
+  std::mutex logging_;
 };
 
 /// An object for comparison: bytes as they are, of a map the keys and values in order.

@@ -198,8 +198,9 @@ TEST_F(VXKeychainItemTest, AnUpdateAsksWithTheRequestAndADeletionWithTheFields) 
   ASSERT_TRUE(item->updateItemInKeychain());
   EXPECT_EQ(stateOf(*item), before);
   EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(false)) << "the request still names ann";
-  EXPECT_TRUE(item->deleteItemFromKeychain());
   RefPtr<NSError> error;
+  EXPECT_TRUE(item->deleteItemFromKeychain(&error));
+  EXPECT_FALSE(error) << "bob's entry was there to be deleted";
   EXPECT_TRUE(item->deleteItemFromKeychain(&error));
   EXPECT_EQ(error->code(), -201);
 }
