@@ -1,4 +1,4 @@
-#include "Security/SecFileDatabase.h"
+#include <Security/SecFileDatabase.h>
 
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <thread>
 
-#include "Security/SecFileFormat.h"
+#include <Security/SecFileFormat.h>
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "Security/SecFileBytes.h"
+#include <Security/SecFileBytes.h>
 
 /// A connection to a store file, with every setting that a store wants. Errors of SQLite are thrown as
 /// SecFailure. Of one thread at a time, and of the process that opened it.

@@ -1,6 +1,6 @@
-#include "Security/SecFileEntries.h"
+#include <Security/SecFileEntries.h>
 
-#include "Security/SecFileRow.h"
+#include <Security/SecFileRow.h>
 
 namespace {
 
