@@ -1,5 +1,5 @@
 # The front door: each target is one command, and what it does is in its script.
-.PHONY: demo check clang sanitize tidy
+.PHONY: demo check bench check-arm64 clang sanitize tidy
 
 PRESET = release
 # What CTest is to pick or leave out, say ARGS="-R Base64".
@@ -20,3 +20,9 @@ sanitize:
 
 tidy:
 	scripts/tidy
+
+bench:
+	scripts/bench
+
+check-arm64:
+	scripts/check-arm64 $(ARGS)

@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "VXFoundation/NSData+VXBaseConversion.h"
-#include "VectorFile.h"
+#include "Support.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ std::string opensslHMAC(const NSData& data, const NSData& key) {
 }
 
 TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
-  for (const auto& row : vectorFile("digests.tsv")) {
+  for (const auto& row : byteVectors("digests.tsv")) {
     std::string message;
     for (int i = 0; i < std::stoi(row[3]); ++i) message += row[2];
     const auto data = dataOf(message), key = dataOf(row[1]);

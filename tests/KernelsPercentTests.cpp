@@ -15,7 +15,8 @@ using namespace KernelsTests;
 /// The rules read one byte at a time, with the C library's help.
 std::string encodedByRule(std::string_view bytes) {
   std::string text;
-  for (const unsigned char byte : bytes) {
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
     char escape[4];
     std::snprintf(escape, sizeof escape, "%%%02X", byte);
     const bool plain = byte < 128 && (std::isalnum(byte) || (byte != 0 && std::strchr("-._~", byte)));
@@ -87,7 +88,7 @@ TEST_P(KernelsPercent, EncodesEveryByteAndPairOfBytes) {
 }
 
 TEST_P(KernelsPercent, DecodesEveryPairAfterAPercentSignWhereverItStands) {
-  for (const std::size_t before : {0, 13, 14, 15, 29, 30, 31, 61, 62, 63, 125, 126, 127})
+  for (const unsigned before : {0u, 13u, 14u, 15u, 29u, 30u, 31u, 61u, 62u, 63u, 125u, 126u, 127u})
     for (int pair = 0; pair < 65536; ++pair) {
       std::string text(before, 'x');
       text += {'%', static_cast<char>(pair >> 8), static_cast<char>(pair)};

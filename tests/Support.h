@@ -43,3 +43,25 @@ inline std::vector<std::vector<std::string>> vectors(const std::string& name) {
   }
   return rows;
 }
+
+/// What a cell says: "\xNN" is a byte, "\\" a backslash.
+inline std::string unescaped(const std::string& cell) {
+  std::string bytes;
+  for (std::size_t i = 0; i < cell.size(); ++i) {
+    if (cell.compare(i, 2, "\\x") == 0) {
+      bytes.push_back(static_cast<char>(std::stoi(cell.substr(i + 2, 2), nullptr, 16)));
+      i += 3;
+    } else {
+      bytes.push_back(cell[cell[i] == '\\' ? ++i : i]);
+    }
+  }
+  return bytes;
+}
+
+/// The same rows for tables whose cells are bytes.
+inline std::vector<std::vector<std::string>> byteVectors(const std::string& name) {
+  auto rows = vectors(name);
+  for (auto& row : rows)
+    for (auto& cell : row) cell = unescaped(cell);
+  return rows;
+}

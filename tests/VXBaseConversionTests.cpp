@@ -8,8 +8,8 @@
 #include <optional>
 #include <set>
 
+#include "Support.h"
 #include "VXFoundation/VXCodecKernels.h"
-#include "VectorFile.h"
 
 namespace {
 
@@ -85,7 +85,7 @@ const Notation& notationNamed(const std::string& name) {
 }
 
 TEST_P(VXBaseConversionTests, GoBothWaysWithTheVectorsOfTheStandard) {
-  for (const auto& row : vectorFile("rfc4648.tsv")) {
+  for (const auto& row : byteVectors("rfc4648.tsv")) {
     const Notation& notation = notationNamed(row[0]);
     const auto text = notation.encode(*dataOf(row[1]));
     EXPECT_EQ(std::string(*text), row[2]);
@@ -95,7 +95,7 @@ TEST_P(VXBaseConversionTests, GoBothWaysWithTheVectorsOfTheStandard) {
 }
 
 TEST_P(VXBaseConversionTests, DecodeOrRefuseAsTheTableSays) {
-  for (const auto& row : vectorFile("base-decoding.tsv")) {
+  for (const auto& row : byteVectors("base-decoding.tsv")) {
     const Bytes expected = row[2] == "absent" ? Bytes() : row[2].substr(1);
     const auto text = NSString::stringWithUTF8String(row[1]);
     ASSERT_TRUE(text) << row[1];
@@ -138,8 +138,8 @@ TEST_P(VXBaseConversionTests, HoldTheRulesForEveryTextOverAHostileAlphabet) {
   }
   forEveryText(u"A7=\u00E9", 8, holdsRules(notations[1]));
   forEveryText(u"Ba=\n", 8, holdsRules(notations[1]));
-  for (const std::size_t length : {12, 16}) forEveryText(u"B=", length, holdsRules(notations[0]));
-  for (const std::size_t length : {7, 9, 16}) forEveryText(u"B=", length, holdsRules(notations[1]));
+  for (const unsigned length : {12u, 16u}) forEveryText(u"B=", length, holdsRules(notations[0]));
+  for (const unsigned length : {7u, 9u, 16u}) forEveryText(u"B=", length, holdsRules(notations[1]));
 }
 
 TEST_P(VXBaseConversionTests, TakeEveryUnitInEitherPlaceOfABase16Pair) {

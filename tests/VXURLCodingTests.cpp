@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "VXFoundation/VXCodecKernels.h"
-#include "VectorFile.h"
+#include "Support.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ class VXURLCodingTests : public ::testing::TestWithParam<std::string> {
 };
 
 TEST_P(VXURLCodingTests, GoBothWaysAsTheTableSays) {
-  for (const auto& row : vectorFile("percent.tsv")) {
+  for (const auto& row : byteVectors("percent.tsv")) {
     const auto text = NSString::stringWithUTF8String(row[0]);
     EXPECT_EQ(bytesOf(VXURLEncodeString(text)), row[1]);
     EXPECT_EQ(bytesOf(VXURLEncodeData(dataOf(row[0]))), row[1]);
@@ -40,7 +40,7 @@ TEST_P(VXURLCodingTests, DecodeOrRefuseAsTheTableSays) {
   const auto expected = [](const std::string& column) {
     return column == "absent" ? Bytes() : column.substr(1);
   };
-  for (const auto& row : vectorFile("percent-decoding.tsv")) {
+  for (const auto& row : byteVectors("percent-decoding.tsv")) {
     EXPECT_EQ(bytesOf(VXURLDecodeData(dataOf(row[0]))), expected(row[1])) << row[0];
     EXPECT_EQ(bytesOf(VXURLDecodeString(NSString::stringWithUTF8String(row[0]))), expected(row[2])) << row[0];
   }

@@ -7,7 +7,7 @@ struct CharacterSet {
   bool has[256];
 };
 
-consteval CharacterSet unreservedCharacters() {
+constexpr CharacterSet unreservedCharacters() {
   CharacterSet set{};
   for (int c = 'a'; c <= 'z'; ++c) set.has[c] = true;
   for (int c = 'A'; c <= 'Z'; ++c) set.has[c] = true;

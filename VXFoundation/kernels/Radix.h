@@ -31,7 +31,7 @@ struct DigitValues {
 };
 inline constexpr unsigned char notADigit = 255;
 
-consteval DigitValues digitValues(const Radix& radix) {
+constexpr DigitValues digitValues(const Radix& radix) {
   DigitValues values{};
   for (auto& value : values.of) value = notADigit;
   for (unsigned digit = 0; digit < 1u << radix.bits; ++digit) {

@@ -3,7 +3,7 @@
 #include <mutex>
 #include <utility>
 
-#include "Security/SecFileStorage.h"
+#include <Security/SecFileStorage.h>
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <new>
 #include <utility>
 
-#include "Security/SecBase.h"
+#include <Security/SecBase.h>
 
 /// Thrown within a storage where a status ends the whole operation; never leaves it.
 struct SecFailure {

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "Security/SecEntry.h"
-#include "Security/SecFailure.h"
+#include <Security/SecEntry.h>
+#include <Security/SecFailure.h>
 
 using SecView = std::span<const std::byte>;
 using SecBytes = std::vector<std::byte>;

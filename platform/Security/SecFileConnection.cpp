@@ -1,4 +1,4 @@
-#include "Security/SecFileConnection.h"
+#include <Security/SecFileConnection.h>
 
 #include <unistd.h>
 

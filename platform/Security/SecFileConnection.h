@@ -2,10 +2,10 @@
 
 #include <sys/types.h>
 
-#include "Security/SecFileDatabase.h"
-#include "Security/SecFileDirectory.h"
-#include "Security/SecFileKeys.h"
-#include "Security/SecFileSystem.h"
+#include <Security/SecFileDatabase.h>
+#include <Security/SecFileDirectory.h>
+#include <Security/SecFileKeys.h>
+#include <Security/SecFileSystem.h>
 
 /// A store file that was found private and opened. Of one thread at a time.
 class SecFileConnection {

@@ -1,4 +1,4 @@
-#include "Security/SecFileCrypto.h"
+#include <Security/SecFileCrypto.h>
 
 #include <openssl/core_names.h>
 #include <openssl/crypto.h>

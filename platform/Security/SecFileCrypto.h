@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Security/SecFileBytes.h"
-#include "Security/SecSecret.h"
+#include <Security/SecFileBytes.h>
+#include <Security/SecSecret.h>
 
 // What the file store asks of libcrypto. Each fails with errSecAllocate when libcrypto cannot do its work.
 

@@ -1,22 +1,33 @@
-#include "Security/SecFileDatabase.h"
+#include <Security/SecFileDatabase.h>
+
+#include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <thread>
 
-#include "Security/SecFileFormat.h"
+#include <Security/SecFileFormat.h>
 
 namespace {
 
 using namespace std::chrono_literals;
 
 constexpr auto busyLimit = 5s;
+constexpr std::size_t reserve = 256 * 1024;
+constexpr std::size_t pageSize = 4096;
 constexpr std::size_t headerSize = 100;
 
 OSStatus statusOfInputOutput(int code, int systemError) {
   if (code == SQLITE_IOERR_NOMEM) return errSecAllocate;
   const bool noRoom = systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
   return noRoom ? errSecDiskFull : errSecIO;
+}
+
+/// SQLite takes what could not be read for corrupt; the disk may give it the next time.
+OSStatus statusOfCorruption(int systemError) {
+  const bool unread = systemError == EIO || systemError == ENXIO || systemError == ERANGE;
+  return unread ? errSecIO : errSecDecode;
 }
 
 OSStatus statusOf(int code, int systemError) {
@@ -34,8 +45,9 @@ OSStatus statusOf(int code, int systemError) {
       return errSecDataTooLarge;
     case SQLITE_CANTOPEN:
       return code == SQLITE_CANTOPEN_SYMLINK ? errSecNotPrivate : statusOfInputOutput(code, systemError);
-    case SQLITE_ERROR:
     case SQLITE_CORRUPT:
+      return statusOfCorruption(systemError);
+    case SQLITE_ERROR:
     case SQLITE_NOTADB:
     case SQLITE_CONSTRAINT:
     case SQLITE_SCHEMA:
@@ -45,20 +57,20 @@ OSStatus statusOf(int code, int systemError) {
   }
 }
 
-void check(int code, sqlite3* connection) {
+void check(int code) {
   if (code == SQLITE_OK || code == SQLITE_ROW || code == SQLITE_DONE) return;
-  throw SecFailure{statusOf(code, connection ? sqlite3_system_errno(connection) : 0)};
+  throw SecFailure{statusOf(code, errno)};
 }
 
 /// Reads the first bytes through SQLite: opening and closing the file here would drop the locks that other
 /// connections of this process hold on it.
 std::array<std::byte, headerSize> readHeader(sqlite3* connection) {
   sqlite3_file* file = nullptr;
-  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file), connection);
+  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file));
   std::array<std::byte, headerSize> header{};
   const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
   if (code == SQLITE_IOERR_SHORT_READ) throw SecFailure{errSecInvalidKeychain};
-  check(code, connection);
+  check(code);
   return header;
 }
 
@@ -68,13 +80,14 @@ Integer headerField(SecView header, std::size_t offset) {
 }
 
 void set(sqlite3* connection, int option, int value) {
-  check(sqlite3_db_config(connection, option, value, nullptr), connection);
+  check(sqlite3_db_config(connection, option, value, nullptr));
 }
 
 }  // namespace
 
 SecFileDatabase::SecFileDatabase(const std::string& path) {
   open(path.c_str(), SQLITE_OPEN_NOFOLLOW);
+  checkMode(path);
   checkHeader();
   configure();
 }
@@ -84,7 +97,7 @@ SecFileDatabase::SecFileDatabase() {
   run("PRAGMA page_size=4096");
   const std::string numbers = "PRAGMA application_id=" + std::to_string(secFileApplication) +
                               ";PRAGMA user_version=" + std::to_string(secFileFormat);
-  check(sqlite3_exec(connection_.get(), numbers.c_str(), nullptr, nullptr, nullptr), connection_.get());
+  check(sqlite3_exec(connection_.get(), numbers.c_str(), nullptr, nullptr, nullptr));
   for (const char* statement : secFileSchema) run(statement);
 }
 
@@ -94,8 +107,25 @@ void SecFileDatabase::open(const char* path, int flags) {
       sqlite3_open_v2(path, &connection,
                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | flags, nullptr);
   connection_.reset(connection);
-  check(code, connection);
   secRequire(connection != nullptr, errSecAllocate);
+  check(code);
+}
+
+/// Where the file could not be opened for writing, SQLite opens it for reading only, for whatever reason.
+void SecFileDatabase::checkMode(const std::string& path) {
+  const bool readOnly = sqlite3_db_readonly(connection_.get(), "main") == 1;
+  secRequire(!readOnly || ::access(path.c_str(), W_OK) != 0, errSecIO);
+}
+
+/// Pages that the file no longer uses are as good as room on the disk.
+void SecFileDatabase::requireRoom(std::size_t size) {
+  struct statvfs room {};
+  const std::string path = sqlite3_db_filename(connection_.get(), "main");
+  if (::statvfs(path.c_str(), &room) != 0) return;
+  if (room.f_bavail >= (reserve + 2 * size) / room.f_frsize) return;
+  auto unused = use("PRAGMA freelist_count");
+  secRequire(unused.step() && static_cast<std::size_t>(unused.integer(0)) > 4 + 2 * size / pageSize,
+             errSecDiskFull);
 }
 
 void SecFileDatabase::checkHeader() {
@@ -116,9 +146,9 @@ void SecFileDatabase::configure() {
   set(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0);
   set(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
   set(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0);
-  check(sqlite3_busy_handler(connection, wait, this), connection);
+  check(sqlite3_busy_handler(connection, wait, this));
   sqlite3_int64 none = 0;
-  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_MMAP_SIZE, &none), connection);
+  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_MMAP_SIZE, &none));
   run("PRAGMA cell_size_check=ON");
 }
 
@@ -146,10 +176,11 @@ SecFileDatabase::Statement SecFileDatabase::use(const char* sql) {
   auto& statement = statements_[sql];
   if (!statement) {
     sqlite3_stmt* made = nullptr;
+    errno = 0;
     const int code =
         sqlite3_prepare_v3(connection_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &made, nullptr);
     statement.reset(made);
-    check(code, connection_.get());
+    check(code);
   }
   return Statement(statement.get());
 }
@@ -176,21 +207,21 @@ SecFileDatabase::Statement::~Statement() {
 }
 
 SecFileDatabase::Statement& SecFileDatabase::Statement::bind(std::int64_t value) {
-  check(sqlite3_bind_int64(statement_, ++bound_, value), sqlite3_db_handle(statement_));
+  check(sqlite3_bind_int64(statement_, ++bound_, value));
   return *this;
 }
 
 SecFileDatabase::Statement& SecFileDatabase::Statement::bind(SecView bytes) {
   // A null pointer would bind no value, which is another thing than an empty one.
   const void* const start = bytes.empty() ? static_cast<const void*>("") : bytes.data();
-  check(sqlite3_bind_blob64(statement_, ++bound_, start, bytes.size(), SQLITE_STATIC),
-        sqlite3_db_handle(statement_));
+  check(sqlite3_bind_blob64(statement_, ++bound_, start, bytes.size(), SQLITE_STATIC));
   return *this;
 }
 
 bool SecFileDatabase::Statement::step() {
+  errno = 0;
   const int code = sqlite3_step(statement_);
-  check(code, sqlite3_db_handle(statement_));
+  check(code);
   return code == SQLITE_ROW;
 }
 

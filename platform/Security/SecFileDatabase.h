@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "Security/SecFileBytes.h"
+#include <Security/SecFileBytes.h>
 
 /// A connection to a store file, with every setting that a store wants. Errors of SQLite are thrown as
 /// SecFailure. Of one thread at a time, and of the process that opened it.
@@ -52,6 +52,9 @@ class SecFileDatabase {
   bool inTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
   void beginReading() { run("BEGIN"); }
   void beginWriting();
+  /// Fails with errSecDiskFull unless the disk has room for `size` more bytes and for what a later removal
+  /// takes: its journal needs room, and on a disk that was filled to the end nothing could be removed.
+  void requireRoom(std::size_t size);
   /// Fails with errSecDecode unless the tables are those of a store, and nothing else is there.
   void checkSchema();
   /// All pages as one file.
@@ -64,6 +67,7 @@ class SecFileDatabase {
   };
   void open(const char* path, int flags);
   void configure();
+  void checkMode(const std::string& path);
   void checkHeader();
   static int wait(void* database, int tries);
 

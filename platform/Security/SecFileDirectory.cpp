@@ -1,6 +1,6 @@
-#include "Security/SecFileDirectory.h"
+#include <Security/SecFileDirectory.h>
 
-#include "Security/SecIdentity.h"
+#include <Security/SecIdentity.h>
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
-#include "Security/SecEntry.h"
-#include "Security/SecFileFormat.h"
-#include "Security/SecFileKeys.h"
+#include <Security/SecEntry.h>
+#include <Security/SecFileFormat.h>
+#include <Security/SecFileKeys.h>
 
 /// What an entry is found by: a keyed tag of each part of its identity, so that equal parts can be told
 /// and nothing else.

@@ -1,6 +1,6 @@
-#include "Security/SecFileEntries.h"
+#include <Security/SecFileEntries.h>
 
-#include "Security/SecFileRow.h"
+#include <Security/SecFileRow.h>
 
 namespace {
 
@@ -44,6 +44,7 @@ SecFileLine secWriteEntry(const SecFileContext& context, const SecFileIdentity& 
                           const SecEntry& entry) {
   const SecSecretWriter content = secEncodeEntry(entry);
   secRequire(content.bytes().size() <= largestBody, errSecDataTooLarge);
+  context.database.requireRoom(content.bytes().size());
   const SecBytes associated = associatedData(context, identity, number);
   const SecBytes body = secSeal(context.keys.item(), associated, content.bytes());
   context.database.use("INSERT INTO entry VALUES(?,?)").bind(number).bind(body).run();

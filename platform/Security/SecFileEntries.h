@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Security/SecFileDatabase.h"
-#include "Security/SecFileDirectory.h"
+#include <Security/SecFileDatabase.h>
+#include <Security/SecFileDirectory.h>
 
 /// What the rows of one store need to be read and written.
 struct SecFileContext {

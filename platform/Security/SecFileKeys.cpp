@@ -1,8 +1,8 @@
-#include "Security/SecFileKeys.h"
+#include <Security/SecFileKeys.h>
 
 #include <utility>
 
-#include "Security/SecFileFormat.h"
+#include <Security/SecFileFormat.h>
 
 namespace {
 

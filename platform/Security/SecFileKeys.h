@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "Security/SecFileCrypto.h"
-#include "Security/SecFileProtection.h"
+#include <Security/SecFileCrypto.h>
+#include <Security/SecFileProtection.h>
 
 /// The number that names a store, chosen at random when it is made.
 using SecStoreID = std::array<std::byte, 16>;

@@ -1,8 +1,8 @@
-#include "Security/SecFilePlace.h"
+#include <Security/SecFilePlace.h>
 
 #include <cstdlib>
 
-#include "Security/SecFailure.h"
+#include <Security/SecFailure.h>
 
 namespace {
 

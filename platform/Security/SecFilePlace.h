@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "Security/SecBase.h"
+#include <Security/SecBase.h>
 
 /// Where the files of a store are.
 struct SecFilePlace {

@@ -1,4 +1,4 @@
-#include "Security/SecFileRow.h"
+#include <Security/SecFileRow.h>
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Security/SecEntry.h"
-#include "Security/SecFileBytes.h"
+#include <Security/SecEntry.h>
+#include <Security/SecFileBytes.h>
 
 /// The content of an entry as one run of bytes, padded to whole steps of 64 so that its size tells little
 /// of the lengths within. Every value that std::optional and SecText can hold comes back as it was.

@@ -1,11 +1,11 @@
-#include "Security/SecFileStorage.h"
+#include <Security/SecFileStorage.h>
 
 #include <mutex>
 #include <optional>
 #include <utility>
 
-#include "Security/SecFileConnection.h"
-#include "Security/SecFileTransaction.h"
+#include <Security/SecFileConnection.h>
+#include <Security/SecFileTransaction.h>
 
 class SecFileStorage::Implementation {
  public:

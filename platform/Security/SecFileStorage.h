@@ -8,9 +8,9 @@
 #include <span>
 #include <string>
 
-#include "Security/SecFilePlace.h"
-#include "Security/SecFileProtection.h"
-#include "Security/SecStorage.h"
+#include <Security/SecFilePlace.h>
+#include <Security/SecFileProtection.h>
+#include <Security/SecStorage.h>
 
 /// What can be told of a store without opening any entry.
 struct SecFileInfo {

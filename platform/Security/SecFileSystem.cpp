@@ -1,4 +1,4 @@
-#include "Security/SecFileSystem.h"
+#include <Security/SecFileSystem.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "Security/SecFileBytes.h"
-#include "Security/SecSecret.h"
+#include <Security/SecFileBytes.h>
+#include <Security/SecSecret.h>
 
 // The files and folders of a store on the disk. What is a link, is not ours, or is open to other users
 // fails with errSecNotPrivate; nothing is ever made private after the fact.

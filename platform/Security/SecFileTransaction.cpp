@@ -1,8 +1,8 @@
-#include "Security/SecFileTransaction.h"
+#include <Security/SecFileTransaction.h>
 
 #include <algorithm>
 
-#include "Security/SecIdentity.h"
+#include <Security/SecIdentity.h>
 
 namespace {
 
@@ -82,6 +82,14 @@ void SecFileTransaction::finish() {
   if (!changed_) return;
   const SecBytes seal = secEncodeSeal(seal_, context_.keys.seal(), context_.store);
   context_.database.use("UPDATE store SET seal=? WHERE one=1").bind(seal).run();
+  readBack();
+}
+
+/// A damaged page can swallow what is written to it; then the change is not kept.
+void SecFileTransaction::readBack() {
+  seal_ = readSeal(context_);
+  for (const std::uint8_t number : written_) believe(number, secReadBucket(context_, number));
+  for (const auto& [number, line] : put_) secReadEntry(context_, line);
 }
 
 SecFileBucket SecFileTransaction::believe(std::uint8_t number, SecView bytes) const {
@@ -122,7 +130,9 @@ void SecFileTransaction::requireFree(const SecFileIdentity& identity) {
 }
 
 void SecFileTransaction::put(const SecFileIdentity& identity, std::int64_t number, const SecEntry& entry) {
-  bucket(identity.bucket()).push_back(secWriteEntry(context_, identity, number, entry));
+  const SecFileLine line = secWriteEntry(context_, identity, number, entry);
+  bucket(identity.bucket()).push_back(line);
+  put_[number] = line;
   ++seal_.count;
   write(identity.bucket());
 }
@@ -131,6 +141,7 @@ void SecFileTransaction::drop(const SecFileIdentity& identity) {
   SecFileBucket& lines = bucket(identity.bucket());
   const auto line = lineOf(lines, identity);
   secRemoveEntry(context_, line->number);
+  put_.erase(line->number);
   lines.erase(line);
   --seal_.count;
   write(identity.bucket());
@@ -139,6 +150,7 @@ void SecFileTransaction::drop(const SecFileIdentity& identity) {
 void SecFileTransaction::write(std::uint8_t number) {
   const SecBytes bytes = secEncodeBucket(bucket(number));
   secWriteBucket(context_, number, bytes);
+  written_.insert(number);
   seal_.sums[number] = secBucketSum(context_.keys.seal(), number, bytes);
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <map>
+#include <set>
 
-#include "Security/SecFileEntries.h"
-#include "Security/SecStorage.h"
+#include <Security/SecFileEntries.h>
+#include <Security/SecStorage.h>
 
 /// The operations of one transaction on an unlocked store file. Every answer is checked against the seal
 /// first, one bucket of the directory at a time: an entry that was removed, added or put back behind the
@@ -37,6 +38,7 @@ class SecFileTransaction final : public SecTransaction {
   void put(const SecFileIdentity& identity, std::int64_t number, const SecEntry& entry);
   void drop(const SecFileIdentity& identity);
   void write(std::uint8_t number);
+  void readBack();
   SecFileBucket believe(std::uint8_t number, SecView bytes) const;
   SecFileIdentity known(std::int64_t number) const;
 
@@ -45,6 +47,8 @@ class SecFileTransaction final : public SecTransaction {
   SecFileSeal seal_;
   std::map<std::uint8_t, SecFileBucket> buckets_;  // those that were read and believed
   std::map<std::int64_t, SecFileIdentity> known_;  // rows that find gave
+  std::map<std::int64_t, SecFileLine> put_;        // rows that this transaction wrote
+  std::set<std::uint8_t> written_;                 // buckets that it wrote
   bool changed_ = false;
   OSStatus failure_ = errSecSuccess;
 };

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "Security/SecMemory.h"
+#include <Security/SecMemory.h>
 
 /// Bytes that nobody else may read: overwritten when they are let go of, kept out of core dumps and locked
 /// in memory where the system allows it, moved rather than copied.

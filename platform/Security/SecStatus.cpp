@@ -1,4 +1,4 @@
-#include "Security/SecStatus.h"
+#include <Security/SecStatus.h>
 
 const char* secStatusMessage(OSStatus status) noexcept {
   switch (static_cast<SecStatus>(status)) {

@@ -2,7 +2,7 @@
 
 #include <Foundation/FoundationExport.h>
 
-#include "Security/SecBase.h"
+#include <Security/SecBase.h>
 
 /// Gives the English message of `status`, the same one always and never null; a number that is not one of
 /// SecStatus gets a text of its own. Safe from any thread.

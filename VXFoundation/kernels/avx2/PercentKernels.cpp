@@ -18,7 +18,7 @@ struct alignas(width) Block {
 };
 
 /// Byte 16h + l belongs to the set when bit h is set in entry l.
-consteval Block unreservedByLowHalf() {
+constexpr Block unreservedByLowHalf() {
   Block rows{};
   const CharacterSet unreserved = unreservedCharacters();
   for (unsigned c = 0; c < 128; ++c)
@@ -43,7 +43,7 @@ struct Escapes {
   unsigned char length[16];
 };
 
-consteval Escapes escapesOfFour() {
+constexpr Escapes escapesOfFour() {
   Escapes escapes{};
   for (unsigned reserved = 0; reserved < 16; ++reserved) {
     unsigned char* at = escapes.order[reserved].at;
@@ -96,7 +96,7 @@ struct Compressions {
   } order[256];
 };
 
-consteval Compressions compressionsOfEight() {
+constexpr Compressions compressionsOfEight() {
   Compressions compressions{};
   for (unsigned chosen = 0; chosen < 256; ++chosen)
     for (unsigned byte = 0, place = 0; byte < 8; ++byte)

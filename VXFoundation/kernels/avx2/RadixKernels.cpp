@@ -70,7 +70,7 @@ __m256i charactersOf(__m256i bytes);
 /// have the place `digit - 51`, or 0 below that.
 constexpr std::size_t capitalsPlace = 13;
 
-consteval Half base64Differences() {
+constexpr Half base64Differences() {
   Half differences{};
   for (std::size_t digit = 0; digit < 64; ++digit) {
     const std::size_t place = digit < 26 ? capitalsPlace : digit < 52 ? 0 : digit - 51;
@@ -114,7 +114,7 @@ void encode(const std::byte* bytes, std::size_t count, char* text, Encode& encod
 }
 
 /// Character 16h + l is a digit when bit h is set in entry l: a row of sixteen characters has a bit.
-consteval Half digitsByLowHalf(const Radix& radix) {
+constexpr Half digitsByLowHalf(const Radix& radix) {
   Half rows{};
   const DigitValues values = digitValues(radix);
   for (unsigned c = 0; c < 128; ++c)
@@ -125,7 +125,7 @@ consteval Half digitsByLowHalf(const Radix& radix) {
 
 /// Value less character, by row. "/" is the one digit that differs from its row; row 1, which has no
 /// digits, stands for it.
-consteval Half differencesByRow(const Radix& radix) {
+constexpr Half differencesByRow(const Radix& radix) {
   Half differences{};
   const DigitValues values = digitValues(radix);
   for (unsigned c = 128; c-- > 0;)

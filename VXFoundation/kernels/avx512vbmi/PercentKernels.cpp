@@ -15,7 +15,7 @@ struct alignas(width) Block {
 };
 
 /// One half of the 128 characters: zero for the unreserved ones, the top bit set for the others.
-consteval Block reservedFrom(std::size_t first) {
+constexpr Block reservedFrom(std::size_t first) {
   Block half{};
   const CharacterSet unreserved = unreservedCharacters();
   for (std::size_t i = 0; i < width; ++i) half.at[i] = unreserved.has[first + i] ? 0 : 0x80;
@@ -23,28 +23,28 @@ consteval Block reservedFrom(std::size_t first) {
 }
 
 /// One half of the values of the 128 characters; what is no digit has its top bit set.
-consteval Block valuesFrom(std::size_t first) {
+constexpr Block valuesFrom(std::size_t first) {
   Block half{};
   const DigitValues values = digitValues(base16);
   for (std::size_t i = 0; i < width; ++i) half.at[i] = values.of[first + i];
   return half;
 }
 
-consteval Block hexadecimalDigits() {
+constexpr Block hexadecimalDigits() {
   Block digits{};
   for (std::size_t i = 0; i < width; ++i) digits.at[i] = static_cast<unsigned char>(base16.alphabet[i % 16]);
   return digits;
 }
 
 /// Which byte of a block the output position stands for, when each takes three of them.
-consteval Block thirdsFrom(std::size_t first) {
+constexpr Block thirdsFrom(std::size_t first) {
   Block thirds{};
   for (std::size_t i = 0; i < width; ++i) thirds.at[i] = static_cast<unsigned char>((first + i) / 3);
   return thirds;
 }
 
 /// The output positions at place 0, 1 or 2 of their three.
-consteval __mmask64 placesFrom(std::size_t first, std::size_t place) {
+constexpr __mmask64 placesFrom(std::size_t first, std::size_t place) {
   __mmask64 places = 0;
   for (std::size_t i = 0; i < width; ++i)
     if ((first + i) % 3 == place) places |= 1ull << i;

@@ -18,14 +18,14 @@ struct alignas(width) Block {
 
 /// The bytes of lane i, `bits` of them, in the order that makes the lane the number they stand for. It
 /// is its own inverse, but for where the bytes of the lanes are found.
-consteval Block laneFromBytes(std::size_t bits) {
+constexpr Block laneFromBytes(std::size_t bits) {
   Block order{};
   for (std::size_t i = 0; i < width; ++i)
     if (i % 8 < bits) order.at[i] = static_cast<unsigned char>(i / 8 * bits + bits - 1 - i % 8);
   return order;
 }
 
-consteval Block bytesFromLane(std::size_t bits, std::size_t group) {
+constexpr Block bytesFromLane(std::size_t bits, std::size_t group) {
   const std::size_t lane = group * 8 / bits;
   Block order{};
   for (std::size_t i = 0; i < width / lane * group; ++i)
@@ -34,14 +34,14 @@ consteval Block bytesFromLane(std::size_t bits, std::size_t group) {
 }
 
 /// Where the digits of a lane begin, counted in bits from its low end.
-consteval Block digitShifts(std::size_t bits) {
+constexpr Block digitShifts(std::size_t bits) {
   Block shifts{};
   for (std::size_t i = 0; i < width; ++i) shifts.at[i] = static_cast<unsigned char>(bits * (7 - i % 8));
   return shifts;
 }
 
 /// The alphabet, repeated: a look-up takes six bits, of which the upper ones may belong to the digit before.
-consteval Block digitCharacters(const Radix& radix) {
+constexpr Block digitCharacters(const Radix& radix) {
   Block characters{};
   for (std::size_t i = 0; i < width; ++i)
     characters.at[i] = static_cast<unsigned char>(radix.alphabet[i % (1u << radix.bits)]);
@@ -49,7 +49,7 @@ consteval Block digitCharacters(const Radix& radix) {
 }
 
 /// One half of the values of the 128 characters; what is no digit has its top bit set.
-consteval Block valuesFrom(const Radix& radix, std::size_t first) {
+constexpr Block valuesFrom(const Radix& radix, std::size_t first) {
   Block half{};
   const DigitValues values = digitValues(radix);
   for (std::size_t i = 0; i < width; ++i) half.at[i] = values.of[first + i];

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A credential store of passwords by account number, as the benchmark drives it. What cannot be done throws
+/// std::runtime_error.
+class Contestant {
+ public:
+  virtual ~Contestant() = default;
+  virtual std::string name() const = 0;
+  /// Puts in accounts 0 to `count`; how long that takes is not measured.
+  virtual void fill(std::size_t count) = 0;
+  virtual void add(std::size_t account) = 0;
+  /// Whether there is such an account; reads its password too.
+  virtual bool look(std::size_t account) = 0;
+  virtual void update(std::size_t account) = 0;
+  virtual void remove(std::size_t account) = 0;
+};
+
+/// The file store in a new folder below `folder`, opened once or for every operation.
+std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall);
+/// The desktop's store by libsecret's simple functions.
+std::unique_ptr<Contestant> makeLibsecret();

@@ -1,0 +1,106 @@
+#include <Security/SecFileStorage.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+#include "Contestant.h"
+
+namespace {
+
+void require(bool done) {
+  if (!done) throw std::runtime_error("the file store failed");
+}
+
+SecEntry entryOf(std::size_t account, std::string_view password) {
+  const std::string digits = std::to_string(account);
+  SecEntry entry;
+  entry.attributes.account.emplace(digits.begin(), digits.end());
+  entry.attributes.service.emplace(u"benchmark");
+  entry.secret = SecSecret(std::as_bytes(std::span(password)));
+  return entry;
+}
+
+class FileStore final : public Contestant {
+ public:
+  FileStore(const std::string& folder, bool openedPerCall) : openedPerCall_(openedPerCall) {
+    folder_ = folder + "/store-benchmark.XXXXXX";
+    require(::mkdtemp(folder_.data()) != nullptr);
+    open();
+  }
+  ~FileStore() override { std::filesystem::remove_all(folder_); }
+
+  std::string name() const override {
+    return openedPerCall_ ? "file store, opened per call" : "file store, kept open";
+  }
+
+  void fill(std::size_t count) override {
+    change([&](SecTransaction& store) {
+      OSStatus status = errSecSuccess;
+      for (std::size_t account = 0; account < count && status == errSecSuccess; ++account)
+        status = store.insert(entryOf(account, "password"));
+      return status;
+    });
+  }
+
+  void add(std::size_t account) override {
+    change([&](SecTransaction& store) { return store.insert(entryOf(account, "password")); });
+  }
+
+  bool look(std::size_t account) override {
+    bool found = false;
+    const auto take = [&](const SecRow& row) {
+      found = !row.entry.secret.bytes().empty();
+      return false;
+    };
+    run(SecStorage::Access::read,
+        [&](SecTransaction& store) { return store.find(entryOf(account, "").attributes, take); });
+    return found;
+  }
+
+  void update(std::size_t account) override {
+    changeFound(account, [&](SecTransaction& store, std::int64_t number) {
+      return store.replace(number, entryOf(account, "new password"));
+    });
+  }
+
+  void remove(std::size_t account) override {
+    changeFound(account, [](SecTransaction& store, std::int64_t number) { return store.remove(number); });
+  }
+
+ private:
+  void open() {
+    const SecFilePlace place{folder_ + "/data/credentials.store", folder_ + "/keys", true};
+    require(SecFileStorage::open(place, SecFileStorage::Missing::make, storage_) == errSecSuccess);
+  }
+
+  void run(SecStorage::Access access, const SecStorage::Work& work) {
+    if (openedPerCall_) open();
+    require(storage_->transact(access, work) == errSecSuccess);
+  }
+
+  void change(const SecStorage::Work& work) { run(SecStorage::Access::change, work); }
+
+  template <class Action>
+  void changeFound(std::size_t account, Action action) {
+    change([&](SecTransaction& store) {
+      std::int64_t number = 0;
+      const OSStatus status = store.find(entryOf(account, "").attributes, [&](const SecRow& row) {
+        number = row.number;
+        return false;
+      });
+      return status == errSecSuccess ? action(store, number) : status;
+    });
+  }
+
+  bool openedPerCall_;
+  std::string folder_;
+  std::unique_ptr<SecFileStorage> storage_;
+};
+
+}  // namespace
+
+std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall) {
+  return std::make_unique<FileStore>(folder, openedPerCall);
+}

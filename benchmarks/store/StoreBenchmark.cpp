@@ -1,0 +1,114 @@
+// What the operations of a credential store cost: medians, and for changes the ratio to appending to a file
+// and syncing it, measured in turn with them. store-benchmark FOLDER [--libsecret]
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <stdexcept>
+
+#include "Contestant.h"
+
+namespace {
+
+constexpr std::size_t rounds = 60;
+constexpr std::size_t stranger = 1u << 30;
+
+using Milliseconds = double;
+
+Milliseconds timed(const std::function<void()>& action) {
+  const auto start = std::chrono::steady_clock::now();
+  action();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+Milliseconds median(std::vector<Milliseconds> times) {
+  const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+  std::nth_element(times.begin(), middle, times.end());
+  return *middle;
+}
+
+/// A file that a line is appended to and synced: the least that a durable change can cost on this disk.
+class Journal {
+ public:
+  explicit Journal(const std::string& folder) : path_(folder + "/store-benchmark.append") {
+    file_ = ::open(path_.c_str(), O_CREAT | O_WRONLY | O_APPEND | O_TRUNC | O_CLOEXEC, 0600);
+    if (file_ < 0) throw std::runtime_error("cannot write to " + path_);
+  }
+  Journal(const Journal&) = delete;
+  Journal& operator=(const Journal&) = delete;
+  ~Journal() {
+    ::close(file_);
+    ::unlink(path_.c_str());
+  }
+  void append() {
+    const std::array<char, 256> line{};
+    if (::write(file_, line.data(), line.size()) < 0 || ::fsync(file_) != 0)
+      throw std::runtime_error("cannot sync");
+  }
+
+ private:
+  std::string path_;
+  int file_;
+};
+
+void print(const Contestant& contestant, std::size_t held, const char* operation, Milliseconds time,
+           Milliseconds append) {
+  std::printf("| %-27s | %6zu | %-7s | %8.3f ms |", contestant.name().c_str(), held, operation, time);
+  append > 0 ? std::printf(" %5.1f |\n", time / append) : std::printf("       |\n");
+  std::fflush(stdout);
+}
+
+void requireAnswer(bool right) {
+  if (!right) throw std::runtime_error("a look-up gave a wrong answer");
+}
+
+void compete(Contestant& contestant, std::size_t held, Journal& journal) {
+  contestant.fill(held);
+  std::vector<Milliseconds> appends, adds, updates, removes, hits, misses;
+  for (std::size_t round = 0; round < rounds; ++round) {
+    const std::size_t account = held + round;
+    appends.push_back(timed([&] { journal.append(); }));
+    adds.push_back(timed([&] { contestant.add(account); }));
+    updates.push_back(timed([&] { contestant.update(account); }));
+    hits.push_back(timed([&] { requireAnswer(contestant.look(held > 0 ? round * 7919 % held : account)); }));
+    misses.push_back(timed([&] { requireAnswer(!contestant.look(stranger + round)); }));
+    removes.push_back(timed([&] { contestant.remove(account); }));
+  }
+  print(contestant, held, "append", median(appends), median(appends));
+  print(contestant, held, "add", median(adds), median(appends));
+  print(contestant, held, "update", median(updates), median(appends));
+  print(contestant, held, "delete", median(removes), median(appends));
+  print(contestant, held, "look up", median(hits), 0);
+  print(contestant, held, "miss", median(misses), 0);
+}
+
+void run(const std::string& folder, bool libsecret) {
+  Journal journal(folder);
+  std::printf("| store                       |   held | what    |      median | to append and sync |\n");
+  std::printf("|---|---|---|---|---|\n");
+  for (const std::size_t held : {std::size_t{0}, std::size_t{1000}, std::size_t{10000}})
+    for (const bool openedPerCall : {false, true})
+      compete(*makeFileStore(folder, openedPerCall), held, journal);
+#ifdef VX_LIBSECRET
+  for (const std::size_t held : {std::size_t{0}, std::size_t{1000}})
+    if (libsecret) compete(*makeLibsecret(), held, journal);
+#else
+  if (libsecret) throw std::runtime_error("built without libsecret");
+#endif
+}
+
+}  // namespace
+
+int main(int count, char** arguments) try {
+  if (count < 2) throw std::runtime_error("usage: store-benchmark FOLDER [--libsecret]");
+  run(arguments[1], count > 2 && std::strcmp(arguments[2], "--libsecret") == 0);
+  return 0;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "store-benchmark: %s\n", error.what());
+  return 1;
+}

@@ -1,0 +1,79 @@
+#include <Foundation/NSUnicode.h>
+#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/VXUTTypeDynamicIdentifier.h>
+
+#include <algorithm>
+#include <map>
+
+#include "fuzz/Fuzz.h"
+
+// Dynamic type identifiers: any two are related or not without harm, and what is packed here is unpacked
+// there. An input is two identifiers, or the texts that two pack, with a line break between them.
+namespace {
+
+using Pairs = std::map<std::string, std::string>;
+
+/// Packs the bytes, five bits a character, the most significant first.
+std::string packed(std::string_view bytes) {
+  constexpr std::string_view alphabet = "abcdefghkmnpqrstuvwxyz0123456789";
+  std::string identifier = "dyn.a";
+  unsigned bits = 0, count = 0;
+  for (const char byte : bytes) {
+    bits = bits << 8 | static_cast<unsigned char>(byte);
+    for (count += 8; count >= 5; count -= 5) identifier += alphabet[bits >> (count - 5) & 31];
+  }
+  if (count > 0) identifier += alphabet[bits << (5 - count) & 31];
+  return identifier;
+}
+
+Pairs pairsOf(std::string_view text) {
+  Pairs pairs;
+  while (true) {
+    const std::string_view piece = text.substr(0, text.find(':'));
+    const std::size_t equals = piece.find('=');
+    if (equals != std::string_view::npos && piece.rfind('=') == equals)
+      pairs[std::string(piece.substr(0, equals))] = piece.substr(equals + 1);
+    if (piece.size() == text.size()) return pairs;
+    text.remove_prefix(piece.size() + 1);
+  }
+}
+
+bool offersAll(const Pairs& offered, const Pairs& required) {
+  return std::all_of(required.begin(), required.end(), [&](const auto& pair) {
+    const auto found = offered.find(pair.first);
+    return pair.first.starts_with('?') || (found != offered.end() && found->second == pair.second);
+  });
+}
+
+void unpack(std::string_view bytes) {
+  const RefPtr<NSString> text =
+      VXUTTypeDecodeDynamicIdentifier(*NSString::stringWithUTF8String(packed(bytes)));
+  fuzzRequire(text ? text->UTF8String() == bytes : !NSIsASCII(bytes), "what is packed can be unpacked");
+}
+
+void relatePacked(std::string_view first, std::string_view second) {
+  unpack(first);
+  unpack(second);
+  if (!NSIsASCII(first) || !NSIsASCII(second) || first.empty() || second.empty()) return;
+  const bool conforms = VXUTTypeConformsTo(NSString::stringWithUTF8String(packed(first)),
+                                           NSString::stringWithUTF8String(packed(second)));
+  const bool expected = first == second || offersAll(pairsOf(first), pairsOf(second));
+  fuzzRequire(conforms == expected, "a type conforms when it has all the pairs");
+}
+
+void relate(std::string_view first, std::string_view second) {
+  const RefPtr<NSString> type = NSString::stringWithUTF8String(first);
+  const RefPtr<NSString> other = NSString::stringWithUTF8String(second);
+  VXUTTypeConformsTo(type, other);
+  fuzzRequire(!type || VXUTTypeConformsTo(type, type), "a type conforms to itself");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  FuzzInput input(data, size);
+  const std::string_view first = input.upTo('\n'), second = input.rest();
+  relate(first, second);
+  relatePacked(first, second);
+  return 0;
+}

@@ -1,0 +1,36 @@
+#include "Security/SecFileRow.h"
+
+#include <optional>
+
+#include "fuzz/Fuzz.h"
+
+// The record of one entry in a store file: any bytes are an entry or damaged, and nothing of an entry is
+// lost when it is written again.
+namespace {
+
+std::optional<SecEntry> decoded(SecView bytes) {
+  try {
+    return secDecodeEntry(bytes);
+  } catch (const SecFailure& failure) {
+    fuzzRequire(failure.status == errSecDecode, "what is no record is damaged");
+    return std::nullopt;
+  }
+}
+
+bool areEqual(SecView first, SecView second) {
+  return std::equal(first.begin(), first.end(), second.begin(), second.end());
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const auto bytes = fuzzBytes(FuzzInput(data, size).rest());
+  const auto entry = decoded(bytes);
+  if (!entry) return 0;
+  const SecSecretWriter record = secEncodeEntry(*entry);
+  const auto again = decoded(record.bytes());
+  fuzzRequire(again && again->attributes == entry->attributes, "the attributes are written as they were");
+  fuzzRequire(areEqual(again->secret.bytes(), entry->secret.bytes()), "the secret is written as it was");
+  fuzzRequire(size % 64 != 0 || areEqual(record.bytes(), bytes), "an entry has one record");
+  return 0;
+}

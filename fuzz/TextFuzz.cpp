@@ -1,0 +1,84 @@
+#include <Foundation/Foundation.h>
+#include <Foundation/NSUnicode.h>
+#include <iconv.h>
+
+#include <optional>
+
+#include "fuzz/Fuzz.h"
+
+// Text conversions: beside those of the C library, which is strict, too, and against each other.
+namespace {
+
+/// What the C library makes of `input`; absent where it finds an ill-formed or cut sequence.
+std::optional<std::string> converted(const char* from, const char* to, std::string_view input) {
+  const iconv_t conversion = iconv_open(to, from);
+  std::string source(input), result(input.size() * 3, '\0');
+  char *in = source.data(), *out = result.data();
+  std::size_t inLeft = source.size(), outLeft = result.size();
+  const bool done = iconv(conversion, &in, &inLeft, &out, &outLeft) != static_cast<std::size_t>(-1);
+  iconv_close(conversion);
+  if (!done) return std::nullopt;
+  result.resize(result.size() - outLeft);
+  return result;
+}
+
+std::u16string unitsFrom(std::string_view bytes) {
+  std::u16string units;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                   static_cast<unsigned char>(bytes[i + 1]) << 8);
+  return units;
+}
+
+void fromUTF8(std::string_view bytes) {
+  const auto units = NSUTF16FromUTF8(bytes);
+  const auto theirs = converted("UTF-8", "UTF-16LE", bytes);
+  fuzzRequire(NSIsUTF8(bytes) == units.has_value(), "what is UTF-8 is converted");
+  fuzzRequire(units.has_value() == theirs.has_value(), "what is UTF-8 is the same for all");
+  if (!units) return;
+  fuzzRequire(*units == unitsFrom(*theirs), "UTF-8 is converted alike");
+  const RefPtr<NSString> text = NSString::stringWithUTF8String(bytes);
+  fuzzRequire(text->isEqual(NSString::stringWithCharacters(*units)), "both ways make one text");
+  fuzzRequire(text->UTF8String() == bytes, "UTF-8 comes back as it was");
+  fuzzRequire(text->isASCII() == NSIsASCII(bytes), "ASCII is kept as ASCII");
+}
+
+void fromUTF16(std::u16string_view units, std::string_view bytes) {
+  const auto utf8 = NSUTF8FromUTF16(units);
+  fuzzRequire(utf8 == converted("UTF-16LE", "UTF-8", bytes), "UTF-16 is converted alike");
+  const Ref<NSString> text = NSString::stringWithCharacters(units);
+  fuzzRequire(std::u16string(*text) == units, "units come back as they were");
+  fuzzRequire(text->UTF8String() == utf8, "a text converts as its units do");
+}
+
+/// Cut at every separator and put together again, a text is what it was.
+void takeApart(const Ref<NSString>& text, const Ref<NSString>& separator) {
+  RefPtr<NSString> joined;
+  for (const Ref<NSObject> piece : *text->componentsSeparatedByString(separator)) {
+    const Ref<NSString> next = dynamicCast<NSString>(piece);
+    joined = joined ? joined->stringByAppendingString(separator)->stringByAppendingString(next) : next;
+  }
+  fuzzRequire(text->isEqual(joined), "pieces and separators make the text");
+  fuzzRequire(text->hash() == joined->hash(), "equal texts have one hash");
+}
+
+void fillIn(const Ref<NSString>& format) {
+  try {
+    NSFormat(*format, {FormatArgument(format), FormatArgument(7)});
+  } catch (const NSException&) {
+    // a format that does not fit its arguments is refused this way
+  }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view bytes = FuzzInput(data, size).rest();
+  fromUTF8(bytes);
+  const std::u16string units = unitsFrom(bytes);
+  fromUTF16(units, bytes.substr(0, units.size() * 2));
+  const Ref<NSString> text = NSString::stringWithCharacters(units);
+  takeApart(text, NSString::stringWithCharacters(units.substr(0, 1)));
+  fillIn(text);
+  return 0;
+}

@@ -1,0 +1,179 @@
+// Calls that fail, one at a time, and disks that are full.
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include <csignal>
+
+#include "Calls.h"
+#include "Faults.h"
+
+namespace {
+
+const Held atFirst = {{"ann", "1"}, {"bob", "2"}};
+
+/// Something done to a store, and what the store holds once it is done.
+struct Deed {
+  const char* name;
+  OSStatus (*act)(const TemporaryPlace& temporary, Passwords& passwords);
+  Held after;
+};
+
+const Deed deeds[] = {
+    {"make",
+     [](const TemporaryPlace& temporary, Passwords& passwords) { return passwords.open(temporary.place); },
+     {}},
+    {"open",
+     [](const TemporaryPlace& temporary, Passwords& passwords) { return passwords.open(temporary.place); },
+     atFirst},
+    {"look up",
+     [](const TemporaryPlace&, Passwords& passwords) -> OSStatus {
+       Passwords::Found found;
+       const OSStatus status = passwords.look("ann", found);
+       return status == errSecSuccess && found != "1" ? OSStatus{errSecItemNotFound} : status;
+     },
+     atFirst},
+    {"add",
+     [](const TemporaryPlace&, Passwords& passwords) { return passwords.add("cy", std::string(9000, '3')); },
+     {{"ann", "1"}, {"bob", "2"}, {"cy", std::string(9000, '3')}}},
+    {"update",
+     [](const TemporaryPlace&, Passwords& passwords) { return passwords.update("ann", "4"); },
+     {{"ann", "4"}, {"bob", "2"}}},
+    {"remove",
+     [](const TemporaryPlace&, Passwords& passwords) { return passwords.remove("bob"); },
+     {{"ann", "1"}}},
+};
+
+struct Kind {
+  const char* name;
+  int kinds;
+  Calls::Fate fate;
+  bool lasts;
+};
+
+constexpr Kind kinds[] = {
+    {"read", Calls::reading, Calls::fail, false},
+    {"write", Calls::writing, Calls::fail, false},
+    {"write, disk full", Calls::writing, Calls::fill, true},
+    {"sync", Calls::syncing, Calls::fail, false},
+    {"open", Calls::opening, Calls::fail, false},
+    {"link or unlink", Calls::naming, Calls::fail, false},
+    {"memory", Calls::memory, Calls::fail, false},
+    {"random bytes", Calls::randomness, Calls::fail, false},
+};
+
+std::size_t openFiles() {
+  const std::filesystem::directory_iterator folder("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(folder), end(folder)));
+}
+
+OSStatus actWithFault(const Deed& deed, const Kind& kind, long nth, const TemporaryPlace& temporary,
+                      Passwords& passwords, bool& met) {
+  OSStatus status = errSecAllocate;
+  Calls::arm(kind.kinds, nth, kind.fate, kind.lasts);
+  try {
+    status = deed.act(temporary, passwords);
+  } catch (const std::bad_alloc&) {
+    // thrown by what this program itself wanted to keep
+  }
+  met = Calls::disarm();
+  return status;
+}
+
+/// False once no call was left to fail.
+bool tryOne(Report& report, const Deed& deed, const Kind& kind, long nth, const std::string& what) {
+  const TemporaryPlace temporary;
+  const bool making = std::string(deed.name) == "make";
+  Passwords passwords;
+  if (!making) {
+    passwords.open(temporary.place);
+    for (const auto& [account, password] : atFirst) passwords.add(account, password);
+    if (std::string(deed.name) == "open") passwords.storage.reset();
+  }
+  const std::size_t filesBefore = openFiles();
+  bool met = false;
+  const OSStatus status = actWithFault(deed, kind, nth, temporary, passwords, met);
+  if (passwords.storage)
+    report.expect(passwords.add("next", "5") == errSecSuccess, what + ": cannot be used again");
+  if (status != errSecSuccess && !making && passwords.storage)
+    report.expect(openFiles() <= filesBefore, what + ": a file was left open");
+  report.expect(passwords.open(temporary.place) == errSecSuccess, what + ": does not open again");
+  Held found = readAll(report, temporary, what);
+  found.erase("next");
+  const Held& before = making ? deed.after : atFirst;
+  // After a failed sync nobody knows what is on the disk: the change may have been kept, but as a whole.
+  const bool unsure = kind.kinds == Calls::syncing;
+  report.expect(found == deed.after || (status != errSecSuccess && found == before),
+                what + ": neither state");
+  report.expect(status == errSecSuccess || unsure || found == before,
+                what + ": changed in spite of " + std::to_string(status));
+  report.expect(!met || !kind.lasts || status == errSecDiskFull,
+                what + ": not \"full\" but " + std::to_string(status));
+  report.count(status == errSecSuccess ? "done all the same" : "answered with a status", met);
+  return met;
+}
+
+/// Adds until nothing more fits, and then goes on with what must still work.
+int fill(const TemporaryPlace& temporary) {
+  Passwords passwords;
+  if (passwords.open(temporary.place) != errSecSuccess) return 1;
+  const auto name = [](int number) { return "account " + std::to_string(number); };
+  OSStatus status = errSecSuccess;
+  int count = 0;
+  while ((status = passwords.add(name(count), std::string(700, 'x'))) == errSecSuccess) ++count;
+  if (status != errSecDiskFull || count < 20) return 2;
+  Held held;
+  if (passwords.all(held) != errSecSuccess || held.size() != static_cast<std::size_t>(count)) return 3;
+  for (int number = 0; number < count; ++number)
+    if (passwords.remove(name(number)) != errSecSuccess) return 4;
+  if (passwords.add("room again", "x") != errSecSuccess) return 5;
+  return passwords.storage->verify() == errSecSuccess ? 0 : 6;
+}
+
+int fillWithinLimit() {
+  const TemporaryPlace temporary;
+  const rlimit limit{300000, 300000};
+  ::signal(SIGXFSZ, SIG_IGN);
+  return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 ? fill(temporary) : 7;
+}
+
+constexpr int notAllowed = 77;
+
+/// In a small file system of its own, which goes with the process.
+int fillSmallDisk() {
+  const TemporaryPlace temporary;
+  const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
+  if (::unshare(spaces) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      ::mount("none", temporary.root.c_str(), "tmpfs", 0, "size=1m,mode=0700") != 0)
+    return notAllowed;
+  const int result = fill(temporary);
+  ::umount2(temporary.root.c_str(), MNT_DETACH);
+  return result;
+}
+
+}  // namespace
+
+void failures(Report& report, std::size_t step) {
+  for (const Deed& deed : deeds) {
+    for (const Kind& kind : kinds) {
+      const std::size_t pace = kind.kinds == Calls::memory ? step : 1;
+      for (std::size_t nth = 1;; nth += pace) {
+        const std::string what =
+            std::string(deed.name) + ", failing " + kind.name + " " + std::to_string(nth);
+        if (!tryOne(report, deed, kind, static_cast<long>(nth), what)) break;
+      }
+    }
+  }
+}
+
+void fullDisk(Report& report, std::size_t rounds) {
+  for (std::size_t round = 0; round < rounds; ++round) {
+    const int limited = waitFor(inChild(fillWithinLimit));
+    report.expect(limited == 0, "with a limit to the size of files: step " + std::to_string(limited));
+    const int small = waitFor(inChild(fillSmallDisk));
+    report.expect(small == 0 || small == notAllowed, "on a small disk: step " + std::to_string(small));
+    report.count("size limit");
+    report.count(small == notAllowed ? "small disk not allowed here" : "small disk");
+  }
+}

@@ -1,0 +1,169 @@
+// Writers that are killed, at any time and before any call that touches the disk.
+#include <sys/socket.h>
+
+#include <csignal>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "Calls.h"
+#include "Faults.h"
+
+namespace {
+
+enum Operation : unsigned { adding, updating, removing };
+
+/// A change that a writer is about to make or has been told of as made.
+struct Change {
+  unsigned done;
+  Operation operation;
+  unsigned account;
+  unsigned value;
+
+  std::string name() const { return "account " + std::to_string(account); }
+  /// Lengths from nothing to several pages of the file.
+  std::string password() const {
+    return std::string(value % 7 == 0 ? value % 9000 : value % 90, 'x') + std::to_string(value);
+  }
+};
+
+constexpr unsigned accountsEach = 40;
+constexpr int diskCalls = Calls::writing | Calls::syncing | Calls::opening | Calls::naming;
+
+OSStatus perform(Passwords& passwords, const Change& change) {
+  switch (change.operation) {
+    case adding:
+      return passwords.add(change.name(), change.password());
+    case updating:
+      return passwords.update(change.name(), change.password());
+    case removing:
+      break;
+  }
+  return passwords.remove(change.name());
+}
+
+void record(Held& held, const Change& change) {
+  if (change.operation == removing)
+    held.erase(change.name());
+  else
+    held[change.name()] = change.password();
+}
+
+/// Changes its own accounts until it is killed, and tells of each change before and after.
+int write(const TemporaryPlace& temporary, unsigned writer, unsigned long seed, long killedAt, int to) {
+  std::mt19937 random(static_cast<unsigned>(seed));
+  Passwords passwords;
+  if (passwords.open(temporary.place, Passwords::refuse) != errSecSuccess) return 1;
+  if (killedAt > 0) Calls::arm(diskCalls, killedAt, Calls::kill);
+  for (;;) {
+    Change change{};
+    change.operation = Operation(random() % 3);
+    change.account = writer * accountsEach + static_cast<unsigned>(random() % accountsEach);
+    change.value = static_cast<unsigned>(random());
+    if (::send(to, &change, sizeof change, 0) < 0) return 2;
+    const OSStatus status = perform(passwords, change);
+    const bool expected = status == errSecDuplicateItem || status == errSecItemNotFound;
+    if (status != errSecSuccess && !expected) return 3;
+    change.done = expected ? 2 : 1;
+    if (::send(to, &change, sizeof change, 0) < 0) return 2;
+  }
+}
+
+/// What one writer has told: all that is done is applied to `held`, and what was begun is left over.
+std::optional<Change> listen(int from, Held& held, Report& report) {
+  std::optional<Change> begun;
+  for (Change change; ::recv(from, &change, sizeof change, 0) == sizeof change;) {
+    begun.reset();
+    if (change.done == 0) begun = change;
+    if (change.done == 1) record(held, change);
+    report.count("acknowledged", change.done == 1);
+  }
+  return begun;
+}
+
+struct Writer {
+  pid_t process;
+  int from;
+};
+
+Writer start(const TemporaryPlace& temporary, unsigned number, unsigned long seed, long killedAt) {
+  int ends[2];
+  ::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends);
+  const pid_t process = inChild([&] {
+    ::close(ends[0]);
+    return write(temporary, number, seed, killedAt, ends[1]);
+  });
+  ::close(ends[1]);
+  return {process, ends[0]};
+}
+
+/// The store must hold what was acknowledged; of a change that was begun, all or nothing.
+void compare(Report& report, const Held& found, Held& held, const std::vector<std::optional<Change>>& begun,
+             const std::string& when) {
+  for (const auto& change : begun) {
+    if (!change) continue;
+    Held after = held;
+    record(after, *change);
+    const auto of = [&](const Held& where) {
+      return where.count(change->name()) ? where.at(change->name()) : "-";
+    };
+    if (of(found) == of(after)) held = after;
+  }
+  report.expect(found == held, when + ": an acknowledged change is lost or another is half done");
+}
+
+}  // namespace
+
+void kills(Report& report, std::size_t rounds) {
+  const TemporaryPlace temporary;
+  std::mt19937 random(1);
+  Held held;
+  Passwords().open(temporary.place);
+  for (std::size_t round = 0; round < rounds; ++round) {
+    std::vector<Writer> writers;
+    std::vector<std::optional<Change>> begun;
+    for (unsigned number = 0; number < 2; ++number)
+      writers.push_back(
+          start(temporary, number, random(), round % 2 ? 1 + static_cast<long>(random() % 300) : 0));
+    ::usleep(static_cast<useconds_t>(random() % 20000));
+    for (const Writer& writer : writers)
+      if (round % 2 == 0) ::kill(writer.process, SIGKILL);
+    for (const Writer& writer : writers) {
+      begun.push_back(listen(writer.from, held, report));
+      ::close(writer.from);
+      report.expect(waitFor(writer.process) == -SIGKILL, "a writer ended by itself");
+      report.count("killed");
+    }
+    const std::string when = "kill " + std::to_string(round);
+    compare(report, readAll(report, temporary, when), held, begun, when);
+  }
+}
+
+void creations(Report& report, std::size_t rounds) {
+  std::mt19937 random(2);
+  for (std::size_t round = 0; round < rounds; ++round) {
+    const TemporaryPlace temporary;
+    std::vector<pid_t> makers;
+    for (int number = 0; number < 8; ++number) {
+      const long killedAt = number < 4 ? 1 + static_cast<long>(random() % 30) : 0;
+      makers.push_back(inChild([&] {
+        Passwords passwords;
+        if (killedAt > 0) Calls::arm(diskCalls, killedAt, Calls::kill);
+        if (passwords.open(temporary.place) != errSecSuccess) return 1;
+        return passwords.add("account " + std::to_string(number), "x") == errSecSuccess ? 0 : 2;
+      }));
+    }
+    std::set<std::string> acknowledged;
+    for (std::size_t number = 0; number < makers.size(); ++number) {
+      const int result = waitFor(makers[number]);
+      report.expect(result == 0 || result == -SIGKILL, "a maker failed with " + std::to_string(result));
+      if (result == 0) acknowledged.insert("account " + std::to_string(number));
+      report.count(result == 0 ? "made or joined" : "killed");
+    }
+    const Held found = readAll(report, temporary, "creation " + std::to_string(round));
+    for (const std::string& account : acknowledged)
+      report.expect(found.count(account) == 1, "lost " + account);
+    for (const auto& item : std::filesystem::directory_iterator(temporary.root / "data"))
+      report.expect(item.path().string().find(temporary.place.store) == 0, "left over: " + item.path().string());
+  }
+}

@@ -1,0 +1,160 @@
+// Marked names and secrets, searched wherever a store could leave them.
+#include <fcntl.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <random>
+
+#include "Calls.h"
+#include "Faults.h"
+
+namespace {
+
+constexpr std::size_t markSize = 24;
+
+/// Made up after the process that is searched was started, so that it can hold them only as it was told.
+struct Marks {
+  Marks() {
+    std::random_device random;
+    for (std::string* mark : {&account, &service, &label, &secret})
+      while (mark->size() < markSize) *mark += static_cast<char>('a' + random() % 26);
+  }
+  std::string account, service, label, secret;
+};
+
+std::string wide(const std::string& text, bool mostSignificantFirst) {
+  std::string units;
+  for (const char letter : text) {
+    units += mostSignificantFirst ? std::string(1, '\0') + letter : std::string(1, letter) + '\0';
+  }
+  return units;
+}
+
+/// How many of the marks are in `content`, as bytes or in either order of wide text.
+std::size_t marksIn(const std::string& content, const Marks& marks) {
+  std::size_t found = 0;
+  for (const std::string& mark : {marks.account, marks.service, marks.label, marks.secret})
+    for (const std::string& form : {mark, wide(mark, true), wide(mark, false)})
+      found += content.find(form) != content.npos;
+  return found;
+}
+
+/// All that a process could read or write in its memory, as a core image of it would hold.
+std::string memoryOf(pid_t process) {
+  std::ifstream maps("/proc/" + std::to_string(process) + "/maps");
+  const int memory = ::open(("/proc/" + std::to_string(process) + "/mem").c_str(), O_RDONLY);
+  std::string image;
+  for (std::string line; std::getline(maps, line);) {
+    std::size_t start = 0, end = 0;
+    char rights[5] = {};
+    if (std::sscanf(line.c_str(), "%zx-%zx %4s", &start, &end, rights) != 3 || rights[1] != 'w') continue;
+    const std::size_t size = image.size();
+    image.resize(size + end - start);
+    const ssize_t got = ::pread64(memory, image.data() + size, end - start, static_cast<off64_t>(start));
+    image.resize(size + static_cast<std::size_t>(got < 0 ? 0 : got));
+  }
+  ::close(memory);
+  return image;
+}
+
+/// Takes a mark from the pipe straight into memory that is overwritten in the end.
+template <class Text>
+Text receive(int from) {
+  Text text(markSize, 0);
+  for (auto& unit : text) {
+    char letter = 0;
+    if (::read(from, &letter, 1) != 1) ::_exit(9);
+    unit = static_cast<typename Text::value_type>(letter);
+  }
+  return text;
+}
+
+SecEntry receiveEntry(int from) {
+  SecEntry entry;
+  entry.attributes.account = receive<SecText>(from);
+  entry.attributes.service = receive<SecText>(from);
+  entry.attributes.label = receive<SecText>(from);
+  entry.secret = SecSecret(markSize);
+  for (std::byte& byte : entry.secret.writableBytes())
+    if (::read(from, &byte, 1) != 1) ::_exit(9);
+  return entry;
+}
+
+/// Keeps the marked entry, stopping where it is to be looked at: holding it, in the middle of writing its
+/// journal, and with the store locked.
+int keep(const TemporaryPlace& temporary, int from) {
+  std::unique_ptr<SecFileStorage> storage;
+  if (SecFileStorage::open(temporary.place, Passwords::make, storage) != errSecSuccess) return 1;
+  {
+    const SecEntry entry = receiveEntry(from);
+    ::raise(SIGSTOP);
+    const auto insert = [&](SecTransaction& store) { return store.insert(entry); };
+    if (storage->transact(SecStorage::Access::change, insert) != errSecSuccess) return 2;
+    Calls::arm(Calls::naming, 1, Calls::stop);
+    const auto replace = [&](SecTransaction& store) -> OSStatus {
+      std::int64_t number = 0;
+      const OSStatus status = store.find(entry.attributes, [&](const SecRow& row) {
+        number = row.number;
+        return false;
+      });
+      return status == errSecSuccess ? store.replace(number, entry) : status;
+    };
+    if (storage->transact(SecStorage::Access::change, replace) != errSecSuccess) return 3;
+    Calls::disarm();
+  }
+  storage->lock();
+  ::raise(SIGSTOP);
+  return 0;
+}
+
+void goOn(pid_t process) {
+  int state = 0;
+  ::kill(process, SIGCONT);
+  ::waitpid(process, &state, WUNTRACED);
+}
+
+void look(Report& report, const TemporaryPlace& temporary, pid_t process, const Marks& marks) {
+  int state = 0;
+  ::waitpid(process, &state, WUNTRACED);
+  report.expect(marksIn(memoryOf(process), marks) >= 4, "the search does not find what a process holds");
+  goOn(process);
+  const std::string journal = readFile(temporary.place.store + "-journal");
+  report.expect(journal.size() > 1000 && marksIn(journal, marks) == 0, "in the journal, or there was none");
+  goOn(process);
+  report.expect(marksIn(memoryOf(process), marks) == 0,
+                "in the memory of a process that has locked its store");
+  report.count("memory searched");
+}
+
+}  // namespace
+
+void traces(Report& report, std::size_t rounds) {
+  for (std::size_t round = 0; round < rounds; ++round) {
+    const TemporaryPlace temporary;
+    const std::string output = temporary.root / "output";
+    int ends[2];
+    if (::pipe(ends) != 0) return report.expect(false, "no pipe");
+    const pid_t process = inChild([&] {
+      const int file = ::open(output.c_str(), O_CREAT | O_WRONLY, 0600);
+      ::dup2(file, 1);
+      ::dup2(file, 2);
+      return keep(temporary, ends[0]);
+    });
+    const Marks marks;
+    const std::string all = marks.account + marks.service + marks.label + marks.secret;
+    report.expect(::write(ends[1], all.data(), all.size()) == static_cast<ssize_t>(all.size()), "no pipe");
+    look(report, temporary, process, marks);
+    goOn(process);
+    std::size_t files = 0;
+    for (const auto& item : std::filesystem::recursive_directory_iterator(temporary.root)) {
+      files += item.is_regular_file();
+      report.expect(marksIn(item.path().string(), marks) == 0, "in the name " + item.path().string());
+      report.expect(item.is_directory() || marksIn(readFile(item.path()), marks) == 0,
+                    "in " + item.path().string());
+    }
+    report.expect(files == 3, "not the store, its key and what was said");
+    report.count("files searched", files);
+    ::close(ends[0]);
+    ::close(ends[1]);
+  }
+}
