@@ -41,10 +41,8 @@ std::vector<const CodecKernels*> detectKernels() {
   return found;
 }
 
-std::atomic<const CodecKernels*>& chosenKernels() {
-  static std::atomic<const CodecKernels*> chosen{availableKernels().back()};
-  return chosen;
-}
+// Null until the first use: a host's own static initialisers may already want a codec.
+constinit std::atomic<const CodecKernels*> chosen{nullptr};
 
 }  // namespace
 
@@ -53,14 +51,19 @@ std::span<const CodecKernels* const> availableKernels() {
   return available;
 }
 
-const CodecKernels& kernels() { return *chosenKernels().load(std::memory_order_relaxed); }
+const CodecKernels& kernels() {
+  const CodecKernels* set = chosen.load(std::memory_order_relaxed);
+  if (set) return *set;
+  chosen.compare_exchange_strong(set, availableKernels().back(), std::memory_order_relaxed);
+  return *chosen.load(std::memory_order_relaxed);
+}
 
 bool useKernels(std::string_view name) {
   const auto available = availableKernels();
   const auto found = std::find_if(available.begin(), available.end(),
                                   [&](const CodecKernels* set) { return set->name == name; });
   if (found == available.end()) return false;
-  chosenKernels().store(*found, std::memory_order_relaxed);
+  chosen.store(*found, std::memory_order_relaxed);
   return true;
 }
 
