@@ -21,23 +21,32 @@ Ref<NSString> encode(const NSData& data, VXKernels::Encode* kernel) {
   return encode(data, groups * radix.groupDigits, kernel);
 }
 
-/// Whether a last group of so many digits is one that whole bytes give.
-template <const Radix& radix>
-bool endsInWholeBytes(std::size_t digits) {
-  const std::size_t bytes = digits * radix.bits / 8;
+/// Whether the digits that so much padding leaves of a group are those that whole bytes give.
+constexpr bool leavesWholeBytes(std::size_t padding, const Radix& radix) {
+  if (padding >= radix.groupDigits) return false;
+  const std::size_t digits = radix.groupDigits - padding, bytes = digits * radix.bits / 8;
   return bytes > 0 && (bytes * 8 + radix.bits - 1) / radix.bits == digits;
+}
+
+/// One bit for each length of padding that a text may end in.
+constexpr unsigned rightPaddings(const Radix& radix) {
+  unsigned right = 0;
+  for (unsigned padding = 0; padding < radix.groupDigits; ++padding)
+    if (leavesWholeBytes(padding, radix)) right |= 1u << padding;
+  return right;
 }
 
 /// The text up to the padding at its end; absent when it is not whole groups, or the padding has a wrong
 /// length. Padding further in front is left for the kernel, to which it is no digit.
 template <const Radix& radix>
 std::optional<std::string_view> digitsOf(std::string_view text) {
-  if (text.size() % radix.groupDigits != 0) return std::nullopt;
-  const std::size_t digits = text.find_last_not_of(VXKernels::_padding) + 1;
+  std::size_t digits = text.size();
+  while (digits > 0 && text[digits - 1] == VXKernels::_padding) --digits;
   const std::size_t padding = text.size() - digits;
-  if (padding >= radix.groupDigits || !endsInWholeBytes<radix>(radix.groupDigits - padding))
-    return std::nullopt;
-  return text.substr(0, digits);
+  if (text.size() % radix.groupDigits != 0 || padding >= radix.groupDigits) return std::nullopt;
+  constexpr unsigned right = rightPaddings(radix);
+  if ((right >> padding & 1) == 0) return std::nullopt;
+  return std::string_view(text.data(), digits);
 }
 
 template <const Radix& radix>

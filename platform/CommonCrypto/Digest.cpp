@@ -34,7 +34,8 @@ Digest::Digest(const char* name) : algorithm_(EVP_MD_fetch(nullptr, name, nullpt
 }
 
 EVP_MD_CTX* Digest::begin() const {
-  thread_local const std::unique_ptr<EVP_MD_CTX, FreeContext> context(EVP_MD_CTX_new());
+  [[gnu::tls_model("initial-exec")]] thread_local const std::unique_ptr<EVP_MD_CTX, FreeContext> context(
+      EVP_MD_CTX_new());
   require(EVP_DigestInit_ex2(context.get(), algorithm_, nullptr));
   return context.get();
 }
