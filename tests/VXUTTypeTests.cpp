@@ -5,7 +5,6 @@
 #include <random>
 
 #include "Support.h"
-#include "VectorFile.h"
 #include "host/CountedAllocations.h"
 
 namespace {
@@ -87,11 +86,11 @@ struct Asked : NSFastEnumeration::Subclass<Asked> {
 }  // namespace
 
 TEST(VXUTType, DynamicIdentifiersDecodeAsTold) {
-  for (const auto& row : vectorFile("dynamic-identifiers.tsv")) {
+  for (const auto& row : byteVectors("dynamic-identifiers.tsv")) {
     EXPECT_EQ(decoded(row.at(0)), row.at(1)) << row[0];
     EXPECT_EQ(shownMap(row[0]), row[1] == "absent" ? "absent" : row.at(2)) << row[0];
   }
-  for (const auto& row : vectorFile("dynamic-texts.tsv"))
+  for (const auto& row : vectors("dynamic-texts.tsv"))
     EXPECT_EQ(shownMap(packed(row.at(0))), row.at(1)) << row[0];
   EXPECT_EQ(raised([] { decoded("dyn."); }), "NSRangeException");
 }
@@ -136,12 +135,12 @@ TEST(VXUTType, RandomPairsComeBackAndAreComparedAsSets) {
 
 TEST(VXUTType, ConformanceIsAsTold) {
   // "dyn.a" alone would be no dynamic identifier: an invalid body packs the empty text, too.
-  for (const auto& row : vectorFile("dynamic-conformance.tsv")) {
+  for (const auto& row : vectors("dynamic-conformance.tsv")) {
     const std::string type = row.at(0).empty() ? "dyn.ab" : packed(row[0]);
     const std::string other = row.at(1).empty() ? "dyn.aaaa" : packed(row[1]);
     EXPECT_EQ(conforms(type, other) ? "yes" : "no", row.at(2)) << row[0] << " to " << row[1];
   }
-  for (const auto& row : vectorFile("declared-facts.tsv"))
+  for (const auto& row : vectors("declared-facts.tsv"))
     EXPECT_EQ(conforms(row.at(0), row.at(1)) ? "yes" : "no", row.at(2)) << row[0] << " to " << row[1];
   for (const Text other : {Text("public.item"), Text("dyn.aqe8xc"), Text(nullptr)})
     EXPECT_FALSE(VXUTTypeConformsTo(nullptr, other) || VXUTTypeConformsTo(other, nullptr));
