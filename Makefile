@@ -26,3 +26,6 @@ bench:
 
 check-arm64:
 	scripts/check-arm64 $(ARGS)
+
+faults:
+	cmake --build --preset $(PRESET) --target faults
