@@ -28,4 +28,5 @@ check-arm64:
 	scripts/check-arm64 $(ARGS)
 
 faults:
+	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET) --target faults
