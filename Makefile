@@ -26,3 +26,7 @@ bench:
 
 check-arm64:
 	scripts/check-arm64 $(ARGS)
+
+faults:
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET) --target faults
