@@ -8,7 +8,8 @@ class RecordedAssertions {
   RecordedAssertions() { NSAssertionHandler::setCurrentHandler(handler_); }
   ~RecordedAssertions() { NSAssertionHandler::setCurrentHandler(nullptr); }
 
-  /// "Class selector unit:line description" of each failure since the last call.
+  /// "Class selector unit:line description" of each failure since the last call, with a + before a class
+  /// that was the receiver itself.
   std::vector<std::string> take() { return std::exchange(handler_->failures, {}); }
 
  private:
@@ -16,7 +17,9 @@ class RecordedAssertions {
     void handleFailureInMethod(const NSString& selector, const NSObject& object, const NSString& file,
                                std::size_t line, const NSString& description,
                                std::span<const FormatArgument> arguments) override {
-      const auto told = NSString::stringWithFormat("%@ %@ %@:%lu %@", NSStringFromClass(object.isa()),
+      const auto* receiver = dynamicCast<Class>(&object);
+      const auto told = NSString::stringWithFormat("%@%@ %@ %@:%lu %@", text(receiver ? "+" : ""),
+                                                   NSStringFromClass(receiver ? *receiver : object.isa()),
                                                    selector, file, line, NSFormat(description, arguments));
       failures.push_back(static_cast<std::string>(*told));
     }

@@ -144,11 +144,9 @@ TEST_F(ToolTerminalTest, APassphraseIsAskedForTwiceAndThenOpensTheStore) {
     run.type(again);
     EXPECT_EQ(run.end(), ending);
   }
-  for (const auto& [passphrase, ending] : {std::pair("pass\n", 1), {"pass phrase\n", 0}}) {
-    TerminalRun run("show --password" + entry());
-    run.expect("Passphrase of ");
-    run.type(passphrase);
-    EXPECT_EQ(run.end(), ending);
-    EXPECT_EQ(run.shown().find("first-secret") != std::string::npos, ending == 0);
-  }
+  TerminalRun run("show --password" + entry());
+  run.expect("Passphrase of ");
+  run.type("pass phrase\n");
+  EXPECT_EQ(run.end(), 0);
+  run.expect("first-secret");
 }

@@ -1,8 +1,7 @@
-#include <Foundation/NSAssertionHandler.h>
-
 #include <thread>
 
 #include "KeychainSupport.h"
+#include "RecordedAssertions.h"
 
 namespace {
 
@@ -57,20 +56,6 @@ template <class Made>
 std::string nameOf(const Made& made) {
   return std::string(made->isa().name());
 }
-
-/// Hands on to the test what failed, and returns.
-class Recorder : public NSAssertionHandler::Subclass<Recorder> {
- public:
-  void handleFailureInMethod(const NSString& selector, const NSObject& object, const NSString& file,
-                             std::size_t lineNumber, const NSString& description,
-                             std::span<const FormatArgument> arguments) override {
-    const auto* receiver = dynamicCast<Class>(&object);
-    failures.push_back((receiver ? "+" : "-") + std::string((receiver ? *receiver : object.isa()).name()) +
-                       " " + std::string(selector) + " " + std::string(file) + ":" +
-                       std::to_string(lineNumber) + " " + std::string(*NSFormat(description, arguments)));
-  }
-  std::vector<std::string> failures;
-};
 
 }  // namespace
 
@@ -141,52 +126,25 @@ TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereTha
   const auto empty = MailItem::alloc();
   const auto added = MailItem::keychainItemWithUsername("ann", "secret", nullptr, "m");
   ASSERT_TRUE(added->addItemToKeychain());
-  constexpr auto none = VXInternetKeychainItemProtocolNone;
-  const std::string satisfying = " Invalid parameter not satisfying: ";
-  const struct {
-    std::function<void()> misuse;
-    std::vector<std::string> failures;
-  } rows[] = {
-      {[&] { EXPECT_FALSE(empty->refreshItemFromKeychainIncludeData(true)); },
-       {"-MailItem refreshItemFromKeychainIncludeData:error: VXKeychainItem:174" + satisfying +
-        "self.keychainItemRequest != NULL"}},
-      {[&] { EXPECT_FALSE(empty->updateItemInKeychain()); },
-       {"-MailItem updateItemInKeychain: VXKeychainItem:210" + satisfying +
-            "self.keychainItemResponse != nil",
-        "-MailItem updateItemInKeychain: VXKeychainItem:211" + satisfying +
-            "self.keychainItemRequest != nil"}},
-      {[&] {
-         added->setKeychainItemResponse(nullptr);
-         EXPECT_TRUE(added->updateItemInKeychain());
-       },
-       {"-MailItem updateItemInKeychain: VXKeychainItem:210" + satisfying +
-        "self.keychainItemResponse != nil"}},
-      {[&] { EXPECT_TRUE(MailItem::findKeychainItemForUsername(nullptr, nullptr)->keychainItemRequest()); },
-       {"+MailItem findKeychainItemForUsername:serviceName: VXKeychainItem:315" + satisfying +
-            "username != nil",
-        "+MailItem findKeychainItemForUsername:serviceName: VXKeychainItem:316" + satisfying +
-            "serviceName != nil"}},
-      {[&] { SiteItem::findKeychainItemForUsername(nullptr, nullptr, nullptr, 0, none); },
-       {"+SiteItem findKeychainItemForUsername:server:path:port:protocol: VXKeychainItem:421" + satisfying +
-            "username != nil",
-        "+SiteItem findKeychainItemForUsername:server:path:port:protocol: VXKeychainItem:422" + satisfying +
-            "server != nil"}},
+  added->setKeychainItemResponse(nullptr);
+  const std::function<void()> misuses[] = {
+      [&] { EXPECT_FALSE(empty->refreshItemFromKeychainIncludeData(true)); },
+      [&] { EXPECT_FALSE(empty->updateItemInKeychain()); },
+      [&] { EXPECT_TRUE(added->updateItemInKeychain()); },
+      [] { EXPECT_TRUE(MailItem::findKeychainItemForUsername(nullptr, nullptr)->keychainItemRequest()); },
+      [] {
+        SiteItem::findKeychainItemForUsername(nullptr, nullptr, nullptr, 0,
+                                              VXInternetKeychainItemProtocolNone);
+      },
   };
-  for (const auto& row : rows) {
-    const auto recorder = Recorder::alloc();
-    NSAssertionHandler::setCurrentHandler(recorder);
-    row.misuse();
-    NSAssertionHandler::setCurrentHandler(nullptr);
-    EXPECT_EQ(recorder->failures, row.failures);
-    try {
-      row.misuse();
-      ADD_FAILURE() << "the default handler did not raise";
-    } catch (const NSException& exception) {
-      EXPECT_EQ(shown(exception.name()), shown(NSInternalInconsistencyException));
-      const std::string first = row.failures.front();
-      EXPECT_EQ(shown(exception.reason()), first.substr(first.find("Invalid")));
-    }
+  std::vector<std::vector<std::string>> failures;
+  for (const auto& misuse : misuses) {
+    EXPECT_EQ(raised(misuse), "NSInternalInconsistencyException");
+    RecordedAssertions assertions;
+    misuse();
+    for (const std::string& failure : assertions.take()) failures.push_back({failure});
   }
+  EXPECT_EQ(failures, vectors("keychain-assertions.tsv"));
 }
 
 TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
@@ -194,8 +152,7 @@ TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
   std::atomic<int> done = 0;
   for (int thread = 0; thread < 8; ++thread) {
     threads.emplace_back([thread, &done] {
-      const auto recorder = Recorder::alloc();
-      NSAssertionHandler::setCurrentHandler(recorder);
+      RecordedAssertions assertions;
       const auto name = text("user" + std::to_string(thread));
       for (int round = 0; round < 50; ++round) {
         const auto own = VXGenericKeychainItem::keychainItemWithUsername(name, name, nullptr, "own");
@@ -213,7 +170,7 @@ TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
         VXGenericKeychainItem::alloc()->refreshItemFromKeychainIncludeData(false);
         EXPECT_TRUE(VXUTTypeConformsTo("public.jpeg", "public.image"));
       }
-      EXPECT_EQ(recorder->failures.size(), 50u);
+      EXPECT_EQ(assertions.take().size(), 50u);
     });
   }
   for (std::thread& thread : threads) thread.join();

@@ -1,4 +1,6 @@
 #include <limits>
+#include <map>
+#include <sstream>
 #include <tuple>
 
 #include "KeychainSupport.h"
@@ -20,14 +22,62 @@ bool erase(VXKeychainItem& item, RefPtr<NSError>* error) { return item.deleteIte
 const Operation allOperations[] = {add, refresh, refreshWithData, update, erase};
 const Operation validatingOperations[] = {add, update, erase};
 
-Ref<VXGenericKeychainItem> genericItem(Text username = "ann", Text password = "secret", Text label = "Mail",
-                                       Text service = "mail") {
-  return VXGenericKeychainItem::keychainItemWithUsername(username, password, label, service);
+/// An item, or a question for one, as keychain-items.tsv writes it.
+class Written {
+ public:
+  explicit Written(const std::string& cell) {
+    std::istringstream words(cell);
+    words >> kind_;
+    for (std::string word; words >> word;)
+      fields_[word.substr(0, word.find('='))] = unescaped(word.substr(word.find('=') + 1));
+  }
+
+  Ref<VXPasswordKeychainItem> item() const {
+    const Ref<VXPasswordKeychainItem> made = make();
+    if (fields_.count("data")) made->setData(bytes(fields_.at("data")));
+    return made;
+  }
+
+  Ref<NSDictionary> query() const {
+    if (kind_ == "generic")
+      return VXGenericKeychainItem::queryDictionaryWithUsername(field("account"), field("service"));
+    return VXInternetKeychainItem::queryDictionaryWithUsername(field("account"), field("server"),
+                                                               field("path"), number("port"), protocol());
+  }
+
+ private:
+  Ref<VXPasswordKeychainItem> make() const {
+    if (kind_ == "generic")
+      return VXGenericKeychainItem::keychainItemWithUsername(field("account"), field("password"),
+                                                             field("label"), field("service"));
+    if (kind_ == "internet")
+      return VXInternetKeychainItem::keychainItemWithUsername(field("account"), field("password"),
+                                                              field("label"), field("server"), field("path"),
+                                                              number("port"), protocol());
+    const auto password = VXPasswordKeychainItem::alloc();
+    password->initWithUsername(field("account"), field("password"), field("label"));
+    return password;
+  }
+  RefPtr<NSString> field(const char* name) const {
+    return fields_.count(name) ? RefPtr<NSString>(text(fields_.at(name))) : nullptr;
+  }
+  std::int64_t number(const char* name) const {
+    return fields_.count(name) ? std::stoll(fields_.at(name)) : 0;
+  }
+  VXInternetKeychainItemProtocol protocol() const {
+    return static_cast<VXInternetKeychainItemProtocol>(number("protocol"));
+  }
+
+  std::string kind_;
+  std::map<std::string, std::string> fields_;
+};
+
+Ref<VXGenericKeychainItem> genericItem(Text password = "secret") {
+  return VXGenericKeychainItem::keychainItemWithUsername("ann", password, "Mail", "mail");
 }
 
-Ref<VXInternetKeychainItem> internetItem(std::int64_t port = 80, std::uint64_t protocol = 1,
-                                         Text server = "host", Text path = "/a") {
-  return VXInternetKeychainItem::keychainItemWithUsername("ann", "secret", nullptr, server, path, port,
+Ref<VXInternetKeychainItem> internetItem(std::int64_t port = 80, std::uint64_t protocol = 1) {
+  return VXInternetKeychainItem::keychainItemWithUsername("ann", "secret", nullptr, "host", "/a", port,
                                                           VXInternetKeychainItemProtocol(protocol));
 }
 
@@ -45,30 +95,39 @@ State stateOf(const VXKeychainItem& item) {
           item.keychainItemResponse().get()};
 }
 
+void expectError(const RefPtr<NSError>& error, std::int64_t code, const std::string& description,
+                 std::size_t entries) {
+  ASSERT_TRUE(error);
+  EXPECT_EQ(shown(error->domain()), shown(VXFoundationBundleIdentifier));
+  EXPECT_EQ(error->code(), code);
+  EXPECT_EQ(shown(error->userInfo()->objectForKey(NSLocalizedDescriptionKey)), description);
+  EXPECT_EQ(error->userInfo()->count(), entries);
+}
+
+class VXKeychainItemTest : public KeychainTest {
+ protected:
+  /// Calls `each` with the rows of one kind, and fails where there is none.
+  template <class Each>
+  static void forRows(const std::string& kind, Each&& each) {
+    int count = 0;
+    for (const auto& row : vectors("keychain-items.tsv")) {
+      if (row[0] != kind) continue;
+      SCOPED_TRACE(testing::PrintToString(row));
+      each(row);
+      ++count;
+    }
+    EXPECT_GT(count, 0);
+  }
+};
+
 }  // namespace
 
-using VXKeychainItemTest = KeychainTest;
-
 TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAsked) {
-  const struct {
-    OSStatus status;
-    std::int64_t code;
-    const char* description;
-  } rows[] = {
-      {errSecItemNotFound, -201,
-       "A keychain item matching the attributes could not be found in the keychain"},
-      {errSecDuplicateItem, -200, "The keychain item could not be added because it is a duplicate"},
-      {errSecParam, -200, "There was an unknown error while accessing your keychain"},
-      {errSecInteractionNotAllowed, -200, "There was an unknown error while accessing your keychain"},
-      {1, -200, "There was an unknown error while accessing your keychain"},
-      {std::numeric_limits<OSStatus>::min(), -200,
-       "There was an unknown error while accessing your keychain"},
-  };
-  for (const auto& row : rows) {
-    answerAlways(row.status);
+  forRows("status", [&](const auto& row) {
+    const auto status = static_cast<OSStatus>(std::stoll(row[1]));
+    answerAlways(status);
     for (const Operation operation : allOperations) {
-      SCOPED_TRACE(row.status);
-      const bool expected = operation == erase && row.status == errSecItemNotFound;
+      const bool expected = operation == erase && status == errSecItemNotFound;
       const auto item = bound(genericItem());
       const State before = stateOf(*item);
       logged.clear();
@@ -77,52 +136,52 @@ TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAske
       RefPtr<NSError> error;
       EXPECT_EQ(operation(*item, &error), expected);
       EXPECT_EQ(stateOf(*item), before);
-      EXPECT_EQ(logged, std::vector{"_VXKeychainItemCheckStatus Error: " + std::to_string(row.status)});
-      ASSERT_TRUE(error);
-      EXPECT_EQ(shown(error->domain()), shown(VXFoundationBundleIdentifier));
-      EXPECT_EQ(error->code(), row.code);
-      EXPECT_EQ(error->userInfo()->count(), 2u);
-      EXPECT_EQ(shown(error->userInfo()->objectForKey(NSLocalizedDescriptionKey)), row.description);
+      EXPECT_EQ(logged, std::vector{"_VXKeychainItemCheckStatus Error: " + row[1]});
+      expectError(error, std::stoll(row[2]), row[3], 2);
       const auto underlying = dynamicCast<NSError>(error->userInfo()->objectForKey(NSUnderlyingErrorKey));
       ASSERT_TRUE(underlying);
       EXPECT_EQ(shown(underlying->domain()), shown(NSOSStatusErrorDomain));
-      EXPECT_EQ(underlying->code(), row.status);
+      EXPECT_EQ(underlying->code(), status);
       EXPECT_EQ(shown(underlying->userInfo()),
-                shown(NSLocalizedDescriptionKey) + "=" + shown(SecCopyErrorMessageString(row.status)));
+                shown(NSLocalizedDescriptionKey) + "=" + shown(SecCopyErrorMessageString(status)));
     }
-  }
+  });
 }
 
 TEST_F(VXKeychainItemTest, IncompleteAttributesAreRefusedBeforeAnyStoreIsAsked) {
-  const auto notUTF8 = genericItem();
-  notUTF8->setData(bytes("\xff\xfe"));
-  const Ref<VXKeychainItem> items[] = {genericItem(nullptr),
-                                       genericItem(""),
-                                       genericItem("ann", nullptr),
-                                       genericItem("ann", ""),
-                                       genericItem("ann", "secret", "Mail", nullptr),
-                                       genericItem("ann", "secret", "Mail", ""),
-                                       notUTF8,
-                                       internetItem(80, 1, nullptr),
-                                       internetItem(80, 1, "")};
   const auto storage = answerAlways(errSecParam);
-  for (const auto& item : items) {
-    bound(item);
+  forRows("incomplete", [](const auto& row) {
+    const auto item = bound(Written(row[1]).item());
     const State before = stateOf(*item);
     for (const Operation operation : validatingOperations) {
       EXPECT_FALSE(operation(*item, nullptr));
       RefPtr<NSError> error;
       EXPECT_FALSE(operation(*item, &error));
-      ASSERT_TRUE(error);
-      EXPECT_EQ(error->code(), 0);
-      EXPECT_EQ(shown(error->domain()), shown(VXFoundationBundleIdentifier));
-      EXPECT_EQ(shown(error->userInfo()),
-                shown(NSLocalizedDescriptionKey) + "=The keychain attributes are invalid");
+      expectError(error, 0, "The keychain attributes are invalid", 1);
       EXPECT_EQ(stateOf(*item), before);
     }
-  }
+  });
   EXPECT_EQ(storage->transactions, 0);
   EXPECT_TRUE(logged.empty());
+}
+
+TEST_F(VXKeychainItemTest, MapsHoldWhatIsPresentInOrder) {
+  forRows("attributes", [](const auto& row) {
+    EXPECT_EQ(shown(Written(row[1]).item()->_createAttributesDictionary()), row[2]);
+  });
+  forRows("query", [](const auto& row) { EXPECT_EQ(shown(Written(row[1]).query()), row[2]); });
+}
+
+TEST_F(VXKeychainItemTest, EqualityIsOfTheFieldsAndOneSided) {
+  forRows("equal", [](const auto& row) {
+    const auto first = Written(row[1]).item(), second = bound(Written(row[2]).item());
+    const auto equal = [](const auto& a, const auto& b) { return a->isEqual(b) ? "yes" : "no"; };
+    EXPECT_EQ(std::string(equal(first, second)) + " " + equal(second, first), row[3]);
+  });
+  const auto item = genericItem();
+  EXPECT_FALSE(item->isEqual(nullptr));
+  EXPECT_FALSE(item->isEqual(text("ann")));
+  EXPECT_EQ(item->hash(), static_cast<const NSObject&>(*item).NSObject::hash());
 }
 
 TEST_F(VXKeychainItemTest, AnAddBindsTheItemToItsEntry) {
@@ -135,7 +194,7 @@ TEST_F(VXKeychainItemTest, AnAddBindsTheItemToItsEntry) {
   EXPECT_EQ(item->keychainItemResponse()->count(), 4u);
   EXPECT_EQ(shown(item->password()), "secret");
 
-  const auto twin = genericItem("ann", "other");
+  const auto twin = genericItem("other");
   EXPECT_FALSE(twin->addItemToKeychain(&untouched));
   EXPECT_EQ(untouched->code(), -200);
   EXPECT_FALSE(twin->keychainItemRequest() || twin->keychainItemResponse());
@@ -223,23 +282,6 @@ TEST_F(VXKeychainItemTest, AResponseFillsTheFields) {
   EXPECT_FALSE(generic->serviceName());
 }
 
-TEST_F(VXKeychainItemTest, MapsHoldWhatIsPresentInOrder) {
-  const auto query = [](std::int64_t port, std::uint64_t protocol, Text path = nullptr) {
-    return shown(VXInternetKeychainItem::queryDictionaryWithUsername(
-        "ann", "host", path, port, VXInternetKeychainItemProtocol(protocol)));
-  };
-  EXPECT_EQ(query(0, 0), "class=internet password account=ann server=host");
-  EXPECT_EQ(query(-1, 0, ""), "class=internet password account=ann server=host path=");
-  EXPECT_EQ(query(8, 3, "/"), "class=internet password account=ann server=host port=8 path=/ protocol=ftp");
-  EXPECT_EQ(shown(internetItem(-1, 0)->_createAttributesDictionary()),
-            "account=ann valueData=secret class=internet password server=host port=-1 path=/a");
-  EXPECT_EQ(shown(internetItem(0, 4, nullptr, nullptr)->_createAttributesDictionary()),
-            "account=ann valueData=secret class=internet password protocol=ssh");
-  EXPECT_EQ(shown(VXGenericKeychainItem::queryDictionaryWithUsername(nullptr, "s")),
-            "class=generic password service=s");
-  EXPECT_EQ(shown(VXGenericKeychainItem::alloc()->_createAttributesDictionary()), "class=generic password");
-}
-
 TEST_F(VXKeychainItemTest, AProtocolBeyondTheTableRaisesWhereverAMapIsMade) {
   const auto storage = answerAlways(errSecParam);
   for (const std::uint64_t protocol : {std::uint64_t{5}, std::numeric_limits<std::uint64_t>::max()}) {
@@ -268,39 +310,14 @@ TEST_F(VXKeychainItemTest, AProtocolBeyondTheTableRaisesWhereverAMapIsMade) {
   }
 }
 
-TEST_F(VXKeychainItemTest, EqualityIsOfTheFieldsAndOneSided) {
-  const auto equal = [](const Ref<VXKeychainItem>& a, const Ref<VXKeychainItem>& b) {
-    return std::pair(a->isEqual(b), b->isEqual(a));
-  };
-  const std::pair both(true, true), neither(false, false), first(true, false);
-  const auto password = VXPasswordKeychainItem::alloc();
-  password->initWithUsername("ann", "secret", "Mail");
-  EXPECT_EQ(equal(genericItem(), bound(genericItem())), both) << "the maps take no part";
-  EXPECT_EQ(equal(genericItem("ann", "secret", nullptr), genericItem("ann", "secret", nullptr)), both);
-  EXPECT_EQ(equal(password, genericItem()), first);
-  EXPECT_EQ(equal(genericItem(), genericItem("bob")), neither);
-  EXPECT_EQ(equal(genericItem(), genericItem("ann", "other")), neither);
-  EXPECT_EQ(equal(genericItem(), genericItem("ann", "secret", nullptr)), neither);
-  EXPECT_EQ(equal(genericItem(), genericItem("ann", "secret", "Mail", "chat")), neither);
-  EXPECT_EQ(equal(genericItem(), genericItem("ann", "secret", "Mail", nullptr)), neither);
-  EXPECT_EQ(equal(internetItem(), internetItem()), both);
-  EXPECT_EQ(equal(internetItem(80), internetItem(81)), neither);
-  EXPECT_EQ(equal(internetItem(80, 1), internetItem(80, 2)), neither);
-  EXPECT_EQ(equal(internetItem(80, 1, "host"), internetItem(80, 1, "h")), neither);
-  EXPECT_EQ(equal(internetItem(80, 1, "host", nullptr), internetItem()), neither);
-  EXPECT_FALSE(genericItem()->isEqual(nullptr));
-  EXPECT_FALSE(genericItem()->isEqual(text("ann")));
-  const auto item = genericItem();
-  EXPECT_EQ(item->hash(), static_cast<const NSObject&>(*item).NSObject::hash());
-}
-
 TEST_F(VXKeychainItemTest, TextsAndBytesAreCopiedAndMapsShared) {
   const auto grown = NSMutableString::stringWithString("a");
   const auto data = NSMutableData::dataWithBytes("s", 1);
   const auto item = VXGenericKeychainItem::alloc();
   ASSERT_TRUE(item->initWithUsernameData(grown, data, grown));
   item->setServiceName(grown);
-  const auto internet = internetItem(0, 0, grown, grown);
+  const auto internet = VXInternetKeychainItem::keychainItemWithUsername(grown, grown, grown, grown, grown, 0,
+                                                                         VXInternetKeychainItemProtocolNone);
   grown->appendString("b");
   data->appendBytes("t", 1);
   EXPECT_EQ(shown(item->username()) + shown(item->label()) + shown(item->serviceName()) + shown(item->data()),
@@ -309,7 +326,7 @@ TEST_F(VXKeychainItemTest, TextsAndBytesAreCopiedAndMapsShared) {
 }
 
 TEST_F(VXKeychainItemTest, APasswordIsTheUTF8OfItsText) {
-  const auto item = genericItem("ann", "\u00e9\U0001F511");
+  const auto item = genericItem("\u00e9\U0001F511");
   EXPECT_EQ(shown(item->data()), "\xc3\xa9\xf0\x9f\x94\x91");
   EXPECT_TRUE(item->data()->holdsSecret() && item->password()->holdsSecret());
   EXPECT_EQ(shown(item->password()), "\xc3\xa9\xf0\x9f\x94\x91");
