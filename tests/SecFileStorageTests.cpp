@@ -149,7 +149,7 @@ TEST(SecFileStorage, IsWhereTheEnvironmentSays) {
 }
 
 TEST(SecFileStorage, MakesPrivateFilesWhateverTheUmask) {
-  for (const mode_t mask : {0, 0777}) {
+  for (const mode_t mask : {mode_t{0}, mode_t{0777}}) {
     const TemporaryPlace temporary;
     const mode_t before = ::umask(mask);
     Passwords passwords;

@@ -1,5 +1,5 @@
-// What the operations of a credential store cost: medians, and for changes the ratio to appending to a file
-// and syncing it, measured in turn with them. store-benchmark FOLDER [--libsecret]
+// What the operations of a credential store cost: medians, and for changes the median of the ratios to
+// appending to a file and syncing it, each time just before. store-benchmark FOLDER [--libsecret]
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -56,10 +56,16 @@ class Journal {
   int file_;
 };
 
-void print(const Contestant& contestant, std::size_t held, const char* operation, Milliseconds time,
-           Milliseconds append) {
-  std::printf("| %-27s | %6zu | %-7s | %8.3f ms |", contestant.name().c_str(), held, operation, time);
-  append > 0 ? std::printf(" %5.1f |\n", time / append) : std::printf("       |\n");
+using Times = std::vector<Milliseconds>;
+
+void print(const Contestant& contestant, std::size_t held, const char* operation, const Times& times,
+           const Times& appends = {}) {
+  std::printf("| %-27s | %6zu | %-7s | %8.3f ms |", contestant.name().c_str(), held, operation,
+              median(times));
+  Times ratios;
+  for (std::size_t round = 0; round < std::min(times.size(), appends.size()); ++round)
+    ratios.push_back(times[round] / appends[round]);
+  ratios.empty() ? std::printf("       |\n") : std::printf(" %5.1f |\n", median(ratios));
   std::fflush(stdout);
 }
 
@@ -69,26 +75,27 @@ void requireAnswer(bool right) {
 
 void compete(Contestant& contestant, std::size_t held, Journal& journal) {
   contestant.fill(held);
-  std::vector<Milliseconds> appends, adds, updates, removes, hits, misses;
+  Times appends, adds, updates, removes, hits, misses;
   for (std::size_t round = 0; round < rounds; ++round) {
     const std::size_t account = held + round;
     appends.push_back(timed([&] { journal.append(); }));
     adds.push_back(timed([&] { contestant.add(account); }));
     updates.push_back(timed([&] { contestant.update(account); }));
-    if (round > 0) removes.push_back(timed([&] { contestant.remove(account); }));
+    removes.push_back(timed([&] { contestant.remove(account); }));
   }
+  contestant.add(held);
   // Apart from the changes: what waits for the disk comes back to cold caches.
   for (std::size_t round = 0; round < rounds; ++round) {
     hits.push_back(timed([&] { requireAnswer(contestant.look(held > 0 ? round * 7919 % held : 0)); }));
     misses.push_back(timed([&] { requireAnswer(!contestant.look(stranger + round)); }));
   }
   contestant.remove(held);
-  print(contestant, held, "append", median(appends), median(appends));
-  print(contestant, held, "add", median(adds), median(appends));
-  print(contestant, held, "update", median(updates), median(appends));
-  print(contestant, held, "delete", median(removes), median(appends));
-  print(contestant, held, "look up", median(hits), 0);
-  print(contestant, held, "miss", median(misses), 0);
+  print(contestant, held, "append", appends);
+  print(contestant, held, "add", adds, appends);
+  print(contestant, held, "update", updates, appends);
+  print(contestant, held, "delete", removes, appends);
+  print(contestant, held, "look up", hits);
+  print(contestant, held, "miss", misses);
 }
 
 void run(const std::string& folder, bool libsecret) {

@@ -16,7 +16,7 @@ namespace {
 struct Plan {
   int kinds = 0;
   long left = 0;
-  Calls::Fate fate = Calls::fail;
+  Calls::Fate fate = Calls::Fate::fail;
   bool lasts = false;
   bool met = false;
 } plan;
@@ -28,7 +28,7 @@ Function next(const char* name) {
 
 int errorOf(Calls::Kind kind) {
   if (kind == Calls::memory) return ENOMEM;
-  return plan.fate == Calls::fill ? ENOSPC : EIO;
+  return plan.fate == Calls::Fate::fill ? ENOSPC : EIO;
 }
 
 }  // namespace
@@ -44,9 +44,9 @@ bool Calls::disarm() {
 bool Calls::fails(Kind kind) noexcept {
   if (!(plan.kinds & kind) || (--plan.left > 0) || (plan.left < 0 && !plan.lasts)) return false;
   plan.met = true;
-  if (plan.fate == kill) ::raise(SIGKILL);
-  if (plan.fate == stop) ::raise(SIGSTOP);
-  if (plan.fate == stop) return false;
+  if (plan.fate == Fate::kill) ::raise(SIGKILL);
+  if (plan.fate == Fate::stop) ::raise(SIGSTOP);
+  if (plan.fate == Fate::stop) return false;
   errno = errorOf(kind);
   return true;
 }

@@ -5,7 +5,7 @@
 class Calls {
  public:
   enum Kind { reading = 1, writing = 2, syncing = 4, opening = 8, naming = 16, memory = 32, randomness = 64 };
-  enum Fate { fail, fill, kill, stop };  // with an error, with a full disk, or the whole process
+  enum class Fate { fail, fill, kill, stop };  // with an error, with a full disk, or the whole process
 
   /// Counts calls of these kinds from now on; the `nth` and, when it `lasts`, all after it meet their fate.
   static void arm(int kinds, long nth, Fate fate, bool lasts = false);

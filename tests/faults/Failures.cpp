@@ -53,14 +53,14 @@ struct Kind {
 };
 
 constexpr Kind kinds[] = {
-    {"read", Calls::reading, Calls::fail, false},
-    {"write", Calls::writing, Calls::fail, false},
-    {"write, disk full", Calls::writing, Calls::fill, true},
-    {"sync", Calls::syncing, Calls::fail, false},
-    {"open", Calls::opening, Calls::fail, false},
-    {"link or unlink", Calls::naming, Calls::fail, false},
-    {"memory", Calls::memory, Calls::fail, false},
-    {"random bytes", Calls::randomness, Calls::fail, false},
+    {"read", Calls::reading, Calls::Fate::fail, false},
+    {"write", Calls::writing, Calls::Fate::fail, false},
+    {"write, disk full", Calls::writing, Calls::Fate::fill, true},
+    {"sync", Calls::syncing, Calls::Fate::fail, false},
+    {"open", Calls::opening, Calls::Fate::fail, false},
+    {"link or unlink", Calls::naming, Calls::Fate::fail, false},
+    {"memory", Calls::memory, Calls::Fate::fail, false},
+    {"random bytes", Calls::randomness, Calls::Fate::fail, false},
 };
 
 std::size_t openFiles() {

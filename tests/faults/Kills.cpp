@@ -54,7 +54,7 @@ int write(const TemporaryPlace& temporary, unsigned writer, unsigned long seed, 
   std::mt19937 random(static_cast<unsigned>(seed));
   Passwords passwords;
   if (passwords.open(temporary.place, Passwords::refuse) != errSecSuccess) return 1;
-  if (killedAt > 0) Calls::arm(diskCalls, killedAt, Calls::kill);
+  if (killedAt > 0) Calls::arm(diskCalls, killedAt, Calls::Fate::kill);
   for (;;) {
     Change change{};
     change.operation = Operation(random() % 3);
@@ -148,7 +148,7 @@ void creations(Report& report, std::size_t rounds) {
       const long killedAt = number < 4 ? 1 + static_cast<long>(random() % 30) : 0;
       makers.push_back(inChild([&] {
         Passwords passwords;
-        if (killedAt > 0) Calls::arm(diskCalls, killedAt, Calls::kill);
+        if (killedAt > 0) Calls::arm(diskCalls, killedAt, Calls::Fate::kill);
         if (passwords.open(temporary.place) != errSecSuccess) return 1;
         return passwords.add("account " + std::to_string(number), "x") == errSecSuccess ? 0 : 2;
       }));
@@ -164,6 +164,7 @@ void creations(Report& report, std::size_t rounds) {
     for (const std::string& account : acknowledged)
       report.expect(found.count(account) == 1, "lost " + account);
     for (const auto& item : std::filesystem::directory_iterator(temporary.root / "data"))
-      report.expect(item.path().string().find(temporary.place.store) == 0, "left over: " + item.path().string());
+      report.expect(item.path().string().find(temporary.place.store) == 0,
+                    "left over: " + item.path().string());
   }
 }

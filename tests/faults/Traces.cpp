@@ -90,7 +90,7 @@ int keep(const TemporaryPlace& temporary, int from) {
     ::raise(SIGSTOP);
     const auto insert = [&](SecTransaction& store) { return store.insert(entry); };
     if (storage->transact(SecStorage::Access::change, insert) != errSecSuccess) return 2;
-    Calls::arm(Calls::naming, 1, Calls::stop);
+    Calls::arm(Calls::naming, 1, Calls::Fate::stop);
     const auto replace = [&](SecTransaction& store) -> OSStatus {
       std::int64_t number = 0;
       const OSStatus status = store.find(entry.attributes, [&](const SecRow& row) {
