@@ -1,5 +1,5 @@
 # The front door: each target is one command, and what it does is in its script.
-.PHONY: demo check bench check-arm64 clang sanitize tidy
+.PHONY: demo check bench check-arm64 clang faults sanitize tidy
 
 PRESET = release
 # What CTest is to pick or leave out, say ARGS="-R Base64".
@@ -28,5 +28,4 @@ check-arm64:
 	scripts/check-arm64 $(ARGS)
 
 faults:
-	cmake --preset $(PRESET)
-	cmake --build --preset $(PRESET) --target faults
+	scripts/faults
