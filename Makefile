@@ -1,5 +1,5 @@
 # The front door: each target is one command, and what it does is in its script.
-.PHONY: demo check bench check-arm64 clang faults sanitize tidy
+.PHONY: demo check bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
 
 PRESET = release
 # What CTest is to pick or leave out, say ARGS="-R Base64".
@@ -29,3 +29,16 @@ check-arm64:
 
 faults:
 	scripts/faults
+
+# Seconds a target: FUZZ_SECONDS=600 make fuzz
+fuzz:
+	scripts/fuzz
+
+coverage:
+	scripts/coverage
+
+reference:
+	scripts/reference
+
+prove:
+	scripts/prove

@@ -54,7 +54,8 @@ void fromUTF16(std::u16string_view units, std::string_view bytes) {
 /// Cut at every separator and put together again, a text is what it was.
 void takeApart(const Ref<NSString>& text, const Ref<NSString>& separator) {
   RefPtr<NSString> joined;
-  for (const Ref<NSObject> piece : *text->componentsSeparatedByString(separator)) {
+  const Ref<NSArray> pieces = text->componentsSeparatedByString(separator);
+  for (const Ref<NSObject> piece : *pieces) {
     const Ref<NSString> next = dynamicCast<NSString>(piece);
     joined = joined ? joined->stringByAppendingString(separator)->stringByAppendingString(next) : next;
   }

@@ -65,7 +65,7 @@ TEST(Frame, LanguagesComeInTheOrderOfGettext) {
            const auto found = variables.find(variable);
            return found == variables.end() ? nullptr : found->second.c_str();
          }))
-      names += (names.empty() ? "" : " ") + name;
+      names.append(names.empty() ? "" : " ").append(name);
     EXPECT_EQ(names, row[4]) << testing::PrintToString(row);
   }
 }

@@ -66,7 +66,8 @@ inline std::string shown(const RefPtr<NSObject>& object) {
   if (!map) return std::string(*object->description());
   std::string all;
   map->enumerateKeysAndObjectsUsingBlock([&](const Ref<NSObject>& key, const Ref<NSObject>& value, bool*) {
-    all += (all.empty() ? "" : " ") + shown(key) + "=" + shown(value);
+    if (!all.empty()) all += ' ';
+    all.append(shown(key)).append(1, '=').append(shown(value));
   });
   return all;
 }

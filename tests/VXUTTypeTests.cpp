@@ -54,8 +54,8 @@ std::string shownMap(std::string_view identifier) {
   const RefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*text(identifier));
   if (!map) return "absent";
   map->enumerateKeysAndObjectsUsingBlock([&](const Ref<NSObject>& key, const Ref<NSObject>& value, bool*) {
-    shown += (shown.empty() ? "" : ";") +
-             static_cast<std::string>(*NSString::stringWithFormat("%@=%@", key, value));
+    if (!shown.empty()) shown += ';';
+    shown.append(static_cast<std::string>(*NSString::stringWithFormat("%@=%@", key, value)));
   });
   return shown;
 }

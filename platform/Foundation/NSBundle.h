@@ -24,7 +24,7 @@ class FOUNDATION_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   /// The information file; empty when there is none.
   Ref<NSDictionary> infoDictionary() const;
 
-  /// The text for the key in the best of the user's languages that has it, from Resources/<language>.lproj;
+  /// The text for the key in the best of the user's languages that has it, from Resources/LANGUAGE.lproj;
   /// an absent table is "Localizable". Where there is none: the value if it is not empty, else the key. A
   /// nil key gives the value, or the empty text.
   Ref<NSString> localizedStringForKey(Text key, Text value, Text table) const;
