@@ -32,15 +32,15 @@ void registerEncoders(const std::string& operation) {
                  }};
   });
   contestant(operation, "Crypto++", Checks::all, [](std::size_t size) {
-    return Trial{
-        size, [bytes = randomBytes(size)] {
-          std::string text;
-          auto* encoder = new CryptoPP::Base32Encoder(new CryptoPP::StringSink(text));
-          encoder->Initialize(CryptoPP::MakeParameters(CryptoPP::Name::EncodingLookupArray(), alphabet));
-          CryptoPP::StringSource(reinterpret_cast<const CryptoPP::byte*>(bytes.data()), bytes.size(), true,
-                                 encoder);
-          return text;
-        }};
+    return Trial{size, [bytes = randomBytes(size)] {
+                   std::string text;
+                   auto* encoder = new CryptoPP::Base32Encoder(new CryptoPP::StringSink(text));
+                   encoder->IsolatedInitialize(
+                       CryptoPP::MakeParameters(CryptoPP::Name::EncodingLookupArray(), alphabet));
+                   CryptoPP::StringSource(reinterpret_cast<const CryptoPP::byte*>(bytes.data()), bytes.size(),
+                                          true, encoder);
+                   return text;
+                 }};
   });
 }
 
@@ -63,14 +63,14 @@ void registerDecoders(const std::string& operation) {
       CryptoPP::BaseN_Decoder::InitializeDecodingLookupArray(table.data(), alphabet, 32, true);
       return table;
     }();
-    return Trial{
-        size, [text = textOf(size)] {
-          std::string bytes;
-          auto* decoder = new CryptoPP::Base32Decoder(new CryptoPP::StringSink(bytes));
-          decoder->Initialize(CryptoPP::MakeParameters(CryptoPP::Name::DecodingLookupArray(), values.data()));
-          CryptoPP::StringSource(text, true, decoder);
-          return bytes;
-        }};
+    return Trial{size, [text = textOf(size)] {
+                   std::string bytes;
+                   auto* decoder = new CryptoPP::Base32Decoder(new CryptoPP::StringSink(bytes));
+                   decoder->IsolatedInitialize(
+                       CryptoPP::MakeParameters(CryptoPP::Name::DecodingLookupArray(), values.data()));
+                   CryptoPP::StringSource(text, true, decoder);
+                   return bytes;
+                 }};
   });
 }
 
