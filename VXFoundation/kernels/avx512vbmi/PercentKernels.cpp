@@ -1,18 +1,9 @@
-#include <immintrin.h>
-
 #include "VXFoundation/kernels/CodecKernels.h"
 #include "VXFoundation/kernels/Percent.h"
-#include "VXFoundation/kernels/Radix.h"
+#include "VXFoundation/kernels/avx512vbmi/Block.h"
 
 namespace VXKernels {
 namespace {
-
-constexpr std::size_t width = 64;
-
-struct alignas(width) Block {
-  unsigned char at[width];
-  __m512i vector() const { return _mm512_load_si512(at); }
-};
 
 /// One half of the 128 characters: zero for the unreserved ones, the top bit set for the others.
 constexpr Block reservedFrom(std::size_t first) {
@@ -20,20 +11,6 @@ constexpr Block reservedFrom(std::size_t first) {
   const CharacterSet unreserved = unreservedCharacters();
   for (std::size_t i = 0; i < width; ++i) half.at[i] = unreserved.has[first + i] ? 0 : 0x80;
   return half;
-}
-
-/// One half of the values of the 128 characters; what is no digit has its top bit set.
-constexpr Block valuesFrom(std::size_t first) {
-  Block half{};
-  const DigitValues values = digitValues(base16);
-  for (std::size_t i = 0; i < width; ++i) half.at[i] = values.of[first + i];
-  return half;
-}
-
-constexpr Block hexadecimalDigits() {
-  Block digits{};
-  for (std::size_t i = 0; i < width; ++i) digits.at[i] = static_cast<unsigned char>(base16.alphabet[i % 16]);
-  return digits;
 }
 
 /// Which byte of a block the output position stands for, when each takes three of them.
@@ -49,10 +26,6 @@ constexpr __mmask64 placesFrom(std::size_t first, std::size_t place) {
   for (std::size_t i = 0; i < width; ++i)
     if ((first + i) % 3 == place) places |= 1ull << i;
   return places;
-}
-
-__mmask64 firstBytes(std::size_t count) {
-  return _bzhi_u64(~0ull, static_cast<unsigned>(count < width ? count : width));
 }
 
 std::size_t storeChosen(std::byte* to, __mmask64 chosen, __m512i from) {
@@ -72,7 +45,7 @@ __mmask64 reservedIn(__m512i bytes) {
 template <std::size_t first>
 std::size_t storeThird(std::byte* text, __m512i bytes, __m512i firstPlaces, __mmask64 wanted,
                        __m512i reserved) {
-  static constexpr Block thirds = thirdsFrom(first * width), digits = hexadecimalDigits();
+  static constexpr Block thirds = thirdsFrom(first * width), digits = digitCharacters(base16);
   constexpr __mmask64 characterPlaces = placesFrom(first * width, 0),
                       highPlaces = placesFrom(first * width, 1);
   const __m512i spread = _mm512_permutexvar_epi8(thirds.vector(), bytes);
@@ -101,9 +74,9 @@ std::size_t encodeBlock(std::byte* text, __m512i bytes, __mmask64 wanted) {
   return static_cast<std::size_t>(end - text);
 }
 
-__m512i valuesOf(__m512i characters) {
-  static constexpr Block lower = valuesFrom(0), upper = valuesFrom(width);
-  const __m512i values = _mm512_permutex2var_epi8(lower.vector(), characters, upper.vector());
+/// The values of hexadecimal digits; the top bit is set for the other characters.
+__m512i hexadecimalValues(__m512i characters) {
+  const __m512i values = valuesOf<base16>(characters);
   return _mm512_or_si512(values, _mm512_and_si512(characters, _mm512_set1_epi8(-128)));
 }
 
@@ -132,9 +105,9 @@ std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* b
     __m512i decoded = characters;
     if (escapes != 0) {
       // Absent characters are read as NUL, which is no digit.
-      const __m512i high = valuesOf(_mm512_maskz_loadu_epi8(firstBytes(left - 1), text + i + 1));
+      const __m512i high = hexadecimalValues(_mm512_maskz_loadu_epi8(firstBytes(left - 1), text + i + 1));
       const __m512i low =
-          valuesOf(_mm512_maskz_loadu_epi8(left > 2 ? firstBytes(left - 2) : 0, text + i + 2));
+          hexadecimalValues(_mm512_maskz_loadu_epi8(left > 2 ? firstBytes(left - 2) : 0, text + i + 2));
       faults |= escapes & _mm512_movepi8_mask(_mm512_or_si512(high, low));
       const __m512i joined =
           _mm512_ternarylogic_epi64(_mm512_slli_epi16(high, 4), _mm512_set1_epi8(-16), low, 0xEA);

@@ -1,22 +1,13 @@
 // Eight digits of `bits` bits are `bits` bytes, so that every 64-bit lane holds a whole group of each
 // notation: encoding moves its bytes into a lane, most significant last, cuts the digits out of it and
 // looks them up; decoding goes back the same way.
-#include <immintrin.h>
-
 #include <cstdint>
 
 #include "VXFoundation/kernels/CodecKernels.h"
-#include "VXFoundation/kernels/Radix.h"
+#include "VXFoundation/kernels/avx512vbmi/Block.h"
 
 namespace VXKernels {
 namespace {
-
-constexpr std::size_t width = 64;
-
-struct alignas(width) Block {
-  unsigned char at[width];
-  __m512i vector() const { return _mm512_load_si512(at); }
-};
 
 /// The bytes of lane i, `bits` of them, in the order that makes the lane the number they stand for. It
 /// is its own inverse, but for where the bytes of the lanes are found.
@@ -41,24 +32,6 @@ constexpr Block digitShifts(std::size_t bits) {
   for (std::size_t i = 0; i < width; ++i) shifts.at[i] = static_cast<unsigned char>(bits * (7 - i % 8));
   return shifts;
 }
-
-/// The alphabet, repeated: a look-up takes six bits, of which the upper ones may belong to the digit before.
-constexpr Block digitCharacters(const Radix& radix) {
-  Block characters{};
-  for (std::size_t i = 0; i < width; ++i)
-    characters.at[i] = static_cast<unsigned char>(radix.alphabet[i % (1u << radix.bits)]);
-  return characters;
-}
-
-/// One half of the values of the 128 characters; what is no digit has its top bit set.
-constexpr Block valuesFrom(const Radix& radix, std::size_t first) {
-  Block half{};
-  const DigitValues values = digitValues(radix);
-  for (std::size_t i = 0; i < width; ++i) half.at[i] = values.of[first + i];
-  return half;
-}
-
-__mmask64 firstBytes(std::size_t count) { return _bzhi_u64(~0ull, static_cast<unsigned>(count)); }
 
 template <const Radix& radix>
 __m512i charactersOf(__m512i bytes) {
@@ -95,12 +68,6 @@ void encode(const std::byte* bytes, std::size_t count, char* text) {
     _mm512_storeu_si512(text, charactersOf<radix>(_mm512_loadu_si512(bytes)));
   for (; count > step; count -= step, bytes += step, text += width) encodePart<radix>(bytes, step, text);
   if (count > 0) encodePart<radix>(bytes, count, text);
-}
-
-template <const Radix& radix>
-__m512i valuesOf(__m512i characters) {
-  static constexpr Block lower = valuesFrom(radix, 0), upper = valuesFrom(radix, width);
-  return _mm512_permutex2var_epi8(lower.vector(), characters, upper.vector());
 }
 
 /// Joins neighbouring digits until a lane of 16, 32 or 64 bits holds a group of whole bytes.

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+
+/// What the base kernels of this set share. All of it stays inside each file: see CodecKernels.h.
+namespace VXKernels {
+namespace {
+
+constexpr std::size_t width = 32;
+
+/// A look-up table or a pattern, the same in both halves of a vector. Each half holds sixteen digits, which
+/// are `2 * bits` bytes, so that it holds whole groups of every notation.
+struct alignas(16) Half {
+  unsigned char at[16];
+  __m256i vector() const {
+    return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(at)));
+  }
+};
+
+}  // namespace
+}  // namespace VXKernels

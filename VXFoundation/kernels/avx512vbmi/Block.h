@@ -1,0 +1,48 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include "VXFoundation/kernels/Radix.h"
+
+/// What the kernels of this set share. All of it stays inside each file: see CodecKernels.h.
+namespace VXKernels {
+namespace {
+
+constexpr std::size_t width = 64;
+
+/// A table or a pattern of one vector.
+struct alignas(width) Block {
+  unsigned char at[width];
+  __m512i vector() const { return _mm512_load_si512(at); }
+};
+
+/// The first so many bytes of a vector, at most all.
+inline __mmask64 firstBytes(std::size_t count) {
+  return _bzhi_u64(~0ull, static_cast<unsigned>(count < width ? count : width));
+}
+
+/// The alphabet, repeated: a look-up takes six bits, of which the upper ones may belong to the digit before.
+constexpr Block digitCharacters(const Radix& radix) {
+  Block characters{};
+  for (std::size_t i = 0; i < width; ++i)
+    characters.at[i] = static_cast<unsigned char>(radix.alphabet[i % (1u << radix.bits)]);
+  return characters;
+}
+
+/// One half of the values of the 128 characters; what is no digit has its top bit set.
+constexpr Block valuesFrom(const Radix& radix, std::size_t first) {
+  Block half{};
+  const DigitValues values = digitValues(radix);
+  for (std::size_t i = 0; i < width; ++i) half.at[i] = values.of[first + i];
+  return half;
+}
+
+/// The values of characters by their low seven bits: who asks must still look at the eighth.
+template <const Radix& radix>
+__m512i valuesOf(__m512i characters) {
+  static constexpr Block lower = valuesFrom(radix, 0), upper = valuesFrom(radix, width);
+  return _mm512_permutex2var_epi8(lower.vector(), characters, upper.vector());
+}
+
+}  // namespace
+}  // namespace VXKernels
