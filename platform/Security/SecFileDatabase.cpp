@@ -18,59 +18,15 @@ constexpr std::size_t reserve = 256 * 1024;
 constexpr std::size_t pageSize = 4096;
 constexpr std::size_t headerSize = 100;
 
-OSStatus statusOfInputOutput(int code, int systemError) {
-  if (code == SQLITE_IOERR_NOMEM) return errSecAllocate;
-  const bool noRoom = systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
-  return noRoom ? errSecDiskFull : errSecIO;
-}
-
-/// SQLite takes what could not be read for corrupt; the disk may give it the next time.
-OSStatus statusOfCorruption(int systemError) {
-  const bool unread = systemError == EIO || systemError == ENXIO || systemError == ERANGE;
-  return unread ? errSecIO : errSecDecode;
-}
-
-OSStatus statusOf(int code, int systemError) {
-  switch (code & 0xFF) {
-    case SQLITE_NOMEM:
-      return errSecAllocate;
-    case SQLITE_FULL:
-      return errSecDiskFull;
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return errSecBusy;
-    case SQLITE_READONLY:
-      return errSecReadOnly;
-    case SQLITE_TOOBIG:
-      return errSecDataTooLarge;
-    case SQLITE_CANTOPEN:
-      return code == SQLITE_CANTOPEN_SYMLINK ? errSecNotPrivate : statusOfInputOutput(code, systemError);
-    case SQLITE_CORRUPT:
-      return statusOfCorruption(systemError);
-    case SQLITE_ERROR:
-    case SQLITE_NOTADB:
-    case SQLITE_CONSTRAINT:
-    case SQLITE_SCHEMA:
-      return errSecDecode;  // the tables are not what they were made as
-    default:
-      return statusOfInputOutput(code, systemError);
-  }
-}
-
-void check(int code) {
-  if (code == SQLITE_OK || code == SQLITE_ROW || code == SQLITE_DONE) return;
-  throw SecFailure{statusOf(code, errno)};
-}
-
 /// Reads the first bytes through SQLite: opening and closing the file here would drop the locks that other
 /// connections of this process hold on it.
 std::array<std::byte, headerSize> readHeader(sqlite3* connection) {
   sqlite3_file* file = nullptr;
-  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file));
+  secCheckSQLite(sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file));
   std::array<std::byte, headerSize> header{};
   const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
   if (code == SQLITE_IOERR_SHORT_READ) throw SecFailure{errSecInvalidKeychain};
-  check(code);
+  secCheckSQLite(code);
   return header;
 }
 
@@ -80,7 +36,7 @@ Integer headerField(SecView header, std::size_t offset) {
 }
 
 void set(sqlite3* connection, int option, int value) {
-  check(sqlite3_db_config(connection, option, value, nullptr));
+  secCheckSQLite(sqlite3_db_config(connection, option, value, nullptr));
 }
 
 }  // namespace
@@ -97,7 +53,7 @@ SecFileDatabase::SecFileDatabase() {
   run("PRAGMA page_size=4096");
   const std::string numbers = "PRAGMA application_id=" + std::to_string(secFileApplication) +
                               ";PRAGMA user_version=" + std::to_string(secFileFormat);
-  check(sqlite3_exec(connection_.get(), numbers.c_str(), nullptr, nullptr, nullptr));
+  secCheckSQLite(sqlite3_exec(connection_.get(), numbers.c_str(), nullptr, nullptr, nullptr));
   for (const char* statement : secFileSchema) run(statement);
 }
 
@@ -108,7 +64,7 @@ void SecFileDatabase::open(const char* path, int flags) {
                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | flags, nullptr);
   connection_.reset(connection);
   secRequire(connection != nullptr, errSecAllocate);
-  check(code);
+  secCheckSQLite(code);
 }
 
 /// Where the file could not be opened for writing, SQLite opens it for reading only, for whatever reason.
@@ -146,9 +102,9 @@ void SecFileDatabase::configure() {
   set(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0);
   set(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
   set(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0);
-  check(sqlite3_busy_handler(connection, wait, this));
+  secCheckSQLite(sqlite3_busy_handler(connection, wait, this));
   sqlite3_int64 none = 0;
-  check(sqlite3_file_control(connection, "main", SQLITE_FCNTL_MMAP_SIZE, &none));
+  secCheckSQLite(sqlite3_file_control(connection, "main", SQLITE_FCNTL_MMAP_SIZE, &none));
   run("PRAGMA cell_size_check=ON");
 }
 
@@ -172,7 +128,7 @@ int SecFileDatabase::wait(void* database, int tries) {
   return 1;
 }
 
-SecFileDatabase::Statement SecFileDatabase::use(const char* sql) {
+SecFileStatement SecFileDatabase::use(const char* sql) {
   auto& statement = statements_[sql];
   if (!statement) {
     sqlite3_stmt* made = nullptr;
@@ -180,13 +136,13 @@ SecFileDatabase::Statement SecFileDatabase::use(const char* sql) {
     const int code =
         sqlite3_prepare_v3(connection_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &made, nullptr);
     statement.reset(made);
-    check(code);
+    secCheckSQLite(code);
   }
-  return Statement(statement.get());
+  return SecFileStatement(statement.get());
 }
 
 void SecFileDatabase::checkSchema() {
-  Statement rows = use("SELECT sql FROM sqlite_schema ORDER BY name");
+  SecFileStatement rows = use("SELECT sql FROM sqlite_schema ORDER BY name");
   for (const char* expected : secFileSchema)
     secRequire(rows.step() && rows.text(0) == expected, errSecDecode);
   secRequire(!rows.step(), errSecDecode);
@@ -199,44 +155,6 @@ SecBytes SecFileDatabase::image() const {
   secRequire(pages != nullptr, errSecAllocate);
   const SecView bytes = std::as_bytes(std::span(pages.get(), static_cast<std::size_t>(size)));
   return {bytes.begin(), bytes.end()};
-}
-
-SecFileDatabase::Statement::~Statement() {
-  sqlite3_reset(statement_);
-  sqlite3_clear_bindings(statement_);
-}
-
-SecFileDatabase::Statement& SecFileDatabase::Statement::bind(std::int64_t value) {
-  check(sqlite3_bind_int64(statement_, ++bound_, value));
-  return *this;
-}
-
-SecFileDatabase::Statement& SecFileDatabase::Statement::bind(SecView bytes) {
-  // A null pointer would bind no value, which is another thing than an empty one.
-  const void* const start = bytes.empty() ? static_cast<const void*>("") : bytes.data();
-  check(sqlite3_bind_blob64(statement_, ++bound_, start, bytes.size(), SQLITE_STATIC));
-  return *this;
-}
-
-bool SecFileDatabase::Statement::step() {
-  errno = 0;
-  const int code = sqlite3_step(statement_);
-  check(code);
-  return code == SQLITE_ROW;
-}
-
-std::string_view SecFileDatabase::Statement::text(int column) const {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
-  return text ? std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)))
-              : std::string_view();
-}
-
-SecView SecFileDatabase::Statement::blob(int column) const {
-  const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(statement_, column));
-  if (bytes) return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
-  const int code = sqlite3_errcode(sqlite3_db_handle(statement_));
-  if (code == SQLITE_NOMEM) throw SecFailure{errSecAllocate};
-  return {};
 }
 
 SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : database_(database) {

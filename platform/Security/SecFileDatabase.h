@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include <Security/SecFileBytes.h>
+#include <Security/SecFileStatement.h>
 
 /// A connection to a store file, with every setting that a store wants. Errors of SQLite are thrown as
 /// SecFailure. Of one thread at a time, and of the process that opened it.
@@ -22,30 +22,8 @@ class SecFileDatabase {
   SecFileDatabase(const SecFileDatabase&) = delete;
   SecFileDatabase& operator=(const SecFileDatabase&) = delete;
 
-  /// A statement in use: values are bound in order, and it is free again when this goes.
-  class Statement {
-   public:
-    explicit Statement(sqlite3_stmt* statement) : statement_(statement) {}
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-    ~Statement();
-
-    Statement& bind(std::int64_t value);
-    Statement& bind(SecView bytes);
-    bool step();
-    void run() { static_cast<void>(step()); }
-    std::int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }
-    std::string_view text(int column) const;
-    /// Valid until the next step.
-    SecView blob(int column) const;
-
-   private:
-    sqlite3_stmt* statement_;
-    int bound_ = 0;
-  };
-
   /// Gives the statement of `sql`, a text that lives as long as the program.
-  Statement use(const char* sql);
+  SecFileStatement use(const char* sql);
   void run(const char* sql) { use(sql).run(); }
   /// Rows that the last statement changed.
   int changes() const { return sqlite3_changes(connection_.get()); }
