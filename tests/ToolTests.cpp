@@ -57,8 +57,7 @@ class ToolTest : public testing::TestWithParam<Case> {
     setenv("folder", folder_.c_str(), 1);
     setenv("LC_ALL", "C", 1);
     std::ofstream(folder_ / "script") << command << '\n';
-    const int status =
-        std::system("cd \"$folder/work\" && sh ../script </dev/null >../output 2>../message");
+    const int status = std::system("cd \"$folder/work\" && sh ../script </dev/null >../output 2>../message");
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
   std::string written(const char* name) { return contentOf(folder_ / name); }

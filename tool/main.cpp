@@ -1,6 +1,6 @@
 #include <VXFoundation/VXFoundation.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
@@ -12,7 +12,9 @@ namespace {
 constexpr int failed = 1;
 constexpr int wrongUsage = 2;
 
-int complain(const std::string& message, int status) {
+int complain(std::string message, int status) {
+  std::replace(message.begin(), message.end(), '\n',
+               ' ');  // an argument may hold it, and one line is promised
   std::cerr << "vxfoundation: " << message << std::endl;
   return status;
 }
@@ -27,7 +29,7 @@ std::string explain(CLI::App& app, const CLI::ParseError& error) {
   const CLI::App* last = reached(app);
   const bool expectsSubcommand = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
   const auto unknown = app.remaining(true);
-  if (expectsSubcommand && !unknown.empty() && unknown.front().front() != '-') {
+  if (expectsSubcommand && !unknown.empty() && !unknown.front().starts_with('-')) {
     return "there is no subcommand '" + unknown.front() + "'";
   }
   return error.what();
