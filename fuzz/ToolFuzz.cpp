@@ -27,13 +27,14 @@ class Surroundings {
     std::string name = std::filesystem::temp_directory_path() / "vxtool.XXXXXX";
     fuzzRequire(::mkdtemp(name.data()) != nullptr, "there is a temporary folder");
     folder_ = name;
-    std::filesystem::current_path(folder_);
     for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
       ::setenv(variable, name.c_str(), 1);
   }
   ~Surroundings() { std::filesystem::remove_all(folder_); }
 
   Outcome run(std::vector<std::string> arguments, std::string_view input) {
+    const std::filesystem::path usualFolder = std::filesystem::current_path();
+    std::filesystem::current_path(folder_);
     for (const auto& entry : std::filesystem::directory_iterator(folder_)) std::filesystem::remove_all(entry);
     replaceContent(in_, input);
     replaceContent(out_, "");
@@ -44,6 +45,7 @@ class Surroundings {
     std::streambuf* const usual = std::cerr.rdbuf(messages.rdbuf());
     const int status = toolMain(static_cast<int>(arguments.size()), pointers.data());
     std::cerr.rdbuf(usual);
+    std::filesystem::current_path(usualFolder);
     return {status, contentOf(out_), messages.str()};
   }
 
