@@ -2,6 +2,7 @@
 
 #include <expat.h>
 
+#include <array>
 #include <charconv>
 #include <fstream>
 #include <memory>
@@ -141,9 +142,12 @@ RefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml) { return
 
 RefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  std::string content(largestFile + 1, '\0');
-  file.read(content.data(), static_cast<std::streamsize>(content.size()));
-  content.resize(static_cast<std::size_t>(file.gcount()));
+  std::string content;
+  std::array<char, 8192> part{};
+  while (file.read(part.data(), part.size()) || file.gcount() > 0) {
+    content.append(part.data(), static_cast<std::size_t>(file.gcount()));
+    if (content.size() > largestFile) return nullptr;
+  }
   if (file.bad() || !file.eof()) return nullptr;
   return NSPropertyListWithData(std::as_bytes(std::span(content)));
 }
