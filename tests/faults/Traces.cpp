@@ -39,6 +39,9 @@ std::size_t marksIn(const std::string& content, const Marks& marks) {
   return found;
 }
 
+/// More than any process here uses: what a sanitizer reserves for its own notes.
+constexpr std::size_t reservation = std::size_t{64} << 30;
+
 /// All that a process could read or write in its memory, as a core image of it would hold.
 std::string memoryOf(pid_t process) {
   std::ifstream maps("/proc/" + std::to_string(process) + "/maps");
@@ -48,6 +51,7 @@ std::string memoryOf(pid_t process) {
     std::size_t start = 0, end = 0;
     char rights[5] = {};
     if (std::sscanf(line.c_str(), "%zx-%zx %4s", &start, &end, rights) != 3 || rights[1] != 'w') continue;
+    if (end - start >= reservation) continue;
     const std::size_t size = image.size();
     image.resize(size + end - start);
     const ssize_t got = ::pread64(memory, image.data() + size, end - start, static_cast<off64_t>(start));
