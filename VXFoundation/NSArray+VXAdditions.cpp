@@ -53,6 +53,7 @@ Ref<NSMutableArray> vxfoundation_combinationsJoined(const Ref<NSArray>& lists) {
   const std::vector<Ref<NSArray>> inner = listsOf(*lists);
   if (std::any_of(inner.begin(), inner.end(), [](const auto& list) { return list->count() == 0; }))
     return combinations;
+  wheels.reserve(inner.size());
   for (const Ref<NSArray>& list : inner) wheels.push_back(wheelOf(list));
   do combinations->addObject(combinationOf(wheels));
   while (turn(wheels));

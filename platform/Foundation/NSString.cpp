@@ -127,10 +127,11 @@ NSString::operator std::u16string() const {
 RefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
   if (wide_ && encoding == NSASCIIStringEncoding) return nullptr;
   if (!wide_) return NSData::dataWithBytes(storage_.units(), holdsSecret());
-  std::optional<std::string> bytes = UTF8String();
-  if (!bytes) return nullptr;
-  const Ref<NSData> data = NSData::dataWithBytes(std::as_bytes(std::span(*bytes)), holdsSecret());
-  if (holdsSecret()) explicit_bzero(bytes->data(), bytes->size());
+  std::optional<std::string> content = UTF8String();
+  if (!content) return nullptr;
+  const std::span<char> bytes(*content);
+  const Ref<NSData> data = NSData::dataWithBytes(std::as_bytes(bytes), holdsSecret());
+  if (holdsSecret()) explicit_bzero(bytes.data(), bytes.size());
   return data;
 }
 

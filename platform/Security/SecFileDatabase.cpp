@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto busyLimit = 5s;
-constexpr std::size_t reserve = 256 * 1024;
+constexpr std::size_t reserve = std::size_t{256} << 10;
 constexpr std::size_t pageSize = 4096;
 constexpr std::size_t headerSize = 100;
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t arenaSize = 64 * 1024;
+constexpr std::size_t arenaSize = std::size_t{64} << 10;
 constexpr std::size_t arenaBlock = 32;
 constexpr std::size_t largestInArena = 1024;
 
