@@ -35,6 +35,17 @@ Ref<NSString> stringWithUnits(std::string_view units) {
 
 Ref<NSString> stringWithUnits(std::u16string_view units) { return NSString::stringWithCharacters(units); }
 
+// Of a secret no copy is left behind, not even of the part before a fault.
+RefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
+  if (NSIsASCII(bytes)) return stringWithUnits(bytes);
+  if (secret && !NSIsUTF8(bytes)) return nullptr;
+  std::optional<std::u16string> units = NSUTF16FromUTF8(bytes);
+  if (!units) return nullptr;
+  RefPtr<NSString> text = stringWithUnits(*units);
+  if (secret) explicit_bzero(units->data(), NSStorage<char16_t>::bytesFor(text->length()));
+  return text;
+}
+
 [[noreturn]] void raiseRange(std::size_t index, std::size_t length) {
   NSException::raise(NSRangeException, "index %lu is beyond the text's length %lu", index, length);
 }
@@ -56,10 +67,7 @@ Ref<NSString> NSString::ofASCIILength(std::size_t length) {
 }
 
 RefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) {
-  if (NSIsASCII(bytes)) return stringWithUnits(bytes);
-  const std::optional<std::u16string> units = NSUTF16FromUTF8(bytes);
-  if (!units) return nullptr;
-  return stringWithCharacters(*units);
+  return stringFromUTF8(bytes, false);
 }
 
 RefPtr<NSString> NSString::stringWithUTF8String(const char* bytes) {
@@ -84,7 +92,7 @@ RefPtr<NSString> NSString::stringWithData(const RefPtr<NSData>& data, NSStringEn
   if (!data) return string();
   const std::string_view bytes(reinterpret_cast<const char*>(data->bytes().data()), data->length());
   if (encoding == NSASCIIStringEncoding && !NSIsASCII(bytes)) return nullptr;
-  RefPtr<NSString> text = stringWithUTF8String(bytes);
+  RefPtr<NSString> text = stringFromUTF8(bytes, data->holdsSecret());
   if (text) text->setHoldsSecret(data->holdsSecret());
   return text;
 }

@@ -80,7 +80,7 @@ std::optional<std::u16string> NSUTF16FromUTF8(std::string_view text) {
 
 std::optional<std::string> NSUTF8FromUTF16(std::u16string_view text) {
   std::string bytes;
-  bytes.reserve(text.size());
+  bytes.reserve(3 * text.size());  // as much as it may need: growing would leave a copy of a secret behind
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t value = text[i];
     if (isHighSurrogate(text[i]) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
