@@ -71,14 +71,16 @@ bool SecFileConnection::isCurrent() const { return judge(path_) == file_; }
 SecFileConnection::Content SecFileConnection::readContent() {
   const SecFileUnitOfWork reading(database_, false);
   database_.checkSchema();
-  content_.store = readStoreID(database_);
-  return {content_.store, readSlot()};
+  const SecStoreID store = readStoreID(database_);
+  return {store, readSlot(database_, store)};
 }
 
-SecFileSlot SecFileConnection::readSlot() {
-  auto row = database_.use("SELECT body FROM slot");
+SecFileSlot SecFileConnection::readSlot() { return readSlot(database_, store()); }
+
+SecFileSlot SecFileConnection::readSlot(SecFileDatabase& database, const SecStoreID& store) {
+  auto row = database.use("SELECT body FROM slot");
   secRequire(row.step(), errSecDecode);
-  const SecFileSlot slot = secDecodeSlot(row.blob(0), store());
+  const SecFileSlot slot = secDecodeSlot(row.blob(0), store);
   secRequire(!row.step(), errSecDecode);
   return slot;
 }

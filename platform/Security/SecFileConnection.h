@@ -31,6 +31,7 @@ class SecFileConnection {
     SecFileSlot slot;
   };
   Content readContent();
+  static SecFileSlot readSlot(SecFileDatabase& database, const SecStoreID& store);
 
   std::string path_;
   pid_t process_;
