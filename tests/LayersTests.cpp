@@ -1,14 +1,13 @@
 // The arrows between the layers, read off the sources themselves: vectors/layers.tsv says for each folder
 // what its files may include and which names they must not use.
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "Support.h"
 
 namespace {
 
@@ -19,16 +18,10 @@ struct Layer {
 };
 
 std::vector<Layer> readLayers() {
-  std::ifstream file(VX_VECTORS "/layers.tsv");
   std::vector<Layer> layers;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line.front() == '#') continue;
-    std::istringstream fields(line);
-    Layer next;
-    for (std::string* field : {&next.folder, &next.included, &next.forbidden}) {
-      std::getline(fields, *field, '\t');
-    }
-    layers.push_back(next);
+  for (auto& row : vectors("layers.tsv")) {
+    row.resize(3);
+    layers.push_back({row[0], row[1], row[2]});
   }
   return layers;
 }

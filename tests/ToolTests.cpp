@@ -1,6 +1,5 @@
 // The tool as a person meets it: each line of vectors/tool.tsv is a shell command with the exit status,
 // the output and the message that it must give. $tool is the tool; the folder is empty to begin with.
-#include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 
@@ -9,9 +8,10 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "Support.h"
 
 namespace {
 
@@ -29,16 +29,10 @@ std::string contentOf(const fs::path& path) {
 }
 
 std::vector<Case> readCases() {
-  std::ifstream file(VX_VECTORS "/tool.tsv");
   std::vector<Case> cases;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line.front() == '#') continue;
-    std::istringstream fields(line);
-    Case next;
-    for (std::string* field : {&next.name, &next.command, &next.status, &next.output, &next.message}) {
-      std::getline(fields, *field, '\t');
-    }
-    cases.push_back(next);
+  for (auto& row : vectors("tool.tsv")) {
+    row.resize(5);
+    cases.push_back({row[0], row[1], row[2], row[3], row[4]});
   }
   return cases;
 }
