@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// The codecs have several implementations of their inner loops, one for each instruction set; all give
 /// the same results. The library takes the fastest that the machine can run. These functions tell which,
 /// and change it, for tests and for finding faults; there is no other reason to call them.

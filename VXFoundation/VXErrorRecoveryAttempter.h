@@ -3,7 +3,7 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSErrorRecoveryAttempting.h>
 
-/// What an option does about an error; whether it recovered from it.
+/// What an option does about an error, which may be absent; whether it recovered from it.
 using VXErrorRecoveryBlock = NSBlock<bool(const RefPtr<NSError>& error)>;
 
 /// The class operation of attempters, for the class that receives it, so that a host's subclass makes
@@ -11,6 +11,7 @@ using VXErrorRecoveryBlock = NSBlock<bool(const RefPtr<NSError>& error)>;
 template <class Self, class Base>
 class [[gnu::visibility("default")]] VXErrorRecoveryAttempterLayer : public NSObjectLayer<Self, Base> {
  public:
+  /// The base to derive an attempter from.
   template <class Derived>
   using Subclass = VXErrorRecoveryAttempterLayer<Derived, Self>;
 
@@ -30,16 +31,20 @@ class FOUNDATION_EXPORT VXErrorRecoveryAttempter
     : public VXErrorRecoveryAttempterLayer<VXErrorRecoveryAttempter, NSObject>,
       public NSErrorRecoveryAttempting {
  public:
-  /// Whether the attempter can be used. Both lists are there, and empty, from allocation on.
+  /// The initialiser: whether the attempter can be used. Both lists are there, and empty, from allocation on.
   virtual bool init() { return true; }
 
   /// The lists themselves. The title at an index belongs to the action there; a host that changes one list
   /// alone breaks that, which is not checked.
+  ///@{
   const Ref<NSMutableArray>& titles() const noexcept { return titles_; }
   const Ref<NSMutableArray>& blocks() const noexcept { return blocks_; }
+  ///@}
   /// Replace a list by the one given, without a copy. Nil raises the invalid-argument exception.
+  ///@{
   void setTitles(const Ref<NSMutableArray>& titles) { titles_ = titles; }
   void setBlocks(const Ref<NSMutableArray>& blocks) { blocks_ = blocks; }
+  ///@}
 
   /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Asserts first the title, then the action. Where the
   /// assertion handler returns, the list that is given nil raises the invalid-argument exception.
@@ -52,11 +57,15 @@ class FOUNDATION_EXPORT VXErrorRecoveryAttempter
   Ref<NSArray> recoveryOptions() const { return titles_->copy(); }
 
   // The category VXFoundationDelegate.
-  /// Calls the action at the index and answers its result. Raises the range exception from the number of
-  /// actions on, and the invalid-argument exception when a host put something else into `blocks`.
+  /// Calls the action at the index, with the very error, and answers its result, or tells the delegate on
+  /// this thread before it returns. Raises the range exception from the number of actions on, and the
+  /// invalid-argument exception when a host put something else into `blocks`; the delegate hears nothing
+  /// then.
+  ///@{
   bool attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex) override;
   void attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex,
                                 const RefPtr<NSDidRecoverBlock>& delegate, void* contextInfo) override;
+  ///@}
   using NSErrorRecoveryAttempting::attemptRecoveryFromError;
 
  private:

@@ -1,6 +1,8 @@
 #pragma once
 
+/// @file
 /// Everything that a host needs.
+
 #include <CoreServices/UTType.h>
 #include <Foundation/Foundation.h>
 #include <VXFoundation/NSArray+VXAdditions.h>

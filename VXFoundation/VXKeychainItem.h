@@ -24,13 +24,14 @@ class FOUNDATION_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainIte
   /// initWithUsername:data:label:. Nothing is checked; texts and bytes are copied.
   virtual bool initWithUsernameData(Text username, const RefPtr<NSData>& data, Text label);
 
-  /// Whether the other is of the receiver's class or a subclass and has the same label, account and secret.
-  /// One-sided, therefore: an item of a subclass does not equal one of its base class. The hash stays the
-  /// one of the identity.
+  /// Whether the other is of the receiver's class or a subclass and has the same label, account and secret;
+  /// the maps do not count. One-sided, therefore: an item of a subclass does not equal one of its base class.
+  /// The hash stays the one of the identity.
   bool isEqual(const RefPtr<NSObject>& other) const override;
-  /// Whether the map has an account and a secret that are not empty. The spelling is part of the interface.
+  /// Whether the map, which may be absent, has an account and a secret that are not empty. The spelling is
+  /// part of the interface.
   virtual bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const;
-  /// A new map of the fields that are present.
+  /// A new map of the fields that are present, under the names in SecConstants.h.
   virtual Ref<NSMutableDictionary> _createAttributesDictionary() const;
   /// Keeps the very map and takes over its values: one that is absent clears its field, but the secret stays.
   virtual void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response);
@@ -38,7 +39,8 @@ class FOUNDATION_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainIte
   /// Adds an entry with the item's fields. The map that was asked with, secret included, becomes the request.
   virtual bool addItemToKeychain(RefPtr<NSError>* error = nullptr);
   /// Takes over what the store knows of the entry that the request finds; asserts that there is a request.
-  /// With data, the answer must have what a valid item has; without, the secret stays what it was.
+  /// With data, the answer must have what a valid item has; without, the secret stays what it was. Where the
+  /// assertion handler returns, an absent request is the error -200.
   virtual bool refreshItemFromKeychainIncludeData(bool includeData, RefPtr<NSError>* error = nullptr);
   /// Changes the entry that the request finds to the item's fields; asserts a response and a request. Both
   /// stay as they are.
@@ -47,17 +49,23 @@ class FOUNDATION_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainIte
   /// error -201 even so.
   virtual bool deleteItemFromKeychain(RefPtr<NSError>* error = nullptr);
 
+  /// The fields, each of which may be absent. Setters copy what they are given; no store is asked.
+  ///@{
   const RefPtr<NSString>& label() const { return label_; }
   void setLabel(Text label);
   const RefPtr<NSString>& username() const { return username_; }
   void setUsername(Text username);
   const RefPtr<NSData>& data() const { return data_; }
   void setData(const RefPtr<NSData>& data);
-  /// The maps are shared, not copied.
+  ///@}
+  /// The map that finds the entry and the last answer about it, each of which may be absent. They are shared,
+  /// not copied, and may hold the secret.
+  ///@{
   const RefPtr<NSDictionary>& keychainItemRequest() const { return keychainItemRequest_; }
   void setKeychainItemRequest(RefPtr<NSDictionary> request) { keychainItemRequest_ = std::move(request); }
   const RefPtr<NSDictionary>& keychainItemResponse() const { return keychainItemResponse_; }
   void setKeychainItemResponse(RefPtr<NSDictionary> response) { keychainItemResponse_ = std::move(response); }
+  ///@}
 
  private:
   RefPtr<NSMutableDictionary> validAttributes(RefPtr<NSError>* error) const;
@@ -72,16 +80,20 @@ class FOUNDATION_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainIte
 /// An item whose secret is a password: the UTF-8 encoding of a text that is not empty.
 class FOUNDATION_EXPORT VXPasswordKeychainItem : public VXKeychainItem::Subclass<VXPasswordKeychainItem> {
  public:
+  /// Nothing is checked, and each may be absent; see setPassword.
   virtual bool initWithUsername(Text username, Text password, Text label);
 
-  /// Absent when there is no secret or it is not UTF-8.
+  /// The secret as a new text, marked as a secret when the data is. Absent when there is no secret or it is
+  /// not UTF-8.
   RefPtr<NSString> password() const;
-  /// An absent text, or one that UTF-8 cannot tell, clears the secret.
+  /// Keeps the password's UTF-8 (RFC 3629), marked as a secret. An absent text, or one with an unpaired
+  /// surrogate, which UTF-8 cannot tell, clears the secret.
   void setPassword(Text password);
 
-  /// As refreshItemFromKeychainIncludeData.
+  /// refreshItemFromKeychainIncludeData, for hosts that know the data as a password.
   virtual bool refreshItemFromKeychainIncludePassword(bool includePassword, RefPtr<NSError>* error = nullptr);
 
+  /// As VXKeychainItem's, and whether the secret is UTF-8.
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
 };
 
@@ -92,10 +104,12 @@ class VXGenericKeychainItem;
 template <class Self, class Base>
 class [[gnu::visibility("default")]] VXGenericKeychainItemLayer : public NSObjectLayer<Self, Base> {
  public:
+  /// The base to derive a kind of generic item from.
   template <class Derived>
   using Subclass = VXGenericKeychainItemLayer<Derived, Self>;
 
-  /// A new item of the receiving class; absent when its initialiser says no.
+  /// A new item of the receiving class with these fields, each of which may be absent; absent itself when its
+  /// initialiser says no. No store is asked.
   static RefPtr<Self> keychainItemWithUsername(Text username, Text password, Text label, Text serviceName);
   /// An item without fields that holds the receiving class's query as its request, to be refreshed. It is a
   /// VXGenericKeychainItem whichever class is asked. Asserts both arguments; no store is asked.
@@ -107,17 +121,26 @@ class FOUNDATION_EXPORT VXGenericKeychainItem
     : public VXGenericKeychainItemLayer<VXGenericKeychainItem, VXPasswordKeychainItem> {
  public:
   using VXPasswordKeychainItem::initWithUsername;
+  /// Nothing is checked, and each may be absent; see setPassword.
   virtual bool initWithUsername(Text username, Text password, Text label, Text serviceName);
 
+  /// As VXPasswordKeychainItem's, with the service: it is compared, must be there and not be empty for a map
+  /// to be valid, is written beside the class, and is cleared by an answer without one.
+  ///@{
   bool isEqual(const RefPtr<NSObject>& other) const override;
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
   Ref<NSMutableDictionary> _createAttributesDictionary() const override;
   void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override;
+  ///@}
 
+  /// What the account is of; may be absent. The setter copies.
+  ///@{
   const RefPtr<NSString>& serviceName() const { return serviceName_; }
   void setServiceName(Text serviceName);
+  ///@}
 
-  /// A new query for the class and the arguments that are present.
+  /// A new query for the class and the arguments that are present. A subclass may hide it by its own, which
+  /// findKeychainItemForUsername then asks with.
   static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text serviceName);
 
  private:
@@ -132,26 +155,29 @@ class FOUNDATION_EXPORT VXGenericKeychainItem
 /// What an internet password is for. Other values can be held, but raise the invalid-argument exception
 /// where a map is made of them.
 enum VXInternetKeychainItemProtocol : std::uint64_t {
-  VXInternetKeychainItemProtocolNone,
-  VXInternetKeychainItemProtocolHTTP,
-  VXInternetKeychainItemProtocolHTTPS,
-  VXInternetKeychainItemProtocolFTP,
-  VXInternetKeychainItemProtocolSSH,
+  VXInternetKeychainItemProtocolNone,   ///< no kSecAttrProtocol in maps
+  VXInternetKeychainItemProtocolHTTP,   ///< kSecAttrProtocolHTTP
+  VXInternetKeychainItemProtocolHTTPS,  ///< kSecAttrProtocolHTTPS
+  VXInternetKeychainItemProtocolFTP,    ///< kSecAttrProtocolFTP
+  VXInternetKeychainItemProtocolSSH,    ///< kSecAttrProtocolSSH
 };
 
 /// The class operations of internet items; see VXGenericKeychainItemLayer.
 template <class Self, class Base>
 class [[gnu::visibility("default")]] VXInternetKeychainItemLayer : public NSObjectLayer<Self, Base> {
  public:
+  /// The base to derive a kind of internet item from.
   template <class Derived>
   using Subclass = VXInternetKeychainItemLayer<Derived, Self>;
 
-  /// A new item of the receiving class; absent when its initialiser says no.
+  /// A new item of the receiving class with these fields, each text of which may be absent; absent itself
+  /// when its initialiser says no. No store is asked.
   static RefPtr<Self> keychainItemWithUsername(Text username, Text password, Text label, Text server,
                                                Text path, std::int64_t port,
                                                VXInternetKeychainItemProtocol protocol);
   /// An item of the receiving class without fields that holds that class's query as its request, to be
-  /// refreshed. Asserts the account and the server; no store is asked.
+  /// refreshed. Asserts the account and the server; no store is asked. Raises the invalid-argument exception
+  /// for a protocol that is none.
   static Ref<Self> findKeychainItemForUsername(Text username, Text server, Text path, std::int64_t port,
                                                VXInternetKeychainItemProtocol protocol);
 };
@@ -161,26 +187,33 @@ class FOUNDATION_EXPORT VXInternetKeychainItem
     : public VXInternetKeychainItemLayer<VXInternetKeychainItem, VXPasswordKeychainItem> {
  public:
   using VXPasswordKeychainItem::initWithUsername;
+  /// Nothing is checked, the protocol neither, and each text may be absent; see setPassword.
   virtual bool initWithUsername(Text username, Text password, Text label, Text server, Text path,
                                 std::int64_t port, VXInternetKeychainItemProtocol protocol);
 
+  /// As VXPasswordKeychainItem's, and whether server, path, port and protocol are the same.
   bool isEqual(const RefPtr<NSObject>& other) const override;
+  /// As VXPasswordKeychainItem's, and whether there is a server that is not empty.
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
-  /// Writes any port but 0. Raises the invalid-argument exception for a protocol that is none.
+  /// Writes the class, and any port but 0. Raises the invalid-argument exception for a protocol that is none.
   Ref<NSMutableDictionary> _createAttributesDictionary() const override;
+  /// An answer without server, path or port clears that field; one without a protocol leaves it.
   void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override;
   /// The protocol of a value of kSecAttrProtocol; none for any other text.
   virtual VXInternetKeychainItemProtocol _VXInternetKeychainItemProtocolFromType(Text type) const;
 
+  /// Where the account is: texts that may be absent, and are copied by the setters; a port, where 0 is none;
+  /// a protocol, which is not checked here.
+  ///@{
   const RefPtr<NSString>& server() const { return server_; }
   void setServer(Text server);
   const RefPtr<NSString>& path() const { return path_; }
   void setPath(Text path);
-  /// 0 is none.
   std::int64_t port() const { return port_; }
   void setPort(std::int64_t port) { port_ = port; }
   VXInternetKeychainItemProtocol protocol() const { return protocol_; }
   void setProtocol(VXInternetKeychainItemProtocol protocol) { protocol_ = protocol; }
+  ///@}
 
   /// A new query for the class and the arguments that are present, the port only when it is above 0. Raises
   /// the invalid-argument exception for a protocol that is none.

@@ -3,6 +3,7 @@
 #include <Foundation/NSData.h>
 #include <Foundation/NSString.h>
 
+/// @file
 /// Percent-encoding for pieces of URLs (RFC 3986, section 2.1). Only the unreserved characters (section
 /// 2.3: letters, digits, "-", ".", "_", "~") stand for themselves; every other byte, the space included,
 /// becomes "%" and two upper-case hexadecimal digits. All are pure and safe on any thread.

@@ -5,7 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
-enum CCHmacAlgorithm : std::uint32_t { kCCHmacAlgSHA1 = 0 };
+/// The digest under a HMAC.
+enum CCHmacAlgorithm : std::uint32_t {
+  kCCHmacAlgSHA1 = 0,  ///< SHA-1 (FIPS 180)
+};
 
 /// Writes the HMAC (RFC 2104) of the data under the key, of any length, to `mac`: 20 bytes for SHA-1, the
 /// only algorithm there is. Nothing of the key stays in memory. Safe on any thread.

@@ -7,10 +7,13 @@
 /// One digest algorithm of libcrypto, looked up once in the process. Safe on any thread.
 class Digest {
  public:
+  /// RFC 1321 and FIPS 180. Where libcrypto does not offer one, it ends the process with a message.
+  ///@{
   static const Digest& MD5();
   static const Digest& SHA1();
+  ///@}
 
-  /// Writes the digest of the parts, one after the other.
+  /// Writes the digest of the parts, one after the other, to as many bytes as the algorithm gives.
   template <class... Parts>
   void of(unsigned char* digest, const Parts&... parts) const {
     EVP_MD_CTX* const context = begin();
@@ -18,9 +21,10 @@ class Digest {
     require(EVP_DigestFinal_ex(context, digest, nullptr));
   }
 
+  /// A run of bytes to be digested.
   struct Part {
-    const void* bytes;
-    std::size_t length;
+    const void* bytes;   ///< The first one; null for none.
+    std::size_t length;  ///< In bytes.
   };
 
  private:

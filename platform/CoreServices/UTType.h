@@ -5,13 +5,14 @@
 /// The domain of the errors of UTTypeDeclareTypesInFile.
 FOUNDATION_EXPORT extern const Ref<NSString> UTTypeErrorDomain;
 
+/// The codes of those errors: what the file holds.
 enum UTTypeError : std::int64_t {
-  UTTypeErrorUnreadable = 1,  // no information file
-  UTTypeErrorMalformed,       // a declaration that is none
-  UTTypeErrorItself,          // a type that conforms to itself
-  UTTypeErrorContradiction,   // a type that is declared otherwise already
-  UTTypeErrorCycle,           // types that conform to one another
-  UTTypeErrorTooMany,         // more pairs of a type and one that it conforms to than 100,000
+  UTTypeErrorUnreadable = 1,  ///< no information file
+  UTTypeErrorMalformed,       ///< a declaration that is none
+  UTTypeErrorItself,          ///< a type that conforms to itself
+  UTTypeErrorContradiction,   ///< a type that is declared otherwise already
+  UTTypeErrorCycle,           ///< types that conform to one another
+  UTTypeErrorTooMany,         ///< more pairs of a type and one that it conforms to than 100,000
 };
 
 /// Whether the type is the other one, or one that conforms to it: by its declaration, or because a type

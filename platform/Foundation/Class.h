@@ -10,6 +10,7 @@
 /// each class in the process, whichever shared object asks; it is never let go of.
 class FOUNDATION_EXPORT Class final : public NSObject {
  public:
+  /// The class of classes.
   static Class& classObject();
   Class& isa() const override { return classObject(); }
 
@@ -20,8 +21,10 @@ class FOUNDATION_EXPORT Class final : public NSObject {
   std::string_view name() const noexcept { return name_; }
   /// Null for the root class.
   Class* superclass() const noexcept { return superclass_; }
+  /// Whether this is the other class, or one below it. The cost grows with the classes between.
   bool isSubclassOfClass(const Class& other) const noexcept;
 
+  /// The name.
   Ref<NSString> description() const override;
 
  private:
@@ -32,6 +35,7 @@ class FOUNDATION_EXPORT Class final : public NSObject {
   Class* superclass_;
 };
 
+/// The name of the class as a text, without namespaces.
 FOUNDATION_EXPORT Ref<NSString> NSStringFromClass(const Class& receiver);
 
 template <class Self, class Base>
@@ -40,7 +44,9 @@ Class& NSObjectLayer<Self, Base>::classObject() {
   return ofSelf;
 }
 
-/// The object as one of class T, or absent when it is none.
+/// The object as one of class T; absent, or null, when it is none. A plain pointer gives one that does not
+/// share in the object.
+///@{
 template <class T, class U>
 RefPtr<T> dynamicCast(const RefPtr<U>& object) {
   const bool fits = object && object->isKindOfClass(T::classObject());
@@ -50,8 +56,8 @@ template <class T, class U>
 RefPtr<T> dynamicCast(const Ref<U>& object) {
   return dynamicCast<T>(static_cast<const RefPtr<U>&>(object));
 }
-/// The same for a plain pointer, without sharing in the object.
 template <class T>
 const T* dynamicCast(const NSObject* object) {
   return object && object->isKindOfClass(T::classObject()) ? static_cast<const T*>(object) : nullptr;
 }
+///@}

@@ -1,6 +1,8 @@
 #pragma once
 
+/// @file
 /// All of the platform layer's foundation.
+
 #include <Foundation/Class.h>
 #include <Foundation/NSArray.h>
 #include <Foundation/NSAssertionHandler.h>

@@ -23,8 +23,9 @@ template <class Result, class... Arguments>
 class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
     : public NSObject::Subclass<NSBlock<Result(Arguments...)>> {
  public:
+  /// Keeps the callable, which must not be empty: `implicitly` makes an absent block of such a one.
+  ///@{
   explicit NSBlock(std::function<Result(Arguments...)> callable) : callable_(std::move(callable)) {}
-
   template <class Callable>
   requires(!NSIsHandle<std::remove_cvref_t<Callable>> &&
            !std::same_as<std::remove_cvref_t<Callable>, std::nullptr_t> &&
@@ -34,7 +35,9 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
     if (!held) return nullptr;
     return NSBlock::alloc(std::move(held));
   }
+  ///@}
 
+  /// Calls the callable and answers its result; what it throws passes through.
   Result operator()(Arguments... arguments) const { return callable_(std::forward<Arguments>(arguments)...); }
 
   /// A block is fixed: another reference.

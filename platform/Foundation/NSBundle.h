@@ -18,6 +18,8 @@ class FOUNDATION_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   /// The bundle in a folder, named in UTF-8; absent when the folder holds no resources.
   static RefPtr<NSBundle> bundleWithPath(Text path);
 
+  /// The folder: for code that is loaded absolute and without links, else as it was given. Empty when it
+  /// is not UTF-8.
   Ref<NSString> bundlePath() const;
   /// Absent when the information file has none.
   RefPtr<NSString> bundleIdentifier() const;
@@ -33,6 +35,7 @@ class FOUNDATION_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   template <class Self>
   friend class NSAllocated;
 
+  /// A bundle in the folder, which need not be there.
   explicit NSBundle(std::string folder) : folder_(std::move(folder)) {}
 
  private:

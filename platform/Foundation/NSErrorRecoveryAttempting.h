@@ -5,8 +5,10 @@
 
 /// The keys of an error's user information for the object that can recover from it, which implements
 /// NSErrorRecoveryAttempting, and for the list of the titles of its options.
+///@{
 FOUNDATION_EXPORT extern const Ref<NSString> NSRecoveryAttempterErrorKey;
 FOUNDATION_EXPORT extern const Ref<NSString> NSLocalizedRecoveryOptionsErrorKey;
+///@}
 
 /// What is told of the outcome of a recovery: whether it was one, and the context unchanged.
 using NSDidRecoverBlock = NSBlock<void(bool didRecover, void* contextInfo)>;

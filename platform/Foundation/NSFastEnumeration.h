@@ -10,10 +10,15 @@
 /// Hosts derive collections of their own from it.
 class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnumeration> {
  public:
+  /// The number of elements at this moment.
   virtual std::size_t count() const = 0;
 
+  /// One pass over a collection, which it does not share in and which must outlive it. Comparing it with the
+  /// end raises the generic exception when the collection has changed since the walk began.
   class Iterator {
    public:
+    /// What the algorithms of the standard library ask of an input iterator.
+    ///@{
     using iterator_category = std::input_iterator_tag;
     using value_type = Ref<NSObject>;
     using difference_type = std::ptrdiff_t;
@@ -32,6 +37,7 @@ class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnum
       if (collection_->changes() != changes_) collection_->raiseMutation();
       return index_ >= collection_->count();
     }
+    ///@}
 
    private:
     const NSFastEnumeration* collection_;
@@ -39,8 +45,11 @@ class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnum
     std::size_t index_ = 0;
   };
 
+  /// The walk, for a range for loop.
+  ///@{
   Iterator begin() const { return Iterator(*this); }
   std::default_sentinel_t end() const { return {}; }
+  ///@}
 
  protected:
   /// An object below `count`, in the order of the walk.

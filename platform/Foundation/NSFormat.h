@@ -10,6 +10,8 @@
 /// One argument of a format: an object or nil, or an integer. Holds no share in the object.
 class FormatArgument {
  public:
+  /// An integer of any width, or an object in any spelling that Object takes, but for a literal.
+  ///@{
   template <std::signed_integral Integer>
   FormatArgument(Integer value) noexcept : kind_(Kind::signedInteger), integer_(value) {}
   template <std::unsigned_integral Integer>
@@ -18,14 +20,21 @@ class FormatArgument {
   requires(std::convertible_to<const Value&, Object> && !std::is_array_v<Value>)
       FormatArgument(const Value& object)
   noexcept : object_(object) {}
+  ///@}
 
+  /// Which of the three kinds it is of. A boolean is unsigned.
+  ///@{
   bool isObject() const noexcept { return kind_ == Kind::object; }
   bool isSigned() const noexcept { return kind_ == Kind::signedInteger; }
   bool isUnsigned() const noexcept { return kind_ == Kind::unsignedInteger; }
+  ///@}
 
+  /// The value; nil or 0 for an argument of another kind.
+  ///@{
   Object object() const noexcept { return object_; }
   long long signedInteger() const noexcept { return integer_; }
   unsigned long long unsignedInteger() const noexcept { return unsignedInteger_; }
+  ///@}
 
  private:
   enum class Kind { object, signedInteger, unsignedInteger };
@@ -36,8 +45,11 @@ class FormatArgument {
   unsigned long long unsignedInteger_ = 0;
 };
 
-/// The format with its directives filled in, in order: %@ an object's description, "(null)" for nil; %d a
-/// signed decimal; %lu an unsigned one; %% a per cent sign. An unknown directive, a missing or left-over
-/// argument or one of the wrong kind raises the invalid-argument exception.
+/// The format with its directives filled in, in order: `%@` an object's description, "(null)" for nil; `%d`
+/// a signed decimal; `%lu` an unsigned one; `%%` a per cent sign. An unknown directive, a missing or
+/// left-over argument or one of the wrong kind raises the invalid-argument exception.
+///@{
 FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments);
-FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format, std::initializer_list<FormatArgument> arguments);
+FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format,
+                                         std::initializer_list<FormatArgument> arguments);
+///@}

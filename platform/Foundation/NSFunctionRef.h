@@ -17,6 +17,8 @@ class NSFunctionRef;
 template <class Result, class... Arguments>
 class NSFunctionRef<Result(Arguments...)> {
  public:
+  /// Nil, or what the class says; the callable is not copied.
+  ///@{
   constexpr NSFunctionRef(std::nullptr_t) noexcept {}
 
   template <class Callable>
@@ -31,9 +33,12 @@ class NSFunctionRef<Result(Arguments...)> {
       object_ = std::addressof(callable);
     call_ = &call<Target>;
   }
+  ///@}
 
+  /// Whether it is not nil.
   explicit operator bool() const noexcept { return call_ != nullptr; }
 
+  /// Calls the callable and answers its result; what it throws passes through.
   Result operator()(Arguments... arguments) const {
     if (!call_) NSRaiseNilReference();
     return call_(*this, std::forward<Arguments>(arguments)...);

@@ -23,8 +23,8 @@ enum class NSEquality { identity, hashed, custom };
 
 /// Memory behind an object, in the same block.
 struct NSTail {
-  std::byte* start;
-  std::size_t size;
+  std::byte* start;  ///< The first byte, just behind the object.
+  std::size_t size;  ///< In bytes.
 };
 
 /// The root of all classes. An object lives on the heap, is shared through Ref and RefPtr and let go of
@@ -43,15 +43,20 @@ class FOUNDATION_EXPORT NSObject {
   /// and a hash of its own that agree names itself here; see NSEquality.
   using HashAgreesWithEquality = NSObject;
 
+  /// The class itself, as an object.
   static Class& classObject();
 
   /// The class that the object was made of.
   virtual Class& isa() const;
+  /// Whether it was made of the class or of one below it.
   bool isKindOfClass(const Class& other) const noexcept;
 
   /// Whether the object equals another, which may be absent; here, whether it is the same one.
   virtual bool isEqual(const RefPtr<NSObject>& other) const;
+  /// The place in tables: the same for equal objects, which an override of isEqual has to see to, and for as
+  /// long as the object is in one. Here, made of the address.
   virtual std::size_t hash() const;
+  /// What is known of isEqual; each class's layer answers this.
   virtual NSEquality equality() const { return NSEquality::identity; }
 
   /// A text for people; here, the name of the class and the address.
@@ -62,21 +67,30 @@ class FOUNDATION_EXPORT NSObject {
   /// A new growable object. Raises the invalid-argument exception for a class that has no growable kind.
   Ref<NSObject> mutableCopy() const { return mutableCopyObject(); }
 
+  /// Add a reference and take one away, the last one with the object. For the handles alone: hosts hold Ref
+  /// and RefPtr. Safe from any thread.
+  ///@{
   void retain() const noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
   void release() const noexcept {
     // The only reference has nobody to race with: that saves short-lived objects an interlocked operation.
     if (count_.load(std::memory_order_acquire) == 1 || count_.fetch_sub(1, std::memory_order_acq_rel) == 1)
       letGo();
   }
+  ///@}
 
+  /// Gives back a block, with what is behind the object.
   static void operator delete(void* block) noexcept { ::operator delete(block); }
 
  protected:
   NSObject() = default;
   virtual ~NSObject() = default;
 
+  /// What copy and mutableCopy answer; a class with a fixed or growable kind overrides them. Here, another
+  /// reference, and the invalid-argument exception.
+  ///@{
   virtual Ref<NSObject> copyObject() const;
   virtual Ref<NSObject> mutableCopyObject() const;
+  ///@}
 
   /// A block for an object of `size` bytes and `tail` bytes behind it; throws std::bad_alloc.
   static void* allocateBlock(std::size_t size, std::size_t tail);
@@ -123,11 +137,15 @@ struct NSMemberClass<Type Declaring::*> {
 template <class Self, class Base>
 class [[gnu::visibility("default")]] NSObjectLayer : public Base {
  public:
+  /// The base to derive a class below Self from.
   template <class Derived>
   using Subclass = NSObjectLayer<Derived, Self>;
 
+  /// The class Self, as an object; one in the process, whichever shared object asks.
   static Class& classObject();
+  /// Self, or what a class below it answers.
   Class& isa() const override { return classObject(); }
+  /// Found when compiling, from what Self says of its isEqual and hash.
   NSEquality equality() const override { return equalityOfSelf(); }
 
   /// A new object, before its initialiser ran. Hosts use factories, which run it.

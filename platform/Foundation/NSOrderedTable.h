@@ -10,19 +10,24 @@
 /// dictionaries are made of. Looking up and putting in take constant time, taking out is linear.
 class FOUNDATION_EXPORT NSOrderedTable {
  public:
+  /// A key and what is kept for it.
   struct Row {
-    Ref<NSObject> key;
-    RefPtr<NSObject> value;
-    std::size_t hash;
+    Ref<NSObject> key;       ///< Different from all others.
+    RefPtr<NSObject> value;  ///< Absent in a set.
+    std::size_t hash;        ///< The key's, as it was when it was put in.
   };
 
+  /// All rows, in order; until the next change.
   const std::vector<Row>& rows() const noexcept { return rows_; }
   /// The row whose key equals `key`: asks the key in the table.
   std::optional<std::size_t> indexOf(const RefPtr<NSObject>& key) const;
   /// Replaces the value where the key is there, which keeps its place; else adds a row at the end.
   void put(const Ref<NSObject>& key, const RefPtr<NSObject>& value);
+  /// Take out the row at an index, which must be one, or all of them.
+  ///@{
   void removeAt(std::size_t index);
   void removeAll();
+  ///@}
 
  private:
   std::optional<std::size_t> indexOf(const RefPtr<NSObject>& key, std::size_t hash) const;

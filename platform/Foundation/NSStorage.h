@@ -20,6 +20,7 @@ class NSStorage {
   static constexpr std::size_t unitSize = sizeof(Unit);
 
  public:
+  /// Starts, empty, in the tail, which must be aligned for the units.
   explicit NSStorage(NSTail tail) noexcept
       : units_(reinterpret_cast<Unit*>(tail.start)), capacity_(tail.size / unitSize) {}
   NSStorage(const NSStorage&) = delete;
@@ -32,10 +33,14 @@ class NSStorage {
     return count * unitSize;
   }
 
+  /// The units in place, until they move out; how many there are, and how many there is room for.
+  ///@{
   std::span<Unit> units() const noexcept { return {units_, count_}; }
   std::size_t count() const noexcept { return count_; }
   std::size_t capacity() const noexcept { return capacity_; }
+  ///@}
 
+  /// Cuts, or adds units that hold anything.
   void setCount(std::size_t count) {
     reserve(count);
     count_ = count;
@@ -49,9 +54,10 @@ class NSStorage {
     return units_ + (count_ - count);
   }
 
+  /// Appends a copy of the units, which may be this storage's own.
   void append(std::span<const Unit> added) {
     if (added.empty()) return;
-    // The added units may be this storage's own, which growing would move away.
+    // Growing would move its own units away.
     if (added.data() >= units_ && added.data() < units_ + count_) {
       const std::ptrdiff_t offset = added.data() - units_;
       Unit* place = grow(added.size());
@@ -61,6 +67,7 @@ class NSStorage {
     }
   }
 
+  /// Makes room for as many units in all; throws std::bad_alloc.
   void reserve(std::size_t capacity) {
     if (capacity <= capacity_) return;
     auto* moved = static_cast<Unit*>(::operator new(bytesFor(capacity)));
@@ -71,8 +78,11 @@ class NSStorage {
     outgrown_ = true;
   }
 
+  /// Whether every place that is left from now on is cleansed.
+  ///@{
   bool holdsSecret() const noexcept { return secret_; }
   void setHoldsSecret(bool secret) noexcept { secret_ = secret; }
+  ///@}
 
  private:
   void leave() noexcept {

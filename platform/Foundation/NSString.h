@@ -14,21 +14,29 @@ class NSArray;
 class NSData;
 class NSMutableString;
 
-enum NSStringEncoding : unsigned { NSASCIIStringEncoding = 1, NSUTF8StringEncoding = 4 };
+/// How a text is told in bytes, strictly: nothing is replaced or left out.
+enum NSStringEncoding : unsigned {
+  NSASCIIStringEncoding = 1,  ///< 7 bits
+  NSUTF8StringEncoding = 4,   ///< RFC 3629
+};
 
 /// A text, counted and indexed in 16-bit code units, which may hold unpaired surrogates, NUL and a leading
 /// byte-order mark as content. It is kept as 7-bit ASCII where all of it is, else as UTF-16; that never
 /// shows in length, indexes, equality or hash. Fixed, so that any number of threads may use one at once.
 class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
  public:
+  /// Equal texts have equal hashes.
   using HashAgreesWithEquality = NSString;
 
+  /// The empty text.
   static Ref<NSString> string();
   /// The same text as a fixed one; nil raises the invalid-argument exception.
   static Ref<NSString> stringWithString(Text text);
   /// Absent when the bytes are not UTF-8, or nil.
+  ///@{
   static RefPtr<NSString> stringWithUTF8String(std::string_view bytes);
   static RefPtr<NSString> stringWithUTF8String(const char* bytes);
+  ///@}
   /// Any code units, unpaired surrogates included.
   static Ref<NSString> stringWithCharacters(std::u16string_view units);
   /// initWithData:encoding:. Absent when the bytes are not of the encoding; absent bytes give the empty
@@ -47,18 +55,23 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
     return NSFormat(*format.borrow(), {FormatArgument(arguments)...});
   }
 
+  /// In 16-bit code units.
   std::size_t length() const noexcept {
     return wide_ ? storage_.count() / sizeof(char16_t) : storage_.count();
   }
   /// Raises the range exception from `length` on.
   char16_t characterAtIndex(std::size_t index) const;
+  /// Whether the code units are, or begin with, those of the other text; never those of nil.
+  ///@{
   bool isEqualToString(Text other) const;
   bool hasPrefix(Text prefix) const;
+  ///@}
 
   /// Absent when a surrogate stands alone.
   std::optional<std::string> UTF8String() const;
   /// As UTF8String; raises the invalid-argument exception where that is absent.
   explicit operator std::string() const;
+  /// The code units as they are.
   explicit operator std::u16string() const;
   /// Absent when the text cannot be told in the encoding: nothing is replaced. Bytes of a text that holds
   /// a secret hold one, too.
@@ -66,20 +79,31 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
 
   /// The text from `index` on; raises the range exception beyond `length`.
   Ref<NSString> substringFromIndex(std::size_t index) const;
+  /// A new text with the tail, or the filled-in format, behind this one's content. Nil, and a format that
+  /// does not fit, raise the invalid-argument exception.
+  ///@{
   Ref<NSString> stringByAppendingString(Text tail) const;
   template <class... Arguments>
   Ref<NSString> stringByAppendingFormat(Text format, const Arguments&... arguments) const {
     return stringByAppendingString(stringWithFormat(format, arguments...));
   }
+  ///@}
   /// The pieces between the separators, in order: one more than there are separators, empty ones
   /// included. An empty separator gives the text itself.
   Ref<NSArray> componentsSeparatedByString(Text separator) const;
 
+  /// Equal are texts of the same code units, fixed or growable; nothing is normalised. Both take linear time.
+  ///@{
   bool isEqual(const RefPtr<NSObject>& other) const override;
   std::size_t hash() const override;
+  ///@}
+  /// The text itself.
   Ref<NSString> description() const override { return copy(); }
+  /// As NSObject's; a copy of a secret is one, too.
+  ///@{
   Ref<NSString> copy() const { return fixedCopy(); }
   Ref<NSMutableString> mutableCopy() const;
+  ///@}
 
   /// Calls `visitor` with the units as they are kept, a std::string_view of ASCII or a std::u16string_view.
   template <class Visitor>
@@ -87,16 +111,22 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
     if (wide_) return visitor(std::u16string_view(unitsAs<char16_t>(), length()));
     return visitor(std::string_view(unitsAs<char>(), length()));
   }
+  /// Whether it is kept as ASCII; of a growable text that is so until the first unit that is not.
   bool isASCII() const noexcept { return !wide_; }
 
-  /// Whether the memory of the text is cleansed when it is let go of.
+  /// Whether the memory of the text is cleansed when it is let go of. Copies and texts that it is appended to
+  /// follow; parts of it do not. To be set before other threads use the object.
+  ///@{
   bool holdsSecret() const noexcept { return storage_.holdsSecret(); }
   void setHoldsSecret(bool secret) noexcept { storage_.setHoldsSecret(secret); }
+  ///@}
 
  protected:
   template <class Self, class Base>
   friend class NSObjectLayer;
 
+  /// What both kinds share: how they are made, copied and read.
+  ///@{
   NSString(NSTail tail, bool wide) : storage_(tail), wide_(wide) {}
 
   static Ref<NSString> ofASCIILength(std::size_t length);
@@ -110,7 +140,12 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
 
   NSStorage<std::byte> storage_;
   bool wide_;
+  ///@}
 };
 
+/// Writes a text for people in UTF-8; one with an unpaired surrogate as escapes of all its code units, nil as
+/// "(null)".
+///@{
 FOUNDATION_EXPORT std::ostream& operator<<(std::ostream& stream, const NSString& text);
 FOUNDATION_EXPORT std::ostream& operator<<(std::ostream& stream, const RefPtr<NSString>& text);
+///@}

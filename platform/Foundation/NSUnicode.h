@@ -7,6 +7,7 @@
 
 #include <Foundation/FoundationExport.h>
 
+/// @file
 /// Strict conversions between UTF-8 and 16-bit code units (RFC 3629, RFC 2781): what is not well formed is
 /// answered with absent, never repaired. Pure functions, for any number of threads.
 
@@ -33,6 +34,7 @@ constexpr std::size_t NSLengthOfUTF8Sequence(std::string_view text) {
   return overlong || beyond || !continues(3) ? 0 : 4;
 }
 
+/// Whether all bytes are well-formed UTF-8; the empty text is.
 constexpr bool NSIsUTF8(std::string_view text) {
   while (!text.empty()) {
     const std::size_t length = NSLengthOfUTF8Sequence(text);
@@ -43,8 +45,10 @@ constexpr bool NSIsUTF8(std::string_view text) {
 }
 
 /// Whether all bytes, or all code units, are below 128.
+///@{
 FOUNDATION_EXPORT bool NSIsASCII(std::string_view text) noexcept;
 FOUNDATION_EXPORT bool NSIsASCII(std::u16string_view text) noexcept;
+///@}
 
 /// Absent when the bytes are not UTF-8.
 FOUNDATION_EXPORT std::optional<std::u16string> NSUTF16FromUTF8(std::string_view text);

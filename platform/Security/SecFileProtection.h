@@ -2,5 +2,8 @@
 
 #include <cstdint>
 
-/// What opens a store file.
-enum class SecFileProtection : std::uint8_t { keyFile = 1, passphrase = 2 };
+/// What opens a store file. The numbers are kept in stores and never change.
+enum class SecFileProtection : std::uint8_t {
+  keyFile = 1,     ///< a file in the key folder
+  passphrase = 2,  ///< what a person knows
+};

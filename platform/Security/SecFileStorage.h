@@ -14,10 +14,15 @@
 
 /// What can be told of a store without opening any entry.
 struct SecFileInfo {
+  /// The store file, its folder without links.
   std::string path;
+  /// What opens it.
   SecFileProtection protection = SecFileProtection::keyFile;
-  std::string keyFile;  // empty when a passphrase protects the store
+  /// The path of its key file; empty when a passphrase protects the store.
+  std::string keyFile;
+  /// Whether its entries are refused until it is unlocked.
   bool locked = false;
+  /// How many there are, which a locked store tells, too.
   std::uint64_t entries = 0;
 };
 
@@ -31,7 +36,12 @@ struct SecFileInfo {
 /// gone, errSecReadOnly, errSecDiskFull, errSecIO.
 class FOUNDATION_EXPORT SecFileStorage final : public SecStorage {
  public:
-  enum class Missing { refuse, make };
+  /// What becomes of opening a store that is not there.
+  enum class Missing {
+    refuse,  ///< errSecNoSuchKeychain
+    make,    ///< a new store under a new key file
+  };
+  /// A passphrase: any bytes that are not empty.
   using Bytes = std::span<const std::byte>;
 
   /// Opens the store at `place`; one that is not there is made, under a new key file, or refused with
@@ -53,7 +63,7 @@ class FOUNDATION_EXPORT SecFileStorage final : public SecStorage {
   /// Protects the unlocked store by a passphrase in place of its key file or former passphrase. An empty one
   /// is errSecParam. Takes about half a second and 128 MiB of memory.
   OSStatus setPassphrase(Bytes passphrase);
-  /// Protects the unlocked store by a new key file in place of its passphrase.
+  /// Protects the unlocked store by a new key file in place of its passphrase; errSecParam when it has none.
   OSStatus removePassphrase();
 
   /// Tells what the store is and how it is protected; works on a locked store.

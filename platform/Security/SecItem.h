@@ -5,11 +5,12 @@
 #include <Security/SecBase.h>
 #include <Security/SecConstants.h>
 
-// The credential store as attribute maps. The four functions act on the process's default storage
-// (SecDefaultStorage.h) and are safe from any thread. They keep and change none of the maps that they are
-// given. Each answers a status: errSecParam for a map that is absent, has no class, an unknown key, a value
-// of a wrong kind or an attribute of the other class, and whatever the storage answers. After any status but
-// errSecSuccess nothing is changed and `result` is untouched.
+/// @file
+/// The credential store as attribute maps. The four functions act on the process's default storage
+/// (SecDefaultStorage.h) and are safe from any thread. They keep and change none of the maps that they are
+/// given. Each answers a status: errSecParam for a map that is absent, has no class, an unknown key, a value
+/// of a wrong kind or an attribute of the other class, and whatever the storage answers. After any status but
+/// errSecSuccess nothing is changed and `result` is untouched.
 
 /// Adds an entry; without kSecValueData its secret is empty. With kSecReturnAttributes, `result` gets a new
 /// map of its attributes, without the secret. errSecDuplicateItem when there is one of the same identity,

@@ -11,7 +11,7 @@
 /// Never null for a size above 0; throws std::bad_alloc. Safe from any thread.
 FOUNDATION_EXPORT void* secAllocate(std::size_t size);
 
-/// Overwrites and gives back what secAllocate gave for the same size.
+/// Overwrites and gives back what secAllocate gave for the same size; null is nothing.
 FOUNDATION_EXPORT void secFree(void* memory, std::size_t size) noexcept;
 
 /// Overwrites memory in a way that no compiler leaves out.
@@ -20,6 +20,8 @@ FOUNDATION_EXPORT void secCleanse(void* memory, std::size_t size) noexcept;
 /// Containers of secrets keep them in memory from secAllocate.
 template <class Value>
 struct SecretAllocator {
+  /// What the standard library asks of an allocator.
+  ///@{
   using value_type = Value;
 
   SecretAllocator() = default;
@@ -33,15 +35,19 @@ struct SecretAllocator {
   void deallocate(Value* memory, std::size_t count) noexcept { secFree(memory, count * sizeof(Value)); }
 
   friend bool operator==(SecretAllocator, SecretAllocator) { return true; }
+  ///@}
 };
 
 /// Containers of what should not linger, such as names of accounts: ordinary memory, overwritten when freed.
 template <class Value>
 struct CleansingAllocator : std::allocator<Value> {
+  /// What the standard library asks of an allocator.
+  ///@{
   using value_type = Value;
+  /// The allocator of another type.
   template <class Other>
   struct rebind {
-    using other = CleansingAllocator<Other>;
+    using other = CleansingAllocator<Other>;  ///< As it is asked for.
   };
 
   CleansingAllocator() = default;
@@ -52,4 +58,5 @@ struct CleansingAllocator : std::allocator<Value> {
     secCleanse(memory, count * sizeof(Value));
     std::allocator<Value>::deallocate(memory, count);
   }
+  ///@}
 };

@@ -12,20 +12,30 @@
 /// Not thread-safe; each belongs to one owner at a time.
 class SecSecret {
  public:
+  /// No bytes, or a copy of those given; throws std::bad_alloc.
+  ///@{
   SecSecret() = default;
   explicit SecSecret(std::span<const std::byte> bytes) : bytes_(bytes.begin(), bytes.end()) {}
+  ///@}
   /// `size` bytes of zero, to be written to.
   explicit SecSecret(std::size_t size) : bytes_(size) {}
+  /// Takes the bytes over, and leaves none behind.
+  ///@{
   SecSecret(SecSecret&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
   SecSecret& operator=(SecSecret&& other) noexcept {
     bytes_ = std::exchange(other.bytes_, {});
     return *this;
   }
+  ///@}
   SecSecret(const SecSecret&) = delete;
   SecSecret& operator=(const SecSecret&) = delete;
 
+  /// The bytes in place, until the secret is assigned to, moved from or let go of.
+  ///@{
   std::span<const std::byte> bytes() const { return bytes_; }
   std::span<std::byte> writableBytes() { return bytes_; }
+  ///@}
+  /// A copy, which has to be asked for.
   SecSecret clone() const { return SecSecret(bytes()); }
 
  private:

@@ -11,8 +11,8 @@
 /// One row of a storage: an entry, and the number by which the storage knows it. An older entry has the
 /// smaller number.
 struct SecRow {
-  std::int64_t number = 0;
-  SecEntry entry;
+  std::int64_t number = 0;  ///< The same for as long as the row is there.
+  SecEntry entry;           ///< A copy, with the secret.
 };
 
 /// What may be asked and changed within one transaction. Every operation answers a status, errSecSuccess
@@ -25,23 +25,31 @@ class SecTransaction {
   /// that was ever put into the storage is passed over: a storage that cannot be sure answers errSecDecode.
   virtual OSStatus find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
 
-  /// The number of a row that is replaced or removed is one that `find` gave in this transaction.
+  /// Add a row, change one or take one out. Its number is one that `find` gave in this transaction. In one
+  /// that only reads, the answer is errSecReadOnly.
+  ///@{
   virtual OSStatus insert(const SecEntry& entry) = 0;
   virtual OSStatus replace(std::int64_t number, const SecEntry& entry) = 0;
   virtual OSStatus remove(std::int64_t number) = 0;
+  ///@}
 };
 
 /// What a person wants to know of a storage.
 struct SecStorageInfo {
-  std::string place;       // "memory", or the path of a file
-  std::string protection;  // in a few English words
-  std::size_t entries = 0;
+  std::string place;        ///< "memory", or the path of a file.
+  std::string protection;   ///< In a few English words.
+  std::size_t entries = 0;  ///< How many there are.
 };
 
 /// A place where entries are kept. Safe from any thread: transactions follow one another.
 class SecStorage {
  public:
-  enum class Access { read, change };
+  /// What a transaction is for.
+  enum class Access {
+    read,    ///< looking only: a change is errSecReadOnly
+    change,  ///< looking and changing
+  };
+  /// The steps of a transaction; they start no other one in the same storage, and keep none of it.
   using Work = std::function<OSStatus(SecTransaction&)>;
 
   virtual ~SecStorage() = default;
