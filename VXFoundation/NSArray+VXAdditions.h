@@ -3,6 +3,8 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSFunctionRef.h>
 
+/// NSArray(VXAdditions): new lists made of others, which stay as they are. Safe on any thread as long as no
+/// other thread changes those.
 namespace VXAdditions {
 
 /// Makes of an element and its index another object; sets `*stop` to end with this element.

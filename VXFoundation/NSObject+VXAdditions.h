@@ -3,6 +3,7 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
 
+/// NSObject(VXAdditions): for classes that leave an operation to those below them. Safe on any thread.
 namespace VXAdditions {
 
 /// Raises VXSubclassResponsibilityException: the operation named by the selector, with its colons, is one

@@ -4,8 +4,9 @@
 
 #include <Foundation/NSString.h>
 
-/// Key paths: texts of components with a full stop between neighbours. Nothing is checked or escaped: empty
-/// components and full stops within components are kept as they are.
+/// NSString(CXKeyValueCoding): key paths, which are texts of components with a full stop between neighbours.
+/// Nothing is checked or escaped: empty components and full stops within components are kept as they are.
+/// Safe on any thread.
 namespace CXKeyValueCoding {
 
 /// The components' texts, of what is no text its description, up to the first that is nil; absent when

@@ -3,6 +3,10 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSFunctionRef.h>
 
+/// @file
+/// Walks over the chains, trees and graphs that a host's objects make. Nothing is kept between calls; safe on
+/// any thread as long as the accessors are and no other thread changes the nodes.
+
 /// From a node to the next one of its chain, absent at the end: a callable, or a pointer to a member of the
 /// nodes' class. A node that is not of that class raises the invalid-argument exception.
 using VXNextAccessor = NSFunctionRef<RefPtr<NSObject>(const Ref<NSObject>& node)>;

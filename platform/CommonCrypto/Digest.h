@@ -23,8 +23,8 @@ class Digest {
 
   /// A run of bytes to be digested.
   struct Part {
-    const void* bytes;   ///< The first one; null for none.
-    std::size_t length;  ///< In bytes.
+    const void* bytes;   ///< the first one; null for none
+    std::size_t length;  ///< in bytes
   };
 
  private:

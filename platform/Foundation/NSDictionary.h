@@ -17,8 +17,8 @@ class FOUNDATION_EXPORT NSDictionary : public NSFastEnumeration::Subclass<NSDict
  public:
   /// One pair of a factory's list, in the order of its name.
   struct ObjectAndKey {
-    Object object;  ///< What is kept.
-    Object key;     ///< What it is found by, copied.
+    Object object;  ///< what is kept
+    Object key;     ///< what it is found by, copied
   };
 
   /// A map of none, one or several. Nil raises the invalid-argument exception; for a key that is given twice

@@ -45,9 +45,9 @@ class FormatArgument {
   unsigned long long unsignedInteger_ = 0;
 };
 
-/// The format with its directives filled in, in order: `%@` an object's description, "(null)" for nil; `%d`
-/// a signed decimal; `%lu` an unsigned one; `%%` a per cent sign. An unknown directive, a missing or
-/// left-over argument or one of the wrong kind raises the invalid-argument exception.
+/// The format with its directives filled in, in order: "%@" an object's description, "(null)" for nil; "%d" a
+/// signed decimal; "%lu" an unsigned one; "%%" a per cent sign. An unknown directive, a missing or left-over
+/// argument or one of the wrong kind raises the invalid-argument exception.
 ///@{
 FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments);
 FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format,

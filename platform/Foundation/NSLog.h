@@ -12,8 +12,8 @@ using NSLogSink = std::function<void(std::string_view line)>;
 /// entry is written at once and whole. Safe from any thread.
 FOUNDATION_EXPORT NSLogSink NSLogSetSink(NSLogSink sink);
 
-/// Hands one entry to the sink as one line; safe from any thread: line breaks in it are shown as `\n` and
-/// `\r`.
+/// Hands one entry to the sink as one line: line breaks in it are shown as `\n` and `\r`. Safe from any
+/// thread.
 FOUNDATION_EXPORT void NSLogString(const NSString& entry);
 
 /// Logs the format, filled in and refused as by NSFormat. Safe from any thread.

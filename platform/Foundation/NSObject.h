@@ -17,14 +17,17 @@ class NSObjectLayer;
 template <class Self>
 class NSAllocated;
 
-/// How far the equality of an object can be known without asking it: objects that compare by identity and
-/// those whose class says that equal ones have equal hashes can be looked up; others are asked one by one.
-enum class NSEquality { identity, hashed, custom };
+/// How far the equality of an object can be known without asking it.
+enum class NSEquality {
+  identity,  ///< equal to itself alone: can be looked up
+  hashed,    ///< equal ones have equal hashes, as their class says: can be looked up
+  custom,    ///< nothing is known: asked one by one
+};
 
 /// Memory behind an object, in the same block.
 struct NSTail {
-  std::byte* start;  ///< The first byte, just behind the object.
-  std::size_t size;  ///< In bytes.
+  std::byte* start;  ///< the first byte, just behind the object
+  std::size_t size;  ///< in bytes
 };
 
 /// The root of all classes. An object lives on the heap, is shared through Ref and RefPtr and let go of

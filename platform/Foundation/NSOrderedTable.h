@@ -12,9 +12,9 @@ class FOUNDATION_EXPORT NSOrderedTable {
  public:
   /// A key and what is kept for it.
   struct Row {
-    Ref<NSObject> key;       ///< Different from all others.
-    RefPtr<NSObject> value;  ///< Absent in a set.
-    std::size_t hash;        ///< The key's, as it was when it was put in.
+    Ref<NSObject> key;       ///< different from all others
+    RefPtr<NSObject> value;  ///< absent in a set
+    std::size_t hash;        ///< the key's, as it was when it was put in
   };
 
   /// All rows, in order; until the next change.

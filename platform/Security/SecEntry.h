@@ -41,6 +41,6 @@ struct SecAttributes {
 
 /// One password of a store: what is known of it, and the secret itself.
 struct SecEntry {
-  SecAttributes attributes;  ///< What may be asked for.
-  SecSecret secret;          ///< What is kept: bytes of any content and length.
+  SecAttributes attributes;  ///< what may be asked for
+  SecSecret secret;          ///< what is kept: bytes of any content and length
 };

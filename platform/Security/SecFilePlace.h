@@ -9,9 +9,9 @@
 
 /// Where the files of a store are.
 struct SecFilePlace {
-  std::string store;        ///< The store file.
-  std::string keyFolder;    ///< Where key files are, each named by the id of its store.
-  bool ownsFolder = false;  ///< Whether the store's folder is made, and kept private, by the store.
+  std::string store;        ///< the store file
+  std::string keyFolder;    ///< where key files are, each named by the id of its store
+  bool ownsFolder = false;  ///< whether the store's folder is made, and kept private, by the store
 };
 
 /// The user's own store: VXFoundation/credentials.store in $XDG_DATA_HOME or ~/.local/share, its key in

@@ -47,7 +47,7 @@ struct CleansingAllocator : std::allocator<Value> {
   /// The allocator of another type.
   template <class Other>
   struct rebind {
-    using other = CleansingAllocator<Other>;  ///< As it is asked for.
+    using other = CleansingAllocator<Other>;  ///< as it is asked for
   };
 
   CleansingAllocator() = default;

@@ -11,8 +11,8 @@
 /// One row of a storage: an entry, and the number by which the storage knows it. An older entry has the
 /// smaller number.
 struct SecRow {
-  std::int64_t number = 0;  ///< The same for as long as the row is there.
-  SecEntry entry;           ///< A copy, with the secret.
+  std::int64_t number = 0;  ///< the same for as long as the row is there
+  SecEntry entry;           ///< a copy, with the secret
 };
 
 /// What may be asked and changed within one transaction. Every operation answers a status, errSecSuccess
@@ -36,9 +36,9 @@ class SecTransaction {
 
 /// What a person wants to know of a storage.
 struct SecStorageInfo {
-  std::string place;        ///< "memory", or the path of a file.
-  std::string protection;   ///< In a few English words.
-  std::size_t entries = 0;  ///< How many there are.
+  std::string place;        ///< "memory", or the path of a file
+  std::string protection;   ///< in a few English words
+  std::size_t entries = 0;  ///< how many there are
 };
 
 /// A place where entries are kept. Safe from any thread: transactions follow one another.
