@@ -2,7 +2,8 @@
 
 #include <Foundation/NSData.h>
 
-/// NSData(CXHashing): message digests of bytes, as raw bytes. All are safe on any thread.
+/// NSData(CXHashing): message digests of bytes, as raw bytes. All are safe on any thread. A libcrypto that
+/// does not offer the algorithm ends the process with a message on standard error.
 namespace CXHashing {
 
 /// The 16 bytes of the MD5 digest (RFC 1321).

@@ -51,16 +51,15 @@ class FOUNDATION_EXPORT VXErrorRecoveryAttempter
   void addRecoveryOptionWithLocalizedTitle(Text localizedTitle,
                                            const RefPtr<VXErrorRecoveryBlock>& recoveryBlock);
   /// Adds an option with the localised title "Cancel" that never recovers; its action is one and the same
-  /// block for all attempters.
+  /// block for all attempters. Without the library's bundle there is no title, which is asserted as above.
   void addCancelRecoveryOption();
   /// The titles at this moment, in a list that stays as it is.
   Ref<NSArray> recoveryOptions() const { return titles_->copy(); }
 
   // The category VXFoundationDelegate.
-  /// Calls the action at the index, with the very error, and answers its result, or tells the delegate on
-  /// this thread before it returns. Raises the range exception from the number of actions on, and the
-  /// invalid-argument exception when a host put something else into `blocks`; the delegate hears nothing
-  /// then.
+  /// Calls the action at the index with the very error. Answers its result, or tells it to the delegate, on
+  /// this thread and before it returns; an absent one hears nothing. Raises the range exception from the
+  /// number of actions on, and the invalid-argument exception when a host put something else into `blocks`.
   ///@{
   bool attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex) override;
   void attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex,

@@ -10,7 +10,7 @@
 
 /// One entry of the process's credential store: account, secret and label, with the request that identifies
 /// it there and the last answer about it. Kinds of entries are subclasses; this class has the sequence of
-/// steps of each operation and leaves to them the first four virtual operations below, of which each
+/// steps of each operation and leaves to them isEqual and the three operations after it, of which each
 /// override calls its base class's first.
 ///
 /// An operation answers whether it was done. Where it was not and a place for an error was given, that gets
@@ -93,7 +93,7 @@ class FOUNDATION_EXPORT VXPasswordKeychainItem : public VXKeychainItem::Subclass
   /// refreshItemFromKeychainIncludeData, for hosts that know the data as a password.
   virtual bool refreshItemFromKeychainIncludePassword(bool includePassword, RefPtr<NSError>* error = nullptr);
 
-  /// As VXKeychainItem's, and whether the secret is UTF-8.
+  /// As VXKeychainItem's; the secret must be UTF-8, too.
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
 };
 
@@ -139,8 +139,8 @@ class FOUNDATION_EXPORT VXGenericKeychainItem
   void setServiceName(Text serviceName);
   ///@}
 
-  /// A new query for the class and the arguments that are present. A subclass may hide it by its own, which
-  /// findKeychainItemForUsername then asks with.
+  /// A new query for the class and the arguments that are present. A subclass may have one of its own, which
+  /// its findKeychainItemForUsername then uses.
   static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text serviceName);
 
  private:
@@ -187,13 +187,13 @@ class FOUNDATION_EXPORT VXInternetKeychainItem
     : public VXInternetKeychainItemLayer<VXInternetKeychainItem, VXPasswordKeychainItem> {
  public:
   using VXPasswordKeychainItem::initWithUsername;
-  /// Nothing is checked, the protocol neither, and each text may be absent; see setPassword.
+  /// Nothing is checked, not even the protocol, and each text may be absent; see setPassword.
   virtual bool initWithUsername(Text username, Text password, Text label, Text server, Text path,
                                 std::int64_t port, VXInternetKeychainItemProtocol protocol);
 
-  /// As VXPasswordKeychainItem's, and whether server, path, port and protocol are the same.
+  /// As VXPasswordKeychainItem's; server, path, port and protocol must be the same, too.
   bool isEqual(const RefPtr<NSObject>& other) const override;
-  /// As VXPasswordKeychainItem's, and whether there is a server that is not empty.
+  /// As VXPasswordKeychainItem's; there must be a server that is not empty, too.
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
   /// Writes the class, and any port but 0. Raises the invalid-argument exception for a protocol that is none.
   Ref<NSMutableDictionary> _createAttributesDictionary() const override;

@@ -18,8 +18,8 @@ class FOUNDATION_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   /// The bundle in a folder, named in UTF-8; absent when the folder holds no resources.
   static RefPtr<NSBundle> bundleWithPath(Text path);
 
-  /// The folder: for code that is loaded absolute and without links, else as it was given. Empty when it
-  /// is not UTF-8.
+  /// The folder: of the program or a loaded library absolute and without links, else as it was given. Empty
+  /// when it is not UTF-8.
   Ref<NSString> bundlePath() const;
   /// Absent when the information file has none.
   RefPtr<NSString> bundleIdentifier() const;

@@ -9,7 +9,7 @@
 
 /// The name of the generic exception: a collection was changed during its walk.
 FOUNDATION_EXPORT extern const Ref<NSString> NSGenericException;
-/// The name of the internal-inconsistency exception: an assertion failed, and the default handler had it.
+/// The name of the internal-inconsistency exception: the default handler was told of a failed assertion.
 FOUNDATION_EXPORT extern const Ref<NSString> NSInternalInconsistencyException;
 /// The name of the invalid-argument exception: nil, or what is of a wrong kind or form.
 FOUNDATION_EXPORT extern const Ref<NSString> NSInvalidArgumentException;

@@ -15,8 +15,8 @@ class FOUNDATION_EXPORT NSMutableString : public NSString::Subclass<NSMutableStr
   static Ref<NSMutableString> stringWithString(Text text);
 
   /// Append a text, which may be this one, any code units, or a filled-in format. Nil, and a format that
-  /// does not fit, raise the invalid-argument exception and change nothing. A secret makes this one a
-  /// secret, too.
+  /// does not fit, raise the invalid-argument exception and change nothing. A secret text makes this one a
+  /// secret, too; an argument of a format does not.
   ///@{
   void appendString(Text tail);
   void appendCharacters(std::u16string_view units);

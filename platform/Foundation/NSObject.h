@@ -56,8 +56,8 @@ class FOUNDATION_EXPORT NSObject {
 
   /// Whether the object equals another, which may be absent; here, whether it is the same one.
   virtual bool isEqual(const RefPtr<NSObject>& other) const;
-  /// The place in tables: the same for equal objects, which an override of isEqual has to see to, and for as
-  /// long as the object is in one. Here, made of the address.
+  /// What sets and maps look an object up by: there, it must not change, and equal objects are found only by
+  /// the same one. Here, made of the address.
   virtual std::size_t hash() const;
   /// What is known of isEqual; each class's layer answers this.
   virtual NSEquality equality() const { return NSEquality::identity; }
