@@ -8,17 +8,17 @@
 #include <Foundation/NSError.h>
 #include <Foundation/NSString.h>
 
+/// @file
+/// Items of the credential store. An operation answers whether it was done. Where it was not and a place for
+/// an error was given, that gets an error of the domain VXFoundationBundleIdentifier: code 0 for incomplete
+/// attributes (no store is asked), -201 for an entry that was not found, -200 for any other status, each with
+/// a localised description and, but for code 0, the platform's error underneath. The item is then as it was.
+
 /// One entry of the process's credential store: account, secret and label, with the request that identifies
 /// it there and the last answer about it. Kinds of entries are subclasses; this class has the sequence of
 /// steps of each operation and leaves to them isEqual and the three operations after it, of which each
-/// override calls its base class's first.
-///
-/// An operation answers whether it was done. Where it was not and a place for an error was given, that gets
-/// an error of the domain VXFoundationBundleIdentifier: code 0 for incomplete attributes (no store is
-/// asked), -201 for an entry that was not found, -200 for any other status, each with a localised description
-/// and, but for code 0, the platform's error underneath. The item is then as it was.
-///
-/// An item is for one thread at a time. Its maps hold the secret as long as it does.
+/// override calls its base class's first. An item is for one thread at a time. Its maps hold the secret as
+/// long as it does.
 class FOUNDATION_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
  public:
   /// initWithUsername:data:label:. Nothing is checked; texts and bytes are copied.
