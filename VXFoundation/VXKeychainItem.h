@@ -124,14 +124,14 @@ class FOUNDATION_EXPORT VXGenericKeychainItem
   /// Nothing is checked, and each may be absent; see setPassword.
   virtual bool initWithUsername(Text username, Text password, Text label, Text serviceName);
 
-  /// As VXPasswordKeychainItem's, with the service: it is compared, must be there and not be empty for a map
-  /// to be valid, is written beside the class, and is cleared by an answer without one.
-  ///@{
+  /// As VXPasswordKeychainItem's; the service must be the same, too.
   bool isEqual(const RefPtr<NSObject>& other) const override;
+  /// As VXPasswordKeychainItem's; there must be a service that is not empty, too.
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
+  /// Writes the class, and the service when there is one, too.
   Ref<NSMutableDictionary> _createAttributesDictionary() const override;
+  /// An answer without a service clears that field.
   void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override;
-  ///@}
 
   /// What the account is of; may be absent. The setter copies.
   ///@{
@@ -195,7 +195,8 @@ class FOUNDATION_EXPORT VXInternetKeychainItem
   bool isEqual(const RefPtr<NSObject>& other) const override;
   /// As VXPasswordKeychainItem's; there must be a server that is not empty, too.
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override;
-  /// Writes the class, and any port but 0. Raises the invalid-argument exception for a protocol that is none.
+  /// Writes the class, and any port but 0, too. Raises the invalid-argument exception for a protocol that is
+  /// none.
   Ref<NSMutableDictionary> _createAttributesDictionary() const override;
   /// An answer without server, path or port clears that field; one without a protocol leaves it.
   void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override;
