@@ -109,9 +109,9 @@ void writeSlot(const fs::path& store, const std::string& parameters) {
         sqlite3_result_blob(context, hash, sizeof hash, SQLITE_TRANSIENT);
       },
       nullptr, nullptr);
-  const std::string content = "x'" + parameters + "'||substr(body,5,76)";
-  const std::string sql = "UPDATE slot SET body=CAST(" + content +
-                          "||sha256(CAST('VXFoundation slot'||x'00000001'||(SELECT id FROM store)||" +
+  const std::string content = "x'" + parameters + "'||substr(slot,5,76)";
+  const std::string sql = "UPDATE store SET slot=CAST(" + content +
+                          "||sha256(CAST('VXFoundation slot'||x'00000001'||id||" +
                           content + " AS BLOB)) AS BLOB)";
   ASSERT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
       << sqlite3_errmsg(database);

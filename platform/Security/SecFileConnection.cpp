@@ -12,25 +12,16 @@ SecFileNumber judge(const std::string& path) {
   return *file;
 }
 
-SecStoreID readStoreID(SecFileDatabase& database) {
-  auto row = database.use("SELECT id FROM store WHERE one=1");
-  secRequire(row.step() && row.blob(0).size() == sizeof(SecStoreID), errSecDecode);
-  return SecByteReader(row.blob(0)).array<sizeof(SecStoreID)>();
-}
-
-void insertSlot(SecFileDatabase& database, const SecFileSlot& slot, const SecStoreID& store) {
-  const SecBytes body = secEncodeSlot(slot, store);
-  database.use("INSERT INTO slot VALUES(?,?)")
-      .bind(static_cast<std::int64_t>(slot.protection))
-      .bind(body)
-      .run();
+SecStoreID decodeID(SecView bytes) {
+  secRequire(bytes.size() == sizeof(SecStoreID), errSecDecode);
+  return SecByteReader(bytes).array<sizeof(SecStoreID)>();
 }
 
 SecBytes emptyStore(const SecStoreID& store, const SecFileSlot& slot, const SecFileKeys& keys) {
   SecFileDatabase database;
+  const SecBytes wrapped = secEncodeSlot(slot, store);
   const SecBytes seal = secEncodeSeal({}, keys.seal(), store);
-  database.use("INSERT INTO store VALUES(1,?,?)").bind(store).bind(seal).run();
-  insertSlot(database, slot, store);
+  database.use("INSERT INTO store VALUES(1,?,?,?)").bind(store).bind(wrapped).bind(seal).run();
   return database.image();
 }
 
@@ -71,23 +62,23 @@ bool SecFileConnection::isCurrent() const { return judge(path_) == file_; }
 SecFileConnection::Content SecFileConnection::readContent() {
   const SecFileUnitOfWork reading(database_, false);
   database_.checkSchema();
-  const SecStoreID store = readStoreID(database_);
-  return {store, readSlot(database_, store)};
+  auto row = database_.storeRow();
+  secRequire(row.step(), errSecDecode);
+  const SecStoreID store = decodeID(row.blob(0));
+  const SecFileSlot slot = secDecodeSlot(row.blob(1), store);
+  secRequire(!row.step(), errSecDecode);
+  return {store, slot};
 }
 
-SecFileSlot SecFileConnection::readSlot() { return readSlot(database_, store()); }
-
-SecFileSlot SecFileConnection::readSlot(SecFileDatabase& database, const SecStoreID& store) {
-  auto row = database.use("SELECT body FROM slot");
+SecFileSlot SecFileConnection::readSlot() {
+  auto row = database_.storeRow();
   secRequire(row.step(), errSecDecode);
-  const SecFileSlot slot = secDecodeSlot(row.blob(0), store);
-  secRequire(!row.step(), errSecDecode);
-  return slot;
+  return secDecodeSlot(row.blob(1), store());
 }
 
 void SecFileConnection::writeSlot(const SecFileSlot& slot) {
-  database_.run("DELETE FROM slot");
-  insertSlot(database_, slot, store());
+  const SecBytes wrapped = secEncodeSlot(slot, store());
+  database_.use("UPDATE store SET slot=?").bind(wrapped).run();
 }
 
 std::string secKeyFilePath(const std::string& keyFolder, const SecStoreID& store) {

@@ -31,7 +31,6 @@ class SecFileConnection {
     SecFileSlot slot;
   };
   Content readContent();
-  static SecFileSlot readSlot(SecFileDatabase& database, const SecStoreID& store);
 
   std::string path_;
   pid_t process_;

@@ -3,21 +3,25 @@
 #include <openssl/core_names.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
-#include <openssl/hmac.h>
 #include <openssl/kdf.h>
 #include <openssl/params.h>
 #include <openssl/rand.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <string>
 
 namespace {
 
 struct Free {
+  void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
+  void operator()(EVP_MD* digest) const { EVP_MD_free(digest); }
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
   void operator()(EVP_KDF* kdf) const { EVP_KDF_free(kdf); }
   void operator()(EVP_KDF_CTX* context) const { EVP_KDF_CTX_free(context); }
+  void operator()(EVP_MAC* mac) const { EVP_MAC_free(mac); }
+  void operator()(EVP_MAC_CTX* context) const { EVP_MAC_CTX_free(context); }
 };
 
 template <class Handle>
@@ -34,13 +38,52 @@ unsigned char* out(std::span<std::byte> bytes) { return reinterpret_cast<unsigne
 int length(SecView bytes) { return static_cast<int>(bytes.size()); }
 void done(int result) { secRequire(result == 1, errSecAllocate); }
 
+OSSL_PARAM digestName() {
+  static char name[] = "SHA256";
+  return OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, name, 0);
+}
+
 OSSL_PARAM octets(const char* name, SecView bytes) {
   return OSSL_PARAM_construct_octet_string(name, const_cast<std::byte*>(bytes.data()), bytes.size());
 }
 
-SecSecret derive(const char* algorithm, const OSSL_PARAM* parameters) {
-  const auto kdf = own(EVP_KDF_fetch(nullptr, algorithm, nullptr));
-  const auto context = own(EVP_KDF_CTX_new(kdf.get()));
+// Looking an algorithm up by its name takes longer than most of what is done with it here. What was found is
+// kept to the end of the process, and never let go of: a host's own exit handlers may still want it.
+
+const EVP_CIPHER* cipher() {
+  static const EVP_CIPHER* const found = own(EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr)).release();
+  return found;
+}
+
+const EVP_MD* hash() {
+  static const EVP_MD* const found = own(EVP_MD_fetch(nullptr, "SHA256", nullptr)).release();
+  return found;
+}
+
+EVP_KDF* hkdf() {
+  static EVP_KDF* const found = own(EVP_KDF_fetch(nullptr, "HKDF", nullptr)).release();
+  return found;
+}
+
+Owned<EVP_MAC_CTX> makeHMAC() {
+  const auto mac = own(EVP_MAC_fetch(nullptr, "HMAC", nullptr));
+  auto context = own(EVP_MAC_CTX_new(mac.get()));
+  const std::array<unsigned char, secKeySize> noKey{};
+  const OSSL_PARAM parameters[] = {digestName(), OSSL_PARAM_construct_end()};
+  done(EVP_MAC_init(context.get(), noKey.data(), noKey.size(), parameters));
+  return context;
+}
+
+/// A computation under a key of its own.
+Owned<EVP_MAC_CTX> hmac(SecView key) {
+  static const EVP_MAC_CTX* const made = makeHMAC().release();
+  auto context = own(EVP_MAC_CTX_dup(made));
+  done(EVP_MAC_init(context.get(), in(key), key.size(), nullptr));
+  return context;
+}
+
+SecSecret derive(EVP_KDF* kdf, const OSSL_PARAM* parameters) {
+  const auto context = own(EVP_KDF_CTX_new(kdf));
   SecSecret key(secKeySize);
   done(EVP_KDF_derive(context.get(), out(key.writableBytes()), secKeySize, parameters));
   return key;
@@ -58,14 +101,16 @@ void secFillRandom(std::span<std::byte> bytes) {
 
 SecDigest secHash(SecView message) {
   SecDigest digest;
-  done(EVP_Digest(message.data(), message.size(), out(digest), nullptr, EVP_sha256(), nullptr));
+  done(EVP_Digest(message.data(), message.size(), out(digest), nullptr, hash(), nullptr));
   return digest;
 }
 
 SecDigest secAuthenticate(SecView key, SecView message) {
   SecDigest digest;
-  secRequire(HMAC(EVP_sha256(), key.data(), length(key), in(message), message.size(), out(digest), nullptr),
-             errSecAllocate);
+  const auto context = hmac(key);
+  std::size_t written = 0;
+  done(EVP_MAC_update(context.get(), in(message), message.size()));
+  done(EVP_MAC_final(context.get(), out(digest), &written, digest.size()));
   return digest;
 }
 
@@ -81,12 +126,10 @@ bool secSame(SecView left, SecView right) {
 }
 
 SecSecret secDeriveKey(SecView key, SecView salt, std::string_view purpose) {
-  char digest[] = "SHA256";
-  const OSSL_PARAM parameters[] = {OSSL_PARAM_construct_utf8_string(OSSL_KDF_PARAM_DIGEST, digest, 0),
-                                   octets(OSSL_KDF_PARAM_KEY, key), octets(OSSL_KDF_PARAM_SALT, salt),
-                                   octets(OSSL_KDF_PARAM_INFO, secBytesOf(purpose)),
-                                   OSSL_PARAM_construct_end()};
-  return derive("HKDF", parameters);
+  const OSSL_PARAM parameters[] = {
+      digestName(), octets(OSSL_KDF_PARAM_KEY, key), octets(OSSL_KDF_PARAM_SALT, salt),
+      octets(OSSL_KDF_PARAM_INFO, secBytesOf(purpose)), OSSL_PARAM_construct_end()};
+  return derive(hkdf(), parameters);
 }
 
 SecSecret secStretch(SecView passphrase, SecView salt, SecCost cost) {
@@ -102,7 +145,7 @@ SecSecret secStretch(SecView passphrase, SecView salt, SecCost cost) {
                                    OSSL_PARAM_construct_uint32(OSSL_KDF_PARAM_SCRYPT_P, &p),
                                    OSSL_PARAM_construct_uint64(OSSL_KDF_PARAM_SCRYPT_MAXMEM, &memory),
                                    OSSL_PARAM_construct_end()};
-  return derive("SCRYPT", parameters);
+  return derive(own(EVP_KDF_fetch(nullptr, "SCRYPT", nullptr)).get(), parameters);
 }
 
 SecBytes secSeal(SecView key, SecView associated, SecView plaintext) {
@@ -112,7 +155,7 @@ SecBytes secSeal(SecView key, SecView associated, SecView plaintext) {
   secFillRandom(nonce);
   const auto context = own(EVP_CIPHER_CTX_new());
   int written = 0;
-  done(EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, in(key), in(nonce)));
+  done(EVP_EncryptInit_ex(context.get(), cipher(), nullptr, in(key), in(nonce)));
   done(EVP_EncryptUpdate(context.get(), nullptr, &written, in(associated), length(associated)));
   done(EVP_EncryptUpdate(context.get(), out(box) + secNonceSize, &written, in(plaintext), length(plaintext)));
   done(EVP_EncryptFinal_ex(context.get(), out(tag), &written));
@@ -128,7 +171,7 @@ SecSecret secOpen(SecView key, SecView associated, SecView box) {
   SecSecret plaintext(text.size());
   const auto context = own(EVP_CIPHER_CTX_new());
   int written = 0;
-  done(EVP_DecryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, in(key), in(nonceOf(box))));
+  done(EVP_DecryptInit_ex(context.get(), cipher(), nullptr, in(key), in(nonceOf(box))));
   done(EVP_DecryptUpdate(context.get(), nullptr, &written, in(associated), length(associated)));
   done(EVP_DecryptUpdate(context.get(), out(plaintext.writableBytes()), &written, in(text), length(text)));
   done(EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, static_cast<int>(tag.size()), out(tag)));

@@ -108,6 +108,13 @@ void SecFileDatabase::configure() {
   run("PRAGMA cell_size_check=ON");
 }
 
+void SecFileDatabase::beginReading() {
+  run("BEGIN");
+  // What reads the file takes the lock. This needs no table: the first statement that does reads the schema,
+  // and would take and leave a lock for that alone.
+  run("PRAGMA user_version");
+}
+
 void SecFileDatabase::beginWriting() {
   if (!writes_) {
     run("PRAGMA synchronous=EXTRA");
@@ -141,11 +148,21 @@ SecFileStatement SecFileDatabase::use(const char* sql) {
   return SecFileStatement(statement.get());
 }
 
+SecFileStatement SecFileDatabase::storeRow() { return use("SELECT id,slot,seal FROM store"); }
+
 void SecFileDatabase::checkSchema() {
-  SecFileStatement rows = use("SELECT sql FROM sqlite_schema ORDER BY name");
+  if (checkedVersion_ == dataVersion()) return;
+  SecFileStatement rows = use("SELECT sql FROM sqlite_schema");
   for (const char* expected : secFileSchema)
     secRequire(rows.step() && rows.text(0) == expected, errSecDecode);
   secRequire(!rows.step(), errSecDecode);
+  checkedVersion_ = dataVersion();
+}
+
+unsigned SecFileDatabase::dataVersion() {
+  unsigned version = 0;
+  secCheckSQLite(sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_DATA_VERSION, &version));
+  return version;
 }
 
 SecBytes SecFileDatabase::image() const {
@@ -157,8 +174,9 @@ SecBytes SecFileDatabase::image() const {
   return {bytes.begin(), bytes.end()};
 }
 
-SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : database_(database) {
-  // Prepared ahead, so that want of memory cannot keep a transaction from being ended.
+SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : SecFileUnitOfWork(database) {
+  // From here on the destructor ends what was begun, should the rest of it fail. Prepared ahead, so that want
+  // of memory cannot keep a transaction from being ended.
   static_cast<void>(database.use("ROLLBACK"));
   writing ? database.beginWriting() : database.beginReading();
 }

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <Security/SecFileStatement.h>
@@ -25,15 +26,19 @@ class SecFileDatabase {
   /// Gives the statement of `sql`, a text that lives as long as the program.
   SecFileStatement use(const char* sql);
   void run(const char* sql) { use(sql).run(); }
+  /// The statement that gives the one row of the store: its id, its slot and its seal.
+  SecFileStatement storeRow();
   /// Rows that the last statement changed.
   int changes() const { return sqlite3_changes(connection_.get()); }
   bool inTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
-  void beginReading() { run("BEGIN"); }
+  /// Begins a transaction, which has its lock from the start.
+  void beginReading();
   void beginWriting();
   /// Fails with errSecDiskFull unless the disk has room for `size` more bytes and for what a later removal
   /// takes: its journal needs room, and on a disk that was filled to the end nothing could be removed.
   void requireRoom(std::size_t size);
-  /// Fails with errSecDecode unless the tables are those of a store, and nothing else is there.
+  /// Fails with errSecDecode unless the tables are those of a store, and nothing else is there. Called within
+  /// a transaction; a file that nobody has changed since is not asked again.
   void checkSchema();
   /// All pages as one file.
   SecBytes image() const;
@@ -48,10 +53,13 @@ class SecFileDatabase {
   void checkMode(const std::string& path);
   void checkHeader();
   static int wait(void* database, int tries);
+  /// Another number once anybody has changed the file.
+  unsigned dataVersion();
 
   std::unique_ptr<sqlite3, Close> connection_;
   std::map<const char*, std::unique_ptr<sqlite3_stmt, Close>> statements_;
   bool writes_ = false;
+  std::optional<unsigned> checkedVersion_;
   std::chrono::steady_clock::time_point waitingSince_;
 };
 
@@ -65,5 +73,7 @@ class SecFileUnitOfWork {
   void commit() { database_.run("COMMIT"); }
 
  private:
+  explicit SecFileUnitOfWork(SecFileDatabase& database) : database_(database) {}
+
   SecFileDatabase& database_;
 };

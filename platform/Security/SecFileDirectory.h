@@ -17,7 +17,9 @@ struct SecFileIdentity {
   SecTag rest{};  // path, port and protocol
 
   friend auto operator<=>(const SecFileIdentity&, const SecFileIdentity&) = default;
-  std::uint8_t bucket() const { return std::to_integer<std::uint8_t>(account[0] ^ site[0]); }
+  std::uint8_t bucket() const {
+    return static_cast<std::uint8_t>(std::to_integer<unsigned>(account[0] ^ site[0]) % secBucketCount);
+  }
 };
 
 SecFileIdentity secFileIdentity(SecView indexKey, const SecAttributes& attributes);

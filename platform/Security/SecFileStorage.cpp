@@ -69,7 +69,7 @@ OSStatus transactIn(SecFileSession& session, SecStorage::Access access, const Se
   const OSStatus status = work(transaction);
   if (status != errSecSuccess) return status;
   transaction.finish();
-  unit.commit();
+  if (access == SecStorage::Access::change) unit.commit();
   return errSecSuccess;
 }
 

@@ -14,9 +14,9 @@ SecFileBucket::iterator lineOf(SecFileBucket& lines, const SecFileIdentity& iden
 }
 
 SecFileSeal readSeal(const SecFileContext& context) {
-  auto row = context.database.use("SELECT seal FROM store WHERE one=1");
+  auto row = context.database.storeRow();
   secRequire(row.step(), errSecDecode);
-  return secDecodeSeal(row.blob(0), context.keys.seal(), context.store);
+  return secDecodeSeal(row.blob(2), context.keys.seal(), context.store);
 }
 
 }  // namespace
@@ -81,7 +81,7 @@ void SecFileTransaction::finish() {
   secRequire(failure_ == errSecSuccess, failure_);
   if (!changed_) return;
   const SecBytes seal = secEncodeSeal(seal_, context_.keys.seal(), context_.store);
-  context_.database.use("UPDATE store SET seal=? WHERE one=1").bind(seal).run();
+  context_.database.use("UPDATE store SET seal=?").bind(seal).run();
   readBack();
 }
 
