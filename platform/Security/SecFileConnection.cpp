@@ -92,7 +92,7 @@ std::string secKeyFilePath(const std::string& keyFolder, const SecStoreID& store
 }
 
 SecSecret secReadKeyFile(const std::string& keyFolder, const SecStoreID& store) {
-  secRequire(secResolveFolder(keyFolder, true).has_value(), errSecDataNotAvailable);
+  secRequire(secJudgeFolder(keyFolder), errSecDataNotAvailable);
   auto key = secReadPrivateFile(secKeyFilePath(keyFolder, store), secKeySize + 1);
   secRequire(key.has_value(), errSecDataNotAvailable);
   secRequire(key->bytes().size() == secKeySize, errSecAuthFailed);
@@ -103,7 +103,7 @@ SecSecret secMakeKeyFile(const std::string& keyFolder, const SecStoreID& store) 
   SecSecret key(secKeySize);
   secFillRandom(key.writableBytes());
   secMakePrivateFolder(keyFolder);
-  secRequire(secResolveFolder(keyFolder, true).has_value(), errSecIO);
+  secRequire(secJudgeFolder(keyFolder), errSecIO);
   const std::string path = secKeyFilePath(keyFolder, store);
   secRemoveFile(path);
   secRequire(secPublishFile(path, key.bytes()), errSecBusy);

@@ -38,12 +38,12 @@ std::string resolve(const SecFilePlace& place, SecFileStorage::Missing missing) 
   const std::string folder = slash == place.store.npos ? "." : place.store.substr(0, slash + 1);
   const std::string name = slash == place.store.npos ? place.store : place.store.substr(slash + 1);
   secRequire(!name.empty(), errSecParam);
-  auto resolved = secResolveFolder(folder, place.ownsFolder);
+  auto resolved = secResolveFolder(folder);
   if (!resolved && place.ownsFolder && missing == SecFileStorage::Missing::make) {
     secMakePrivateFolder(folder.substr(0, folder.size() - 1));
-    resolved = secResolveFolder(folder, true);
+    resolved = secResolveFolder(folder);
   }
-  secRequire(resolved.has_value(), errSecNoSuchKeychain);
+  secRequire(resolved && (!place.ownsFolder || secJudgeFolder(*resolved)), errSecNoSuchKeychain);
   return *resolved + "/" + name;
 }
 

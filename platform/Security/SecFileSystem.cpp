@@ -140,16 +140,22 @@ void secMakePrivateFolder(const std::string& path) {
   makeFolder(path);
 }
 
-std::optional<std::string> secResolveFolder(const std::string& path, bool ours) {
-  char resolved[PATH_MAX];
-  if (!::realpath(path.c_str(), resolved)) {
-    if (errno == ENOENT) return std::nullopt;
+bool secJudgeFolder(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) return false;
     fail();
   }
-  struct stat status {};
-  done(::lstat(resolved, &status));
-  secRequire(S_ISDIR(status.st_mode) && (!ours || isPrivate(status, S_IFDIR)), errSecNotPrivate);
-  return resolved;
+  secRequire(isPrivate(status, S_IFDIR), errSecNotPrivate);
+  return true;
+}
+
+std::optional<std::string> secResolveFolder(const std::string& path) {
+  char resolved[PATH_MAX];
+  // The dot is there in folders alone.
+  if (::realpath((path + "/.").c_str(), resolved)) return resolved;
+  if (errno == ENOENT) return std::nullopt;
+  fail();
 }
 
 bool secPublishFile(const std::string& path, SecView content) {

@@ -24,8 +24,11 @@ std::optional<SecFileNumber> secJudgeFile(const std::string& path);
 /// Makes a folder that only this user can enter, and what is missing above it.
 void secMakePrivateFolder(const std::string& path);
 
-/// The path of a folder without links, absent when there is no such folder; `ours` asks for a private one.
-std::optional<std::string> secResolveFolder(const std::string& path, bool ours);
+/// Makes sure of a private folder, which may be behind a link; false when there is none.
+bool secJudgeFolder(const std::string& path);
+
+/// The path of a folder without links, absent when there is no such folder.
+std::optional<std::string> secResolveFolder(const std::string& path);
 
 /// Writes a new private file so that it is either there as a whole, and will be after a crash, or not there.
 /// False, and nothing changed, when something of that name is there.
