@@ -108,6 +108,17 @@ void removal(benchmark::State& state) {
 }
 BENCHMARK(removal)->Apply(sizes);
 
+void mapping(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const auto list = texts(0, count);
+  const auto same = [](const Ref<NSObject>& element, std::size_t, bool*) -> RefPtr<NSObject> {
+    return element;
+  };
+  for (auto _ : state) benchmark::DoNotOptimize(VXAdditions::vxfoundation_map(*list, same));
+  perElement(state, count);
+}
+BENCHMARK(mapping)->Apply(sizes);
+
 constexpr std::size_t places = 5;
 
 void combinations(benchmark::State& state) {

@@ -65,6 +65,12 @@ void keyPathJoined(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(CXKeyValueCoding::stringByAppendingKeyPath(*path, "name"));
 }
 
+void keyPathMade(benchmark::State& state) {
+  const Ref<NSString> name = NSString::stringWithUTF8String(utf8Of(state));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(CXKeyValueCoding::stringWithKeyPathComponents({name, name, name}));
+}
+
 void propertyListRead(benchmark::State& state) {
   std::string xml = "<plist><dict>";
   for (std::int64_t i = 0; i < state.range(0); ++i)
@@ -85,4 +91,5 @@ VX_TEXT_BENCHMARK(textHashAndEquality);
 VX_TEXT_BENCHMARK(textTakenApart);
 VX_TEXT_BENCHMARK(textFilledIn);
 VX_TEXT_BENCHMARK(keyPathJoined);
+VX_TEXT_BENCHMARK(keyPathMade);
 BENCHMARK(propertyListRead)->RangeMultiplier(8)->Range(8, 8 << 9)->Complexity(benchmark::oN);
