@@ -15,8 +15,6 @@
 namespace {
 
 struct Free {
-  void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
-  void operator()(EVP_MD* digest) const { EVP_MD_free(digest); }
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
   void operator()(EVP_KDF* kdf) const { EVP_KDF_free(kdf); }
   void operator()(EVP_KDF_CTX* context) const { EVP_KDF_CTX_free(context); }
@@ -28,9 +26,14 @@ template <class Handle>
 using Owned = std::unique_ptr<Handle, Free>;
 
 template <class Handle>
-Owned<Handle> own(Handle* handle) {
+Handle* there(Handle* handle) {
   secRequire(handle != nullptr, errSecAllocate);
-  return Owned<Handle>(handle);
+  return handle;
+}
+
+template <class Handle>
+Owned<Handle> own(Handle* handle) {
+  return Owned<Handle>(there(handle));
 }
 
 const unsigned char* in(SecView bytes) { return reinterpret_cast<const unsigned char*>(bytes.data()); }
@@ -51,17 +54,17 @@ OSSL_PARAM octets(const char* name, SecView bytes) {
 // kept to the end of the process, and never let go of: a host's own exit handlers may still want it.
 
 const EVP_CIPHER* cipher() {
-  static const EVP_CIPHER* const found = own(EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr)).release();
+  static const EVP_CIPHER* const found = there(EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr));
   return found;
 }
 
 const EVP_MD* hash() {
-  static const EVP_MD* const found = own(EVP_MD_fetch(nullptr, "SHA256", nullptr)).release();
+  static const EVP_MD* const found = there(EVP_MD_fetch(nullptr, "SHA256", nullptr));
   return found;
 }
 
 EVP_KDF* hkdf() {
-  static EVP_KDF* const found = own(EVP_KDF_fetch(nullptr, "HKDF", nullptr)).release();
+  static EVP_KDF* const found = there(EVP_KDF_fetch(nullptr, "HKDF", nullptr));
   return found;
 }
 
