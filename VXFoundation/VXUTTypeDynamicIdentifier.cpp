@@ -1,6 +1,8 @@
 #include <VXFoundation/VXUTTypeDynamicIdentifier.h>
 
-#include <optional>
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +17,17 @@ constexpr char16_t _VXUTTypeBase32Padding = u'=';
 constexpr std::size_t prefixLength = 5;
 constexpr std::size_t groupLength = 8;
 
-std::size_t valueOf(char16_t character) { return _VXUTTypeBase32Alphabet.find(character); }
+constexpr std::uint8_t noValue = 0xFF;
+
+constexpr auto values = [] {
+  std::array<std::uint8_t, 128> table{};
+  table.fill(noValue);
+  for (std::size_t value = 0; value < _VXUTTypeBase32Alphabet.size(); ++value)
+    table[_VXUTTypeBase32Alphabet[value]] = static_cast<std::uint8_t>(value);
+  return table;
+}();
+
+std::uint8_t valueOf(char16_t character) { return character < values.size() ? values[character] : noValue; }
 
 std::u16string_view withoutPadding(std::u16string_view body) {
   return body.substr(0, body.find_last_not_of(_VXUTTypeBase32Padding) + 1);
@@ -30,7 +42,8 @@ bool isValid(std::u16string_view body) {
   const std::u16string_view characters = withoutPadding(body);
   const std::size_t padded = (body.size() + groupLength - 1) / groupLength * groupLength;
   return isPadding(padded - characters.size()) &&
-         characters.find_first_not_of(_VXUTTypeBase32Alphabet) == std::u16string_view::npos;
+         std::all_of(characters.begin(), characters.end(),
+                     [](char16_t character) { return valueOf(character) != noValue; });
 }
 
 // Groups of eight characters are whole bytes, so that one buffer of bits serves all of them.

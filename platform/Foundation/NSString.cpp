@@ -46,6 +46,18 @@ RefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
   return text;
 }
 
+template <class Unit>
+Ref<NSArray> piecesOf(std::basic_string_view<Unit> units, std::basic_string_view<Unit> mark) {
+  const Ref<NSMutableArray> pieces = NSMutableArray::array();
+  std::size_t end = 0;
+  while (!mark.empty() && (end = units.find(mark)) != units.npos) {
+    pieces->addObject(stringWithUnits(units.substr(0, end)));
+    units.remove_prefix(end + mark.size());
+  }
+  pieces->addObject(stringWithUnits(units));
+  return pieces;
+}
+
 [[noreturn]] void raiseRange(std::size_t index, std::size_t length) {
   NSException::raise(NSRangeException, "index %lu is beyond the text's length %lu", index, length);
 }
@@ -155,18 +167,11 @@ Ref<NSString> NSString::stringByAppendingString(Text tail) const {
 }
 
 Ref<NSArray> NSString::componentsSeparatedByString(Text separator) const {
-  const Ref<NSMutableArray> pieces = NSMutableArray::array();
-  const auto text = static_cast<std::u16string>(*this);
-  const auto mark = static_cast<std::u16string>(*Ref<NSString>(separator.get()));
-  std::size_t start = 0;
-  while (!mark.empty()) {
-    const std::size_t end = text.find(mark, start);
-    if (end == std::u16string::npos) break;
-    pieces->addObject(stringWithCharacters(std::u16string_view(text).substr(start, end - start)));
-    start = end + mark.size();
-  }
-  pieces->addObject(stringWithCharacters(std::u16string_view(text).substr(start)));
-  return pieces;
+  const Ref<NSString> mark = separator.get();
+  if (!wide_ && !mark->wide_)
+    return piecesOf(std::string_view(unitsAs<char>(), length()),
+                    std::string_view(mark->unitsAs<char>(), mark->length()));
+  return piecesOf(std::u16string_view(std::u16string(*this)), std::u16string_view(std::u16string(*mark)));
 }
 
 bool NSString::isEqual(const RefPtr<NSObject>& other) const {
