@@ -1,30 +1,17 @@
 #include <Foundation/NSUnicode.h>
-#include <VXFoundation/VXFoundation.h>
 #include <VXFoundation/VXUTTypeDynamicIdentifier.h>
 
 #include <algorithm>
 #include <map>
 
 #include "fuzz/Fuzz.h"
+#include "tests/DynamicIdentifiers.h"
 
 // Dynamic type identifiers: any two are related or not without harm, and what is packed here is unpacked
 // there. An input is two identifiers, or the texts that two pack, with a line break between them.
 namespace {
 
 using Pairs = std::map<std::string, std::string>;
-
-/// Packs the bytes, five bits a character, the most significant first.
-std::string packed(std::string_view bytes) {
-  constexpr std::string_view alphabet = "abcdefghkmnpqrstuvwxyz0123456789";
-  std::string identifier = "dyn.a";
-  unsigned bits = 0, count = 0;
-  for (const char byte : bytes) {
-    bits = bits << 8 | static_cast<unsigned char>(byte);
-    for (count += 8; count >= 5; count -= 5) identifier += alphabet[bits >> (count - 5) & 31];
-  }
-  if (count > 0) identifier += alphabet[bits << (5 - count) & 31];
-  return identifier;
-}
 
 Pairs pairsOf(std::string_view text) {
   Pairs pairs;
@@ -45,18 +32,25 @@ bool offersAll(const Pairs& offered, const Pairs& required) {
   });
 }
 
+Ref<NSString> textOf(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
+
 void unpack(std::string_view bytes) {
-  const RefPtr<NSString> text =
-      VXUTTypeDecodeDynamicIdentifier(*NSString::stringWithUTF8String(packed(bytes)));
+  const Ref<NSString> identifier = textOf(packed(bytes));
+  const RefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(*identifier);
   fuzzRequire(text ? text->UTF8String() == bytes : !NSIsASCII(bytes), "what is packed can be unpacked");
+  if (!text) return;
+  const RefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*identifier);
+  const Pairs pairs = pairsOf(bytes);
+  fuzzRequire(map->count() == pairs.size(), "the map has no other pairs");
+  for (const auto& [key, value] : pairs)
+    fuzzRequire(textOf(value)->isEqual(map->objectForKey(textOf(key))), "the map has the pairs");
 }
 
 void relatePacked(std::string_view first, std::string_view second) {
   unpack(first);
   unpack(second);
   if (!NSIsASCII(first) || !NSIsASCII(second) || first.empty() || second.empty()) return;
-  const bool conforms = VXUTTypeConformsTo(NSString::stringWithUTF8String(packed(first)),
-                                           NSString::stringWithUTF8String(packed(second)));
+  const bool conforms = VXUTTypeConformsTo(textOf(packed(first)), textOf(packed(second)));
   const bool expected = first == second || offersAll(pairsOf(first), pairsOf(second));
   fuzzRequire(conforms == expected, "a type conforms when it has all the pairs");
 }

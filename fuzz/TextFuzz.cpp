@@ -52,13 +52,14 @@ void fromUTF16(std::u16string_view units, std::string_view bytes) {
 }
 
 /// Cut at every separator and put together again, a text is what it was.
-void takeApart(const Ref<NSString>& text, const Ref<NSString>& separator) {
-  RefPtr<NSString> joined;
-  const Ref<NSArray> pieces = text->componentsSeparatedByString(separator);
-  for (const Ref<NSObject> piece : *pieces) {
-    const Ref<NSString> next = dynamicCast<NSString>(piece);
-    joined = joined ? joined->stringByAppendingString(separator)->stringByAppendingString(next) : next;
-  }
+void takeApart(const Ref<NSString>& text, const std::u16string& separator) {
+  const Ref<NSString> mark = NSString::stringWithCharacters(separator);
+  const Ref<NSArray> pieces = text->componentsSeparatedByString(mark);
+  for (const Ref<NSObject> piece : *pieces)
+    fuzzRequire(separator.empty() ||
+                    std::u16string(*dynamicCast<NSString>(piece)).find(separator) == std::u16string::npos,
+                "no piece has a separator");
+  const Ref<NSString> joined = pieces->componentsJoinedByString(mark);
   fuzzRequire(text->isEqual(joined), "pieces and separators make the text");
   fuzzRequire(text->hash() == joined->hash(), "equal texts have one hash");
 }
@@ -79,7 +80,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::u16string units = unitsFrom(bytes);
   fromUTF16(units, bytes.substr(0, units.size() * 2));
   const Ref<NSString> text = NSString::stringWithCharacters(units);
-  takeApart(text, NSString::stringWithCharacters(units.substr(0, 1)));
+  takeApart(text, units.substr(0, 1));
+  takeApart(text, units.substr(0, 2));
   fillIn(text);
   return 0;
 }

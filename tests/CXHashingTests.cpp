@@ -1,6 +1,3 @@
-#include "VXFoundation/NSData+CXHashing.h"
-
-#include <gtest/gtest.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 #include <sys/mman.h>
@@ -9,18 +6,12 @@
 #include <random>
 #include <thread>
 
-#include "VXFoundation/NSData+VXBaseConversion.h"
+#include "Bytes.h"
 #include "Support.h"
 
 namespace {
 
 using namespace CXHashing;
-
-Ref<NSData> dataOf(std::string_view bytes) { return NSData::dataWithBytes(bytes.data(), bytes.size()); }
-
-std::string bytesOf(const NSData& data) {
-  return {reinterpret_cast<const char*>(data.bytes().data()), data.length()};
-}
 
 std::string opensslDigest(const char* algorithm, const NSData& data) {
   unsigned char digest[EVP_MAX_MD_SIZE];
@@ -46,11 +37,10 @@ TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
     const auto digest = row[0] == "md5"    ? MD5Hash(*data)
                         : row[0] == "sha1" ? SHA1Hash(*data)
                                            : HMAC_SHA1_WithSecretKey(*data, key);
-    EXPECT_TRUE(
-        digest->isEqual(VXBaseConversion::dataWithBase16String(NSString::stringWithUTF8String(row[4]))))
+    EXPECT_TRUE(digest->isEqual(VXBaseConversion::dataWithBase16String(text(row[4]))))
         << row[0] << " of " << row[2];
-    EXPECT_EQ(bytesOf(*data), message) << "the receiver is unchanged";
-    EXPECT_EQ(bytesOf(*key), row[1]) << "the key is unchanged";
+    EXPECT_EQ(bytesOf(data), message) << "the receiver is unchanged";
+    EXPECT_EQ(bytesOf(key), row[1]) << "the key is unchanged";
   }
 }
 
@@ -60,12 +50,12 @@ TEST(CXHashingTests, AgreeWithOpenSSLAtEveryShortLengthOfMessageAndKey) {
   for (char& byte : bytes) byte = static_cast<char>(random());
   for (std::size_t length = 0; length <= 300; ++length) {
     const auto data = dataOf(std::string_view(bytes).substr(length / 3, length));
-    ASSERT_EQ(bytesOf(*MD5Hash(*data)), opensslDigest("MD5", *data)) << length;
-    ASSERT_EQ(bytesOf(*SHA1Hash(*data)), opensslDigest("SHA1", *data)) << length;
+    ASSERT_EQ(bytesOf(MD5Hash(*data)), opensslDigest("MD5", *data)) << length;
+    ASSERT_EQ(bytesOf(SHA1Hash(*data)), opensslDigest("SHA1", *data)) << length;
     for (const std::size_t keyLength : {std::size_t{0}, std::size_t{1}, length % 80, std::size_t{63},
                                         std::size_t{64}, std::size_t{65}, length}) {
       const auto key = dataOf(std::string_view(bytes).substr(0, keyLength));
-      ASSERT_EQ(bytesOf(*HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key))
+      ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key))
           << length << " " << keyLength;
     }
   }
@@ -77,7 +67,7 @@ TEST(CXHashingTests, AnswerEachOfManyThreads) {
     threads.emplace_back([number] {
       const auto data = dataOf(std::string(1000, static_cast<char>(number)));
       const std::string expected = opensslHMAC(*data, *data);
-      for (int i = 0; i < 500; ++i) ASSERT_EQ(bytesOf(*HMAC_SHA1_WithSecretKey(*data, data)), expected);
+      for (int i = 0; i < 500; ++i) ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, data)), expected);
     });
   for (std::thread& thread : threads) thread.join();
 }
@@ -97,14 +87,14 @@ TEST(CXHashingTests, CutFourGibibytesForTheDigestsAloneAndNotForHMAC) {
   if (available < fourGibibytes + (fourGibibytes >> 2)) GTEST_SKIP() << "needs 5 GiB of free memory";
   const auto data = NSMutableData::dataWithLength(fourGibibytes + 3);
   data->setLength(fourGibibytes);
-  EXPECT_EQ(bytesOf(*MD5Hash(*data)), bytesOf(*MD5Hash(*NSData::data())));
+  EXPECT_EQ(bytesOf(MD5Hash(*data)), bytesOf(MD5Hash(*NSData::data())));
   data->setLength(fourGibibytes + 3);
   data->mutableBytes()[1] = std::byte{7};
   const auto start = NSData::dataWithBytes(data->bytes().first(3));
-  EXPECT_EQ(bytesOf(*MD5Hash(*data)), bytesOf(*MD5Hash(*start)));
-  EXPECT_EQ(bytesOf(*SHA1Hash(*data)), bytesOf(*SHA1Hash(*start)));
+  EXPECT_EQ(bytesOf(MD5Hash(*data)), bytesOf(MD5Hash(*start)));
+  EXPECT_EQ(bytesOf(SHA1Hash(*data)), bytesOf(SHA1Hash(*start)));
   const auto key = dataOf("key");
-  EXPECT_EQ(bytesOf(*HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key));
+  EXPECT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key));
 }
 
 }  // namespace

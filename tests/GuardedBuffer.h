@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <new>
 #include <span>
@@ -27,8 +28,14 @@ class GuardedBuffer {
     return {begin() + room_ - gap - count, count};
   }
 
-  /// All of it.
-  std::span<Unit> all() const { return {begin(), room_}; }
+  void fill(Unit mark) const { std::fill_n(begin(), room_, mark); }
+
+  /// Whether all that was filled with the mark still has it, but for the part.
+  bool isFilledBeside(std::span<const Unit> part, Unit mark) const {
+    const auto isMark = [mark](Unit unit) { return unit == mark; };
+    return std::all_of<const Unit*>(begin(), part.data(), isMark) &&
+           std::all_of<const Unit*>(part.data() + part.size(), begin() + room_, isMark);
+  }
 
  private:
   static_assert(sizeof(Unit) == 1);
