@@ -12,6 +12,10 @@
 /// What a fuzz target is: it takes any bytes, and dies when something that was promised does not hold.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
+inline void fuzzWith(std::string_view input) {
+  LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
+}
+
 /// Says which promise is broken, by an exception: a fuzzer takes one for a finding, a test tells the input.
 inline void fuzzRequire(bool holds, const char* promise) {
   if (!holds) throw std::logic_error(std::string("does not hold: ") + promise);

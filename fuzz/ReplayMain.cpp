@@ -10,17 +10,12 @@
 //   TARGET FOLDER...
 namespace {
 
-std::vector<char> contentOf(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  file.exceptions(std::ios::badbit);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 int replay(const std::filesystem::path& folder) {
   int inputs = 0;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    const std::vector<char> content = contentOf(entry.path());
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
+    std::ifstream file(entry.path(), std::ios::binary);
+    file.exceptions(std::ios::badbit);
+    fuzzWith(std::string(std::istreambuf_iterator<char>(file), {}));
     ++inputs;
   }
   return inputs;

@@ -7,11 +7,14 @@
 #include <filesystem>
 #include <map>
 
+#include "Bytes.h"
 #include "Support.h"
 
 namespace files = std::filesystem;
 
 namespace {
+
+const files::path resources = files::path(VX_LIBRARY).parent_path() / "Resources";
 
 RefPtr<NSObject> propertyList(std::string_view body) {
   const std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\">" + std::string(body) + "</plist>";
@@ -19,18 +22,19 @@ RefPtr<NSObject> propertyList(std::string_view body) {
 }
 
 // A copy of the library in a folder of its own, whose resources a test damages.
-class MovedLibrary : public testing::Test {
- protected:
+class MovedLibrary {
+ public:
   MovedLibrary() {
     files::create_directories(folder_);
     files::copy_file(VX_LIBRARY, folder_ / "libVXFoundation.so.1");
-    files::copy(files::path(VX_LIBRARY).parent_path() / "Resources", folder_ / "Resources",
-                files::copy_options::recursive);
+    files::copy(resources, folder_ / "Resources", files::copy_options::recursive);
   }
-  ~MovedLibrary() override { files::remove_all(folder_); }
+  ~MovedLibrary() { files::remove_all(folder_); }
 
-  void replace(const char* file, std::string_view content) {
-    std::ofstream(folder_ / "Resources" / file) << content;
+  // Puts the content, or nothing when that is "-", in the place of what is there.
+  void replace(const std::string& name, const std::string& content) {
+    files::remove_all(folder_ / name);
+    if (content != "-") std::ofstream(folder_ / name) << content;
   }
 
   // What a host that loads this copy is told for "Cancel".
@@ -44,15 +48,15 @@ class MovedLibrary : public testing::Test {
     return line;
   }
 
+ private:
   files::path folder_ = files::temp_directory_path() / ("vxfoundation-frame-" + std::to_string(getpid()));
 };
 
 }  // namespace
 
 TEST(Frame, ConstantsAreWhatHostsRelyOn) {
-  EXPECT_EQ(static_cast<std::string>(*VXFoundationBundleIdentifier), "org.vxfoundation.VXFoundation");
-  EXPECT_EQ(static_cast<std::string>(*VXSubclassResponsibilityException),
-            "VXSubclassResponsibilityException");
+  EXPECT_EQ(bytesOf(VXFoundationBundleIdentifier), "org.vxfoundation.VXFoundation");
+  EXPECT_EQ(bytesOf(VXSubclassResponsibilityException), "VXSubclassResponsibilityException");
 }
 
 TEST(Frame, LanguagesComeInTheOrderOfGettext) {
@@ -71,7 +75,6 @@ TEST(Frame, LanguagesComeInTheOrderOfGettext) {
 }
 
 TEST(Frame, EveryLanguageHasEveryKey) {
-  const files::path resources = files::path(VX_LIBRARY).parent_path() / "Resources";
   const auto table = [&](const std::string& language) {
     return dynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(
         (resources / (language + ".lproj") / "Localizable.strings").string()));
@@ -93,37 +96,23 @@ TEST(Frame, EveryLanguageHasEveryKey) {
   }
 }
 
-TEST_F(MovedLibrary, IsFoundWhereItWasLoadedFrom) {
-  EXPECT_EQ(cancel("de"), "Abbrechen");
-  EXPECT_EQ(cancel("xx:fr"), "Annuler");
-  EXPECT_EQ(cancel("C:fr"), "Cancel");
+TEST(Frame, ACopyOfTheLibraryAnswersFromItsOwnResources) {
+  for (const auto& row : byteVectors("moved-libraries.tsv")) {
+    MovedLibrary library;
+    if (!row[0].empty()) library.replace(row[0], row[1]);
+    EXPECT_EQ(library.cancel(row[2]), row[3]) << testing::PrintToString(row);
+  }
 }
 
-TEST_F(MovedLibrary, DamagedFilesCountAsNotThere) {
-  replace("de.lproj/Localizable.strings", "<plist><dict><key>Cancel</key><string>Abbre");
-  EXPECT_EQ(cancel("de"), "Cancel");
-  EXPECT_EQ(cancel("de:fr"), "Annuler");
-  replace("fr.lproj/Localizable.strings", "<plist><dict><key>Cancel</key><true/></dict></plist>");
-  EXPECT_EQ(cancel("fr"), "Cancel") << "a value that is no text";
-  replace("Info.plist", "\xFF\xFE no property list");
-  EXPECT_EQ(cancel("de"), "(no bundle)");
-}
-
-TEST_F(MovedLibrary, WithoutResourcesHasNoBundle) {
-  files::remove_all(folder_ / "Resources");
-  EXPECT_EQ(cancel("de"), "(no bundle)");
-}
-
-TEST(PropertyLists, HoldEveryKindOfValue) {
-  const auto map = dynamicCast<NSDictionary>(propertyList(
-      "<dict><key>b</key><true/><key>a</key><array><integer> -7 </integer><string> &lt;\xC3\xA9 </string>"
-      "<array/><real>1.5</real></array></dict>"));
-  ASSERT_TRUE(map);
-  const auto expected = NSDictionary::dictionaryWithObjectsAndKeys(
-      {{NSNumber::numberWithBool(true), "b"},
-       {NSArray::arrayWithObjects({NSNumber::numberWithInteger(-7), " <\xC3\xA9 ", NSArray::array(), "1.5"}),
-        "a"}});
-  EXPECT_TRUE(map->isEqual(expected)) << *map->description();
+TEST(PropertyLists, AreTheValuesOfTheTableNoTwoOfWhichAreEqual) {
+  const auto rows = byteVectors("property-lists.tsv");
+  for (const auto& row : rows)
+    for (const auto& other : rows) {
+      const RefPtr<NSObject> value = propertyList(row[0]), another = propertyList(other[0]);
+      ASSERT_TRUE(value && another) << row[0] << other[0];
+      EXPECT_EQ(bytesOf(value->description()), row[1]) << row[0];
+      EXPECT_EQ(value->isEqual(another), &row == &other) << row[0] << other[0];
+    }
 }
 
 TEST(PropertyLists, WhatIsNoneIsAbsent) {
@@ -138,21 +127,29 @@ TEST(PropertyLists, WhatIsNoneIsAbsent) {
 }
 
 TEST(PropertyLists, EveryCutIsAbsentOrWhole) {
-  const std::string xml =
+  const std::string_view xml =
       "<plist><dict><key>a</key><array><integer>1</integer><false/></array></dict></plist>";
-  for (std::size_t length = 0; length < xml.size(); ++length)
-    EXPECT_FALSE(NSPropertyListWithData(std::as_bytes(std::span(xml.data(), length)))) << length;
-  EXPECT_TRUE(NSPropertyListWithData(std::as_bytes(std::span(xml))));
+  for (std::size_t length = 0; length <= xml.size(); ++length) {
+    const auto cut = NSPropertyListWithData(std::as_bytes(std::span(xml.substr(0, length))));
+    EXPECT_EQ(bool(cut), length == xml.size()) << length;
+  }
 }
 
 TEST(Bundles, AnswerForWhatIsNotThere) {
   EXPECT_FALSE(NSBundle::bundleWithIdentifier("org.vxfoundation.nobody"));
   EXPECT_FALSE(NSBundle::bundleWithIdentifier(nullptr));
   EXPECT_FALSE(NSBundle::bundleWithPath("/nowhere"));
+}
+
+TEST(Bundles, TranslateAsTheTableSays) {
+  setenv("LC_ALL", "en_GB.UTF-8", 1);
+  setenv("LANGUAGE", "de", 1);
   const auto bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
   ASSERT_TRUE(bundle);
-  EXPECT_TRUE(bundle->localizedStringForKey("no such key", "", nullptr)->isEqual(text("no such key")));
-  EXPECT_TRUE(bundle->localizedStringForKey("no such key", "value", nullptr)->isEqual(text("value")));
-  EXPECT_TRUE(bundle->localizedStringForKey(nullptr, nullptr, nullptr)->isEqual(NSString::string()));
-  EXPECT_TRUE(bundle->localizedStringForKey("Cancel", "", "no such table")->isEqual(text("Cancel")));
+  const auto cell = [](const std::string& said) {
+    return said == "-" ? nullptr : RefPtr<NSString>(text(said));
+  };
+  for (const auto& row : vectors("localized-strings.tsv"))
+    EXPECT_EQ(bytesOf(bundle->localizedStringForKey(cell(row[0]), cell(row[1]), cell(row[2]))), row[3])
+        << testing::PrintToString(row);
 }

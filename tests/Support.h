@@ -13,15 +13,22 @@
 /// The text of well-formed UTF-8 that is known only at run time.
 inline Ref<NSString> text(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
 
-/// The name of the exception that `action` raises, or "nothing".
+/// The exception that `action` raises, if any.
 template <class Action>
-std::string raised(Action&& action) {
+std::optional<NSException> exceptionOf(Action&& action) {
   try {
     action();
   } catch (const NSException& exception) {
-    return static_cast<std::string>(*exception.name());
+    return exception;
   }
-  return "nothing";
+  return {};
+}
+
+/// The name of the exception that `action` raises, or "nothing".
+template <class Action>
+std::string raised(Action&& action) {
+  const auto exception = exceptionOf(action);
+  return exception ? static_cast<std::string>(*exception->name()) : "nothing";
 }
 
 /// The rows of a table in tests/vectors: cells between tabs; empty lines and those that begin with # are

@@ -11,8 +11,7 @@ namespace {
 
 // What the fuzz target promises of any bytes: conversions as the C library has them, both ways and back.
 void expectPromisesKept(const std::string& bytes) {
-  EXPECT_NO_THROW(LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()))
-      << testing::PrintToString(bytes);
+  EXPECT_NO_THROW(fuzzWith(bytes)) << testing::PrintToString(bytes);
 }
 
 const std::u16string loneHigh = u"a\xD800";

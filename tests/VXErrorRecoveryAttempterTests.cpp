@@ -6,14 +6,6 @@ namespace {
 
 const Ref<NSError> failure = NSError::errorWithDomain("domain", 3, nullptr);
 
-Ref<VXErrorRecoveryAttempter> attempterWith(std::initializer_list<bool> results) {
-  const Ref<VXErrorRecoveryAttempter> attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
-  for (const bool result : results)
-    attempter->addRecoveryOptionWithLocalizedTitle(text(result ? "yes" : "no"),
-                                                   [result](const auto&) { return result; });
-  return attempter;
-}
-
 struct Listener : NSObject::Subclass<Listener> {
   void didRecover(bool recovered, void* contextInfo) {
     heard += recovered ? "yes " : "no ";
@@ -33,55 +25,66 @@ struct Picker : NSErrorPresenter {
   std::string title;
 };
 
+class VXErrorRecovery : public testing::Test {
+ protected:
+  // Options whose titles say what their actions answer.
+  void addOptions(std::initializer_list<bool> results) {
+    for (const bool result : results)
+      attempter->addRecoveryOptionWithLocalizedTitle(text(result ? "yes" : "no"),
+                                                     [result](const auto&) { return result; });
+  }
+  std::string add(Text title, const RefPtr<VXErrorRecoveryBlock>& block) {
+    return raised([&] { attempter->addRecoveryOptionWithLocalizedTitle(title, block); });
+  }
+  std::string attempt(std::size_t index) {
+    return raised([&] { attempter->attemptRecoveryFromError(failure, index, listener, selector, &context); });
+  }
+
+  const Ref<VXErrorRecoveryAttempter> attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
+  const RefPtr<Listener> listener = Listener::alloc();
+  void (Listener::*selector)(bool, void*) = &Listener::didRecover;
+  int context = 0;
+};
+
 }  // namespace
 
-TEST(VXErrorRecoveryAttempter, OptionsKeepTheirOrderInAListOfTheirOwn) {
-  const auto attempter = attempterWith({});
+TEST_F(VXErrorRecovery, OptionsKeepTheirOrderInAListOfTheirOwn) {
   const auto before = attempter->recoveryOptions();
-  for (const Text title : {Text("first"), Text("second")})
-    attempter->addRecoveryOptionWithLocalizedTitle(title, [](const auto&) { return true; });
+  addOptions({true, false});
   EXPECT_EQ(before->count(), 0U);
-  EXPECT_TRUE(attempter->recoveryOptions()->isEqual(NSArray::arrayWithObjects({"first", "second"})));
+  EXPECT_TRUE(attempter->recoveryOptions()->isEqual(NSArray::arrayWithObjects({"yes", "no"})));
   const auto shared = NSMutableArray::array();
   attempter->setTitles(shared);
   EXPECT_EQ(attempter->titles(), shared) << "the list itself, not a copy";
 }
 
-TEST(VXErrorRecoveryAttempter, TheActionAtTheIndexGetsTheVeryError) {
-  const auto attempter = attempterWith({false});
+TEST_F(VXErrorRecovery, TheActionAtTheIndexGetsTheVeryErrorWithoutADelegateToo) {
+  addOptions({false});
   std::vector<NSError*> told;
   const RefPtr<VXErrorRecoveryBlock> action = [&](const auto& error) {
     return told.push_back(error.get()), true;
   };
-  attempter->addRecoveryOptionWithLocalizedTitle("once", action);
-  attempter->addRecoveryOptionWithLocalizedTitle("again", action);
+  EXPECT_EQ(add("once", action) + add("again", action), "nothingnothing");
   EXPECT_FALSE(attempter->attemptRecoveryFromError(failure, 0));
   EXPECT_TRUE(attempter->attemptRecoveryFromError(failure, 2));
-  attempter->attemptRecoveryFromError(failure, 1, RefPtr<Listener>(), &Listener::didRecover, nullptr);
+  attempter->attemptRecoveryFromError(failure, 1, RefPtr<Listener>(), selector, nullptr);
   attempter->attemptRecoveryFromError(failure, 1, nullptr, nullptr);
-  EXPECT_EQ(told, std::vector(3, failure.get())) << "the action runs without a delegate, too";
+  EXPECT_EQ(told, std::vector(3, failure.get()));
 }
 
-TEST(VXErrorRecoveryAttempter, TheDelegateHearsResultAndContext) {
-  const auto attempter = attempterWith({true, false});
-  const RefPtr<Listener> listener = Listener::alloc();
-  int context = 0;
-  attempter->attemptRecoveryFromError(failure, 0, listener, &Listener::didRecover, &context);
+TEST_F(VXErrorRecovery, TheDelegateHearsResultAndContext) {
+  addOptions({true, false});
+  EXPECT_EQ(attempt(0), "nothing");
   EXPECT_EQ(listener->context, &context);
-  attempter->attemptRecoveryFromError(failure, 1, listener, &Listener::didRecover, nullptr);
+  attempter->attemptRecoveryFromError(failure, 1, listener, selector, nullptr);
   EXPECT_EQ(listener->context, nullptr);
   const auto tell = [&](bool recovered, void* told) { listener->didRecover(recovered, told); };
   attempter->attemptRecoveryFromError(failure, 0, tell, &context);
   EXPECT_EQ(listener->heard, "yes no yes ");
 }
 
-TEST(VXErrorRecoveryAttempter, AnIndexWithoutAnActionRaisesAndTellsNobody) {
-  const auto attempter = attempterWith({true});
-  const RefPtr<Listener> listener = Listener::alloc();
-  auto selector = &Listener::didRecover;
-  const auto attempt = [&](std::size_t index) {
-    return raised([&] { attempter->attemptRecoveryFromError(failure, index, listener, selector, nullptr); });
-  };
+TEST_F(VXErrorRecovery, AnIndexWithoutAnActionRaisesAndTellsNobody) {
+  addOptions({true});
   attempter->titles()->addObject("a title alone");
   EXPECT_EQ(attempt(1), "NSRangeException") << "the actions count, not the titles";
   attempter->blocks()->addObject("no action");
@@ -93,8 +96,7 @@ TEST(VXErrorRecoveryAttempter, AnIndexWithoutAnActionRaisesAndTellsNobody) {
   EXPECT_EQ(listener->heard, "");
 }
 
-TEST(VXErrorRecoveryAttempter, CancelNeverRecoversAndIsOneBlock) {
-  const auto attempter = attempterWith({});
+TEST_F(VXErrorRecovery, CancelNeverRecoversAndIsOneBlock) {
   setenv("LC_ALL", "en_GB.UTF-8", 1);
   for (const char* language : {"en", "de", "xx"}) {
     setenv("LANGUAGE", language, 1);
@@ -105,15 +107,11 @@ TEST(VXErrorRecoveryAttempter, CancelNeverRecoversAndIsOneBlock) {
   EXPECT_TRUE(attempter->titles()->isEqual(NSArray::arrayWithObjects({"Cancel", "Abbrechen", "Cancel"})));
 }
 
-TEST(VXErrorRecoveryAttempter, TitleAndActionAreAsserted) {
-  const auto attempter = attempterWith({});
+TEST_F(VXErrorRecovery, TitleAndActionAreAsserted) {
   const std::string site =
       "VXErrorRecoveryAttempter addRecoveryOptionWithLocalizedTitle:recoveryBlock: VXErrorRecoveryAttempter:";
   const std::string noTitle = site + "45 Invalid parameter not satisfying: localizedTitle != nil";
   const std::string noAction = site + "46 Invalid parameter not satisfying: recoveryBlock != nil";
-  const auto add = [&](Text title, const RefPtr<VXErrorRecoveryBlock>& block) {
-    return raised([&] { attempter->addRecoveryOptionWithLocalizedTitle(title, block); });
-  };
   EXPECT_EQ(add(nullptr, [](const auto&) { return true; }), "NSInternalInconsistencyException");
   EXPECT_EQ(add("title", nullptr), "NSInternalInconsistencyException");
   EXPECT_EQ(attempter->titles()->count(), 0U);
@@ -126,19 +124,18 @@ TEST(VXErrorRecoveryAttempter, TitleAndActionAreAsserted) {
   EXPECT_EQ(attempter->blocks()->count(), 0U);
 }
 
-TEST(VXErrorRecoveryAttempter, APresenterHasTheChosenOptionCarriedOut) {
-  const auto attempter = attempterWith({false, true});
+TEST_F(VXErrorRecovery, APresenterHasTheChosenOptionCarriedOut) {
+  addOptions({false, true});
   const auto userInfo = NSDictionary::dictionaryWithObjectsAndKeys(
       {{attempter, NSRecoveryAttempterErrorKey},
        {attempter->recoveryOptions(), NSLocalizedRecoveryOptionsErrorKey}});
   const auto presented = NSError::errorWithDomain("domain", 3, userInfo);
   EXPECT_TRUE(Picker("yes").presentError(presented));
-  EXPECT_FALSE(Picker("no").presentError(presented));
-  EXPECT_FALSE(Picker("neither").presentError(presented));
+  for (const char* title : {"no", "neither"}) EXPECT_FALSE(Picker(title).presentError(presented));
   EXPECT_FALSE(Picker("yes").presentError(failure));
 }
 
-TEST(VXErrorRecoveryAttempter, AHostsSubclassMakesItsOwn) {
+TEST_F(VXErrorRecovery, AHostsSubclassMakesItsOwn) {
   struct Special : VXErrorRecoveryAttempter::Subclass<Special> {};
   struct Refusing : Special::Subclass<Refusing> {
     bool init() override { return false; }

@@ -42,18 +42,11 @@ struct Greedy : Node::Subclass<Greedy> {
 
 Ref<Node> anyNode(std::mt19937& random, bool finite) {
   const int value = static_cast<int>(random() % 6);
-  switch (random() % (finite ? 6 : 5)) {
-    case 0:
-    case 1:
-      return Node::alloc(value);
-    case 2:
-    case 3:
-      return Hashed::alloc(value);
-    case 4:
-      return Rehashed::alloc(value);
-    default:
-      return Greedy::alloc(random() % 3 ? 0 : value);
-  }
+  const auto kind = random() % (finite ? 6 : 5);
+  if (kind < 2) return Node::alloc(value);
+  if (kind < 4) return Hashed::alloc(value);
+  if (kind < 5) return Rehashed::alloc(value);
+  return Greedy::alloc(random() % 3 ? 0 : value);
 }
 
 // Nodes with random edges, forward ones alone where paths must end; the cycles are broken at the end.
@@ -72,13 +65,13 @@ struct Graph {
   std::vector<Ref<Node>> nodes;
 };
 
-// The walk as it is defined, by recursion.
-template <class Visitor>
-void walk(const Ref<NSObject>& node, bool visit, Visitor&& visitor) {
-  if (visit && !visitor(node)) return;
+// The walk as it is defined, by recursion; a union leaves out what equals a node that it has.
+void walk(const Ref<NSObject>& node, NSMutableArray& list, bool isUnion) {
+  if (isUnion && list.containsObject(node)) return;
+  list.addObject(node);
   const RefPtr<NSArray> children = dynamicCast<Node>(node)->children;
   for (std::size_t i = 0; children && i < children->count(); ++i)
-    if (visitor(children->objectAtIndex(i))) walk(children->objectAtIndex(i), false, visitor);
+    walk(children->objectAtIndex(i), list, isUnion);
 }
 
 std::string addresses(const NSArray& list) {
@@ -88,12 +81,11 @@ std::string addresses(const NSArray& list) {
 }
 
 Ref<Node> chain(int count) {
-  Ref<Node> first = Node::alloc(count - 1);
-  for (int i = count - 2; i >= 0; --i) {
-    const Ref<Node> before = Node::alloc(i);
-    before->next = first;
-    before->children = NSMutableArray::arrayWithObjects({first});
-    first = before;
+  Ref<Node> first = Node::alloc(--count);
+  while (count > 0) {
+    const Ref<Node> after = std::exchange(first, Node::alloc(--count));
+    first->next = after;
+    first->children = NSMutableArray::arrayWithObjects({after});
   }
   return first;
 }
@@ -107,20 +99,15 @@ TEST(VXTreeUnion, UnionAndVisitFollowTheDefinitionOnRandomGraphs) {
   for (int round = 0; round < 20000; ++round) {
     const bool finite = round % 2 == 0;  // cycles never end for a visit, and for a node that equals nothing
     const Graph graph(random, finite);
-    const auto expected = NSMutableArray::array(), visits = NSMutableArray::array();
-    walk(graph.nodes[0], true, [&](const Ref<NSObject>& node) {
-      if (expected->containsObject(node)) return false;
-      expected->addObject(node);
-      return true;
-    });
-    ASSERT_EQ(addresses(*VXFoundationUnionOfTree(descendants, graph.nodes[0])), addresses(*expected))
-        << round;
+    const Ref<Node> root = graph.nodes[0];
+    const auto united = NSMutableArray::array(), walked = NSMutableArray::array();
+    walk(root, *united, true);
+    ASSERT_EQ(addresses(*VXFoundationUnionOfTree(descendants, root)), addresses(*united)) << round;
     if (!finite) continue;
+    walk(root, *walked, false);
     const auto visited = NSMutableArray::array();
-    walk(graph.nodes[0], true, [&](const Ref<NSObject>& node) { return visits->addObject(node), true; });
-    VXFoundationVisitTree(&Node::children, graph.nodes[0],
-                          [&](const auto& node) { visited->addObject(node); });
-    ASSERT_EQ(addresses(*visited), addresses(*visits)) << round;
+    VXFoundationVisitTree(&Node::children, root, [&](const auto& node) { visited->addObject(node); });
+    ASSERT_EQ(addresses(*visited), addresses(*walked)) << round;
   }
 }
 

@@ -88,8 +88,7 @@ TEST(VXUTType, RandomPairsKeepThePromises) {
     std::string input;
     for (std::size_t i = random() % 10; i > 0; --i)
       input += pieces[random() % pieces.size()] + ":\n"[random() % 4 == 0];
-    EXPECT_NO_THROW(LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size()))
-        << input;
+    EXPECT_NO_THROW(fuzzWith(input)) << input;
   }
 }
 
