@@ -1,11 +1,9 @@
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <filesystem>
+#include <cstdio>
 #include <iostream>
 #include <sstream>
 
 #include "fuzz/Fuzz.h"
+#include "tests/SecFileTests.h"
 
 int toolMain(int argc, char** argv);
 
@@ -20,57 +18,29 @@ struct Outcome {
   std::string output, messages;
 };
 
-/// A folder for all that the tool may write, and streams in memory.
-class Surroundings {
- public:
-  Surroundings() {
-    std::string name = std::filesystem::temp_directory_path() / "vxtool.XXXXXX";
-    fuzzRequire(::mkdtemp(name.data()) != nullptr, "there is a temporary folder");
-    folder_ = name;
-    for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
-      ::setenv(variable, name.c_str(), 1);
-  }
-  ~Surroundings() { std::filesystem::remove_all(folder_); }
+/// Runs the tool in a folder for all that it may write, its streams being files beside that folder.
+Outcome run(const std::filesystem::path& root, std::vector<std::string> arguments, std::string_view input) {
+  const std::filesystem::path home = root / "home", in = root / "in", out = root / "out";
+  std::filesystem::remove_all(home);
+  std::filesystem::create_directory(home);
+  for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
+    ::setenv(variable, home.c_str(), 1);
+  writeFile(in, input);
+  fuzzRequire(std::freopen(in.c_str(), "r", stdin) && std::freopen(out.c_str(), "w", stdout),
+              "streams can be replaced");
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
 
-  Outcome run(std::vector<std::string> arguments, std::string_view input) {
-    const std::filesystem::path usualFolder = std::filesystem::current_path();
-    std::filesystem::current_path(folder_);
-    for (const auto& entry : std::filesystem::directory_iterator(folder_)) std::filesystem::remove_all(entry);
-    replaceContent(in_, input);
-    replaceContent(out_, "");
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    std::ostringstream messages;
-    std::streambuf* const usual = std::cerr.rdbuf(messages.rdbuf());
-    const int status = toolMain(static_cast<int>(arguments.size()), pointers.data());
-    std::cerr.rdbuf(usual);
-    std::filesystem::current_path(usualFolder);
-    return {status, contentOf(out_), messages.str()};
-  }
-
- private:
-  static int inMemory(int stream) {
-    const int file = ::memfd_create("stream", MFD_CLOEXEC);
-    fuzzRequire(::dup2(file, stream) == stream, "a stream can be replaced");
-    return file;
-  }
-  static void replaceContent(int file, std::string_view content) {
-    const bool replaced =
-        ::ftruncate(file, 0) == 0 && ::lseek(file, 0, SEEK_SET) == 0 &&
-        ::write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size());
-    fuzzRequire(replaced && ::lseek(file, 0, SEEK_SET) == 0, "a stream can be filled");
-  }
-  static std::string contentOf(int file) {
-    std::string content(static_cast<std::size_t>(::lseek(file, 0, SEEK_END)), '\0');
-    const ssize_t count = ::pread(file, content.data(), content.size(), 0);
-    fuzzRequire(count == static_cast<ssize_t>(content.size()), "a stream can be read");
-    return content;
-  }
-
-  std::filesystem::path folder_;
-  int in_ = inMemory(STDIN_FILENO), out_ = inMemory(STDOUT_FILENO);
-};
+  const std::filesystem::path usualFolder = std::filesystem::current_path();
+  std::filesystem::current_path(home);
+  std::ostringstream messages;
+  std::streambuf* const usual = std::cerr.rdbuf(messages.rdbuf());
+  const int status = toolMain(static_cast<int>(arguments.size()), pointers.data());
+  std::cerr.rdbuf(usual);
+  std::filesystem::current_path(usualFolder);
+  return {status, readFile(out), messages.str()};
+}
 
 /// One folder down at most, so that the tool keeps to the one that it is given.
 std::vector<std::string> argumentsFrom(FuzzInput& input) {
@@ -102,10 +72,10 @@ void judge(const std::vector<std::string>& arguments, const Outcome& outcome) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static Surroundings surroundings;
+  static const TemporaryPlace place;
   FuzzInput input(data, size);
   const std::vector<std::string> arguments = argumentsFrom(input);
   if (has(arguments, "--passphrase-fd")) return 0;  // it would read the fuzzer's own files
-  judge(arguments, surroundings.run(arguments, input.rest()));
+  judge(arguments, run(place.root, arguments, input.rest()));
   return 0;
 }

@@ -39,8 +39,6 @@ TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
                                            : HMAC_SHA1_WithSecretKey(*data, key);
     EXPECT_TRUE(digest->isEqual(VXBaseConversion::dataWithBase16String(text(row[4]))))
         << row[0] << " of " << row[2];
-    EXPECT_EQ(bytesOf(data), message) << "the receiver is unchanged";
-    EXPECT_EQ(bytesOf(key), row[1]) << "the key is unchanged";
   }
 }
 

@@ -2,6 +2,7 @@
 #include <map>
 #include <random>
 
+#include "Bytes.h"
 #include "Support.h"
 
 namespace {
@@ -83,6 +84,7 @@ TEST(Collections, KeysAreCopiedAndComparedByValue) {
   key->appendString("!");
   EXPECT_TRUE(map->objectForKey("key"));
   EXPECT_FALSE(map->objectForKey(key));
+  EXPECT_FALSE(map->objectForKey(nullptr));
 }
 
 TEST(Collections, EqualityAsksTheElementInTheCollection) {
@@ -92,6 +94,9 @@ TEST(Collections, EqualityAsksTheElementInTheCollection) {
   const Ref<NSObject> anything = Anything::alloc();
   EXPECT_TRUE(NSArray::arrayWithObject(anything)->containsObject("x"));
   EXPECT_FALSE(NSArray::arrayWithObject("x")->containsObject(anything));
+  const auto kept = NSMutableArray::arrayWithObjects({"x"});
+  kept->removeObject(anything);
+  EXPECT_EQ(kept->count(), 1U);
   const auto list = NSMutableArray::arrayWithObjects({"x", anything, "y", "x"});
   list->removeObjectsInArray(NSArray::arrayWithObjects({"x"}));
   EXPECT_TRUE(list->isEqual(NSArray::arrayWithObject("y"))) << *list->description();
@@ -115,8 +120,9 @@ TEST(Collections, NumbersAndErrorsAreEqualByValue) {
   const auto error = NSError::errorWithDomain("domain", -5, info);
   EXPECT_TRUE(error->isEqual(NSError::errorWithDomain("domain", -5, info->mutableCopy())));
   EXPECT_FALSE(error->isEqual(NSError::errorWithDomain("domain", -5, nullptr)));
-  EXPECT_EQ(static_cast<std::string>(*error->localizedDescription()), "what");
-  EXPECT_EQ(static_cast<std::string>(*NSError::errorWithDomain("d", 1, nullptr)->localizedDescription()),
-            "error 1 of d");
+  EXPECT_FALSE(error->isEqual(NSError::errorWithDomain("domain", -6, info)));
+  EXPECT_FALSE(error->isEqual(NSError::errorWithDomain("other", -5, info)));
+  EXPECT_EQ(bytesOf(error->localizedDescription()), "what");
+  EXPECT_EQ(bytesOf(NSError::errorWithDomain("d", 1, nullptr)->localizedDescription()), "error 1 of d");
   EXPECT_EQ(raised([] { NSError::errorWithDomain(nullptr, 1, nullptr); }), "NSInvalidArgumentException");
 }

@@ -36,8 +36,4 @@ inline std::string_view asText(std::span<const std::byte> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-inline std::span<const std::byte> asBytes(std::string_view text) {
-  return std::as_bytes(std::span(text.data(), text.size()));
-}
-
 }  // namespace KernelsTests

@@ -1,5 +1,6 @@
 #include <random>
 
+#include "Bytes.h"
 #include "RecordedAssertions.h"
 
 using VXAdditions::vxfoundation_arrayByRemovingObjectsInArray;
@@ -10,9 +11,7 @@ namespace {
 
 using Mapping = Ref<NSObject>(const Ref<NSObject>&, std::size_t, bool*);
 
-std::string joined(const NSArray& list) {
-  return static_cast<std::string>(*list.componentsJoinedByString("|"));
-}
+std::string joined(const NSArray& list) { return *bytesOf(list.componentsJoinedByString("|")); }
 
 const Ref<NSArray> letters = NSArray::arrayWithObjects({"a", "b", "c"});
 
@@ -25,27 +24,25 @@ Ref<NSObject> numbered(const Ref<NSObject>& element, std::size_t index, bool*) {
 TEST(VXAdditions, CombinationsCountLikeAnOdometer) {
   std::mt19937 random(11);
   for (int round = 0; round < 300; ++round) {
-    std::vector<Ref<NSMutableArray>> lists;
+    const auto lists = NSMutableArray::array();
     std::size_t product = 1;
     for (std::size_t i = random() % 5; i > 0; --i) {
-      lists.push_back(NSMutableArray::array());
+      const auto list = NSMutableArray::array();
       for (std::size_t n = random() % 5; n > 0; --n)
-        lists.back()->addObject(text(std::vector{"", "a", "b", "\u00E9", "a"}[n]));
-      product *= lists.back()->count();
+        list->addObject(text(std::vector{"", "a", "b", "\u00E9", "a"}[n]));
+      lists->addObject(list);
+      product *= list->count();
     }
-    const auto outer = NSMutableArray::array();
-    for (const auto& list : lists) outer->addObject(list);
-    const auto results = vxfoundation_combinationsJoined(outer);
+    const auto results = vxfoundation_combinationsJoined(lists);
     ASSERT_EQ(results->count(), product);
-    for (std::size_t k = 0; k < product; ++k) {
+    for (std::size_t k = 0, place = k; k < product; place = ++k) {
       std::string expected;
-      std::size_t place = k;
-      for (const auto& list : lists) {
-        expected += static_cast<std::string>(*list->objectAtIndex(place % list->count())->description());
+      for (const Ref<NSObject> each : *lists) {
+        const RefPtr<NSArray> list = dynamicCast<NSArray>(each);
+        expected += *bytesOf(list->objectAtIndex(place % list->count())->description());
         place /= list->count();
       }
-      const RefPtr<NSMutableString> result = dynamicCast<NSMutableString>(results->objectAtIndex(k));
-      ASSERT_EQ(static_cast<std::string>(*result), expected);
+      ASSERT_EQ(bytesOf(dynamicCast<NSMutableString>(results->objectAtIndex(k))), expected);
     }
   }
 }

@@ -23,18 +23,12 @@ std::string textByDefinition(std::string body) {
 
 std::string decoded(std::string_view identifier) {
   const RefPtr<NSString> result = VXUTTypeDecodeDynamicIdentifier(*text(identifier));
-  return result ? static_cast<std::string>(*result) : "absent";
+  return bytesOf(result).value_or("absent");
 }
 
 std::string shownMap(std::string_view identifier) {
-  std::string shown;
   const RefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*text(identifier));
-  if (!map) return "absent";
-  map->enumerateKeysAndObjectsUsingBlock([&](const Ref<NSObject>& key, const Ref<NSObject>& value, bool*) {
-    if (!shown.empty()) shown += ';';
-    shown.append(static_cast<std::string>(*NSString::stringWithFormat("%@=%@", key, value)));
-  });
-  return shown;
+  return map ? *bytesOf(map->description()) : "absent";
 }
 
 bool conforms(std::string_view type, std::string_view other) {
@@ -116,6 +110,8 @@ TEST(VXUTType, ACollectionIsAskedUpToTheFirstYes) {
   EXPECT_FALSE(VXUTTypeConformsToAnyInCollection("public.text", NSSet::set()));
   EXPECT_TRUE(VXUTTypeConformsToAnyInCollection("public.text", NSSet::setWithObjects({"public.item", "x"})));
   EXPECT_FALSE(VXUTTypeConformsToAnyInCollection(nullptr, NSArray::arrayWithObject("public.item")));
+  const auto dynamic = NSArray::arrayWithObject(text(packed("?b=2")));
+  EXPECT_TRUE(VXUTTypeConformsToAnyInCollection(text(packed("a=1")), dynamic));
 }
 
 TEST(VXUTType, DeclaredTypesAreComparedWithoutAllocation) {

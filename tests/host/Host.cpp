@@ -8,7 +8,7 @@ bool Shape::initWithSides(int sides) {
 int Shape::area() const { VXAdditions::subclassShouldImplementSelector(*this, "area"); }
 
 Ref<NSObject> Countdown::enumeratedObjectAtIndex(std::size_t index) const {
-  return NSNumber::numberWithInteger(static_cast<std::int64_t>(from_ - index));
+  return NSNumber::numberWithInteger(static_cast<std::int64_t>(count() - index));
 }
 
 Ref<NSObject> hostMakesASquare() { return Square::shapeWithSides(1); }

@@ -51,33 +51,13 @@ class HOST_EXPORT Link : public NSObject::Subclass<Link> {
   RefPtr<Link> next;
 };
 
-/// Equality of contents with the hash of identity, and with a hash that agrees.
-class HOST_EXPORT Loose : public NSObject::Subclass<Loose> {
- public:
-  bool isEqual(const RefPtr<NSObject>& other) const override { return dynamicCast<Loose>(other.get()); }
-};
-class HOST_EXPORT Keyed : public NSObject::Subclass<Keyed> {
- public:
-  using HashAgreesWithEquality = Keyed;
-  bool isEqual(const RefPtr<NSObject>& other) const override { return dynamicCast<Keyed>(other.get()); }
-  std::size_t hash() const override { return 7; }
-};
-class HOST_EXPORT LooselyKeyed : public Keyed::Subclass<LooselyKeyed> {
- public:
-  bool isEqual(const RefPtr<NSObject>&) const override { return false; }
-};
-
 /// Numbers that are made as they are walked.
 class HOST_EXPORT Countdown : public NSFastEnumeration::Subclass<Countdown> {
  public:
-  explicit Countdown(std::size_t from = 3) : from_(from) {}
-  std::size_t count() const override { return from_; }
+  std::size_t count() const override { return 3; }
 
  protected:
   Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const override;
-
- private:
-  std::size_t from_;
 };
 
 /// Seen from the host's side of the border.
