@@ -14,12 +14,11 @@ using namespace KernelsTests;
 /// The rules read one byte at a time, with the C library's help.
 std::string encodedByRule(std::string_view bytes) {
   std::string text;
-  for (const char character : bytes) {
-    const auto byte = static_cast<unsigned char>(character);
+  for (const char byte : bytes) {
     char escape[4];
-    std::snprintf(escape, sizeof escape, "%%%02X", byte);
-    const bool plain = byte < 128 && (std::isalnum(byte) || (byte != 0 && std::strchr("-._~", byte)));
-    plain ? text.push_back(static_cast<char>(byte)) : void(text.append(escape));
+    std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned char>(byte));
+    const bool plain = std::isalnum(static_cast<unsigned char>(byte)) || (byte && std::strchr("-._~", byte));
+    text += plain ? std::string(1, byte) : escape;
   }
   return text;
 }
@@ -27,14 +26,12 @@ std::string encodedByRule(std::string_view bytes) {
 Bytes decodedByRule(std::string_view text) {
   std::string bytes;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '%') {
-      bytes.push_back(text[i]);
-      continue;
-    }
+    bytes.push_back(text[i]);
+    if (text[i] != '%') continue;
     const std::string digits(text.substr(i + 1, 2));
     if (digits.size() < 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
       return {};
-    bytes.push_back(static_cast<char>(std::stoi(digits, nullptr, 16)));
+    bytes.back() = static_cast<char>(std::stoi(digits, nullptr, 16));
     i += 2;
   }
   return bytes;

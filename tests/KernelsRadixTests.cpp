@@ -1,11 +1,12 @@
+#include <unistd.h>
+
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 
 #include "GuardedBuffer.h"
 #include "KernelsTests.h"
 #include "Notations.h"
+#include "Support.h"
 
 namespace {
 
@@ -21,10 +22,7 @@ class KernelsRadix : public ::testing::TestWithParam<std::tuple<Set, Notation>> 
 std::string basenc(const std::string& notation, std::span<const std::byte> bytes) {
   const auto file = std::filesystem::temp_directory_path() / ("vx-basenc-" + std::to_string(getpid()));
   std::ofstream(file, std::ios::binary) << asText(bytes);
-  FILE* pipe = popen(("basenc -w0 --" + notation + " " + file.string()).c_str(), "r");
-  std::string text(bytes.size() * 2 + 16, '\0');
-  text.resize(fread(text.data(), 1, text.size(), pipe));
-  EXPECT_EQ(pclose(pipe), 0);
+  const std::string text = outputOf("basenc -w0 --" + notation + " " + file.string());
   std::filesystem::remove(file);
   return text;
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -31,6 +32,15 @@ std::string raised(Action&& action) {
   return exception ? static_cast<std::string>(*exception->name()) : "nothing";
 }
 
+/// What a command of the shell that succeeds puts out.
+inline std::string outputOf(const std::string& command) {
+  FILE* const pipe = popen(command.c_str(), "r");
+  std::string output;
+  for (int c; (c = std::fgetc(pipe)) != EOF;) output.push_back(static_cast<char>(c));
+  EXPECT_EQ(pclose(pipe), 0) << command;
+  return output;
+}
+
 /// The rows of a table in tests/vectors: cells between tabs; empty lines and those that begin with # are
 /// left out.
 inline std::vector<std::vector<std::string>> vectors(const std::string& name) {
@@ -40,12 +50,11 @@ inline std::vector<std::vector<std::string>> vectors(const std::string& name) {
   for (std::string line; std::getline(file, line);) {
     if (line.empty() || line.front() == '#') continue;
     std::vector<std::string> cells{""};
-    for (const char c : line) {
+    for (const char c : line)
       if (c == '\t')
         cells.emplace_back();
       else
         cells.back().push_back(c);
-    }
     rows.push_back(std::move(cells));
   }
   return rows;
