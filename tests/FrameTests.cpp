@@ -33,6 +33,7 @@ class MovedLibrary {
   // Puts the content, or nothing when that is "-", in the place of what is there.
   void replace(const std::string& name, const std::string& content) {
     files::remove_all(folder_ / name);
+    files::create_directories((folder_ / name).parent_path());
     if (content != "-") std::ofstream(folder_ / name) << content;
   }
 
