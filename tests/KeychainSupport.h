@@ -8,10 +8,11 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "Support.h"
+#include "Script.h"
 
 /// A store that answers every transaction with one status, and counts them.
 class AnsweringStorage : public SecStorage {
@@ -74,4 +75,35 @@ inline std::string shown(const RefPtr<NSObject>& object) {
 
 inline Ref<NSData> bytes(std::string_view content) {
   return NSData::dataWithBytes(content.data(), content.size());
+}
+
+/// A text as a script writes it: UTF-8 with "\xNN" for a byte, and "\uNNNN" for a code unit.
+inline Ref<NSString> writtenText(const std::string& written) {
+  const auto [before, after] = cut(written, "\\u");
+  auto units = static_cast<std::u16string>(*text(unescaped(before)));
+  if (after.empty()) return NSString::stringWithCharacters(units);
+  units.push_back(static_cast<char16_t>(std::stoul(after.substr(0, 4), nullptr, 16)));
+  return NSString::stringWithCharacters(units + static_cast<std::u16string>(*writtenText(after.substr(4))));
+}
+
+inline Ref<NSObject> writtenValue(const std::string& kind, const std::string& value) {
+  if (kind == "number" || kind == "port") return NSNumber::numberWithInteger(std::stoll(value));
+  if (kind == "returnAttributes" || kind == "returnData") return NSNumber::numberWithBool(value == "1");
+  if (kind == "class") return writtenText(value + " password");
+  if (kind != "data" && kind != "valueData") return writtenText(value);
+  return bytes(value[0] == '@' ? std::string(std::stoul(value.substr(1)), 'x') : unescaped(value));
+}
+
+/// The map that a script writes as key=value..., or nil. The class is "generic" or "internet"; @N is a secret
+/// of N bytes; key:text=, key:number= and key:data= give a value of that kind in place of the key's own.
+inline RefPtr<NSDictionary> writtenMap(const std::string& written) {
+  if (written == "nil") return nullptr;
+  const auto map = NSMutableDictionary::dictionary();
+  std::istringstream words(written);
+  for (std::string word; words >> word;) {
+    const auto [name, value] = cut(word, "=");
+    const auto [key, kind] = cut(name, ":");
+    map->setObject(writtenValue(kind.empty() ? key : kind, value), text(key));
+  }
+  return map;
 }

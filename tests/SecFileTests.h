@@ -1,52 +1,22 @@
 #pragma once
 
 #include <Security/SecFileStorage.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
-/// A folder of its own for the files of one store, gone at the end. In memory where the system has such a
-/// place: what ends a process there leaves what it would leave on a disk, many times faster.
-class TemporaryPlace {
- public:
-  TemporaryPlace() {
-    const char* const memory = "/dev/shm";
-    std::string name = ::access(memory, W_OK) == 0 ? memory : std::filesystem::temp_directory_path().string();
-    name += "/vxstore.XXXXXX";
-    if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
-    root = std::filesystem::canonical(name);
-    place = {root / "data/credentials.store", root / "keys", true};
-  }
-  TemporaryPlace(const TemporaryPlace&) = delete;
-  TemporaryPlace& operator=(const TemporaryPlace&) = delete;
-  ~TemporaryPlace() { std::filesystem::remove_all(root); }
+#include "Files.h"
 
-  std::filesystem::path root;
-  SecFilePlace place;
+/// A folder of its own for the files of one store.
+struct TemporaryPlace : TemporaryFolder {
+  SecFilePlace place = {root / "data/credentials.store", root / "keys", true};
 };
 
 inline SecSecret secretFrom(std::string_view text) { return SecSecret(std::as_bytes(std::span(text))); }
 
 inline std::string textFrom(const SecSecret& secret) {
   return {reinterpret_cast<const char*>(secret.bytes().data()), secret.bytes().size()};
-}
-
-inline std::string readFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// Writes over the content of a file and leaves its mode as it is.
-inline void writeFile(const std::filesystem::path& path, std::string_view content) {
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
 }
 
 /// A store of passwords by account, all of one service, as a host without the library's objects sees it.

@@ -1,18 +1,8 @@
-#include <Security/SecItem.h>
-#include <Security/SecMemoryStorage.h>
-
 #include <new>
 
-#include "KeychainSupport.h"
 #include "SecStorageConformance.h"
 
 namespace {
-
-SecEntry entryOf(std::u16string_view account) {
-  SecEntry entry;
-  entry.attributes.account.emplace(account);
-  return entry;
-}
 
 std::size_t countOf(SecStorage& storage) {
   SecStorageInfo info;
@@ -34,47 +24,9 @@ TEST(SecMemoryStorage, Conforms) {
   SecStorageConformance::expect([] { return std::make_shared<SecMemoryStorage>(); });
 }
 
-TEST(SecMemoryStorage, AFailedTransactionIsUndone) {
-  SecMemoryStorage storage;
-  const auto change = [&](OSStatus answer, const SecStorage::Work& work) {
-    return storage.transact(SecStorage::Access::change, [&](SecTransaction& transaction) {
-      EXPECT_EQ(work(transaction), errSecSuccess);
-      return answer;
-    });
-  };
-  const auto accounts = [&] {
-    std::u16string all;
-    storage.transact(SecStorage::Access::read, [&](SecTransaction& transaction) {
-      return transaction.find({}, [&](const SecRow& row) {
-        all += std::u16string_view(*row.entry.attributes.account);
-        return true;
-      });
-    });
-    return all;
-  };
-  change(errSecSuccess, [](SecTransaction& transaction) { return transaction.insert(entryOf(u"a")); });
-  change(errSecSuccess, [](SecTransaction& transaction) { return transaction.insert(entryOf(u"b")); });
-  const auto mixed = [](SecTransaction& transaction) {
-    transaction.replace(1, entryOf(u"x"));
-    transaction.replace(1, entryOf(u"y"));
-    transaction.remove(2);
-    transaction.insert(entryOf(u"c"));
-    return transaction.remove(1);
-  };
-  EXPECT_EQ(change(errSecIO, mixed), errSecIO);
-  EXPECT_EQ(accounts(), u"ab");
-  EXPECT_EQ(change(errSecSuccess, mixed), errSecSuccess);
-  EXPECT_EQ(storage.transact(SecStorage::Access::read, mixed), errSecReadOnly);
-  EXPECT_EQ(accounts(), u"c");
-}
-
 TEST_F(SecItemTest, MapsAreNeitherKeptNorChanged) {
-  const auto map = NSMutableDictionary::dictionaryWithObjectsAndKeys(
-      {{kSecClassGenericPassword, kSecClass},
-       {"ann", kSecAttrAccount},
-       {bytes("secret"), kSecValueData},
-       {NSNumber::numberWithBool(true), kSecReturnAttributes},
-       {NSNumber::numberWithBool(true), kSecReturnData}});
+  const auto map =
+      writtenMap("class=generic account=ann valueData=secret returnAttributes=1 returnData=1")->mutableCopy();
   const std::string before = shown(map);
   RefPtr<NSDictionary> added, found, foundAgain;
   ASSERT_EQ(SecItemAdd(map, &added), errSecSuccess);

@@ -1,54 +1,34 @@
 #pragma once
 
-#include <Foundation/Foundation.h>
-#include <Security/SecDefaultStorage.h>
-#include <Security/SecItem.h>
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <functional>
-#include <map>
 #include <memory>
-#include <sstream>
-#include <stdexcept>
 #include <string>
 
-/// Runs vectors/keychain.txt, which says how it is written, on stores that `makeStorage` makes empty.
+#include "KeychainSupport.h"
+
+/// What holds of every kind of store.
 class SecStorageConformance {
  public:
   using MakeStorage = std::function<std::shared_ptr<SecStorage>()>;
 
+  /// Runs vectors/keychain.txt and what can be told only below the four functions, on stores that
+  /// `makeStorage` makes empty.
   static void expect(const MakeStorage& makeStorage) {
-    std::ifstream table(VX_VECTORS "/keychain.txt");
-    std::size_t steps = 0;
-    std::string line, title;
-    for (std::size_t number = 1; std::getline(table, line); ++number) {
-      SCOPED_TRACE("keychain.txt:" + std::to_string(number) + ": " + title + "\n  " + line);
-      if (line.empty() || line[0] == '#') continue;
-      if (line[0] == '[') {
-        title = line;
-        secSetDefaultStorage(makeStorage());
-      } else {
-        expectStep(line);
-        ++steps;
-      }
-    }
+    const auto begin = [&] { secSetDefaultStorage(makeStorage()); };
+    EXPECT_GT(runScript("keychain.txt", begin, expectStep), 150u) << "the table was not found whole";
     secSetDefaultStorage(nullptr);
-    EXPECT_GT(steps, 150u) << "the table was not found whole";
+    expectTransactions(*makeStorage());
   }
 
  private:
-  static void expectStep(const std::string& line) {
-    const auto [question, answer] = cut(line, " -> ");
+  static void expectStep(const std::string& question, const std::string& answer) {
     const auto [operation, maps] = cut(question, " ");
     const auto [first, second] = cut(maps, " / ");
     const auto [status, expected] = cut(answer, " | ");
     RefPtr<NSDictionary> result;
-    EXPECT_EQ(perform(operation, mapOf(first), mapOf(second), result), std::stol(status));
-    const RefPtr<NSDictionary> wanted = expected.empty() ? nullptr : mapOf(expected);
-    ASSERT_EQ(bool(result), bool(wanted));
-    if (!result) return;
-    EXPECT_TRUE(result->isEqual(wanted)) << *result->description();
+    EXPECT_EQ(perform(operation, writtenMap(first), writtenMap(second), result), std::stol(status));
+    const RefPtr<NSDictionary> wanted = writtenMap(expected.empty() ? "nil" : expected);
+    EXPECT_TRUE(result ? result->isEqual(wanted) : !wanted) << shown(result);
   }
 
   static OSStatus perform(const std::string& operation, const RefPtr<NSDictionary>& first,
@@ -60,76 +40,46 @@ class SecStorageConformance {
     throw std::invalid_argument("no operation " + operation);
   }
 
-  static RefPtr<NSDictionary> mapOf(const std::string& words) {
-    if (words == "nil") return nullptr;
-    const Ref<NSMutableDictionary> map = NSMutableDictionary::dictionary();
-    std::istringstream stream(words);
-    for (std::string word; stream >> word;) {
-      const auto [name, value] = cut(word, "=");
-      const auto [key, kind] = cut(name, ":");
-      map->setObject(valueOf(kind.empty() ? kindOf(key) : kind, key == "class" ? classOf(value) : value),
-                     keyOf(key));
+  /// A transaction is kept as a whole when its work succeeds; else, and where it only reads, not at all.
+  static void expectTransactions(SecStorage& storage) {
+    const auto entry = [](std::u16string_view account) {
+      SecEntry made;
+      made.attributes.account.emplace(account);
+      return made;
+    };
+    std::u16string accounts;
+    std::vector<std::int64_t> numbers;
+    const auto readAll = [&](SecTransaction& transaction) {
+      accounts.clear();
+      numbers.clear();
+      return transaction.find({}, [&](const SecRow& row) {
+        accounts += std::u16string_view(*row.entry.attributes.account);
+        numbers.push_back(row.number);
+        return true;
+      });
+    };
+    const auto changeAll = [&](OSStatus answer) {
+      return [&, answer](SecTransaction& transaction) {
+        EXPECT_EQ(readAll(transaction), errSecSuccess);
+        EXPECT_EQ(transaction.replace(numbers[0], entry(u"x")), errSecSuccess);
+        EXPECT_EQ(transaction.replace(numbers[0], entry(u"y")), errSecSuccess);
+        EXPECT_EQ(transaction.remove(numbers[1]), errSecSuccess);
+        EXPECT_EQ(transaction.insert(entry(u"c")), errSecSuccess);
+        EXPECT_EQ(transaction.remove(numbers[0]), errSecSuccess);
+        return answer;
+      };
+    };
+    const auto add = [&](SecTransaction& transaction) { return transaction.insert(entry(accounts)); };
+    for (const char16_t* account : {u"a", u"b"}) {
+      accounts = account;
+      EXPECT_EQ(storage.transact(SecStorage::Access::change, add), errSecSuccess);
     }
-    return map;
-  }
-
-  static Ref<NSString> keyOf(const std::string& key) {
-    static const std::map<std::string, Ref<NSString>> keys = {
-        {"class", kSecClass},          {"account", kSecAttrAccount},
-        {"label", kSecAttrLabel},      {"service", kSecAttrService},
-        {"server", kSecAttrServer},    {"path", kSecAttrPath},
-        {"port", kSecAttrPort},        {"protocol", kSecAttrProtocol},
-        {"data", kSecValueData},       {"returnAttributes", kSecReturnAttributes},
-        {"returnData", kSecReturnData}};
-    const auto known = keys.find(key);
-    return known == keys.end() ? text(key) : known->second;
-  }
-
-  static std::string classOf(const std::string& name) {
-    if (name == "generic") return std::string(*kSecClassGenericPassword);
-    if (name == "internet") return std::string(*kSecClassInternetPassword);
-    return name;
-  }
-
-  static std::string kindOf(const std::string& key) {
-    if (key == "port") return "number";
-    if (key == "data") return "data";
-    return key.rfind("return", 0) == 0 ? "flag" : "text";
-  }
-
-  static Ref<NSObject> valueOf(const std::string& kind, const std::string& value) {
-    if (kind == "number") return NSNumber::numberWithInteger(std::stoll(value));
-    if (kind == "flag") return NSNumber::numberWithBool(value == "1");
-    if (kind == "text") return text(value);
-    const std::string bytes = value[0] == '@' ? std::string(std::stoul(value.substr(1)), 'x') : plain(value);
-    return NSData::dataWithBytes(bytes.data(), bytes.size());
-  }
-
-  /// A text between the code units that are written as such.
-  static Ref<NSString> text(const std::string& value) {
-    const auto [before, after] = cut(value, "%u");
-    const auto head = static_cast<std::u16string>(*NSString::stringWithUTF8String(plain(before)));
-    if (before.size() == value.size()) return NSString::stringWithCharacters(head);
-    const auto unit = static_cast<char16_t>(std::stoul(after.substr(0, 4), nullptr, 16));
-    return NSString::stringWithCharacters(head + unit + static_cast<std::u16string>(*text(after.substr(4))));
-  }
-
-  static std::string plain(const std::string& escaped) {
-    std::string bytes;
-    for (std::size_t index = 0; index < escaped.size(); ++index) {
-      if (escaped[index] != '%') {
-        bytes += escaped[index];
-      } else {
-        bytes += static_cast<char>(std::stoi(escaped.substr(index + 1, 2), nullptr, 16));
-        index += 2;
-      }
-    }
-    return bytes;
-  }
-
-  static std::pair<std::string, std::string> cut(const std::string& whole, const std::string& at) {
-    const std::size_t place = whole.find(at);
-    if (place == std::string::npos) return {whole, ""};
-    return {whole.substr(0, place), whole.substr(place + at.size())};
+    EXPECT_EQ(storage.transact(SecStorage::Access::change, changeAll(errSecIO)), errSecIO);
+    EXPECT_EQ(storage.transact(SecStorage::Access::read, readAll), errSecSuccess);
+    EXPECT_EQ(accounts, u"ab");
+    EXPECT_EQ(storage.transact(SecStorage::Access::read, add), errSecReadOnly);
+    EXPECT_EQ(storage.transact(SecStorage::Access::change, changeAll(errSecSuccess)), errSecSuccess);
+    EXPECT_EQ(storage.transact(SecStorage::Access::read, readAll), errSecSuccess);
+    EXPECT_EQ(accounts, u"c");
   }
 };
