@@ -1,90 +1,84 @@
-#include <limits>
 #include <map>
-#include <sstream>
+#include <set>
+#include <stdexcept>
 #include <tuple>
 
 #include "KeychainSupport.h"
+#include "RecordedAssertions.h"
 
 namespace {
 
-using Operation = bool (*)(VXKeychainItem&, RefPtr<NSError>*);
-
-bool add(VXKeychainItem& item, RefPtr<NSError>* error) { return item.addItemToKeychain(error); }
-bool refresh(VXKeychainItem& item, RefPtr<NSError>* error) {
-  return item.refreshItemFromKeychainIncludeData(false, error);
-}
-bool refreshWithData(VXKeychainItem& item, RefPtr<NSError>* error) {
-  return item.refreshItemFromKeychainIncludeData(true, error);
-}
-bool update(VXKeychainItem& item, RefPtr<NSError>* error) { return item.updateItemInKeychain(error); }
-bool erase(VXKeychainItem& item, RefPtr<NSError>* error) { return item.deleteItemFromKeychain(error); }
-
-const Operation allOperations[] = {add, refresh, refreshWithData, update, erase};
-const Operation validatingOperations[] = {add, update, erase};
-
-/// An item, or a question for one, as keychain-items.tsv writes it.
-class Written {
+/// The fields of an item that a script writes as a map.
+class Fields {
  public:
-  explicit Written(const std::string& cell) {
-    std::istringstream words(cell);
-    words >> kind_;
-    for (std::string word; words >> word;)
-      fields_[word.substr(0, word.find('='))] = unescaped(word.substr(word.find('=') + 1));
-  }
+  explicit Fields(const std::string& written) : map_(writtenMap(written)) {}
 
   Ref<VXPasswordKeychainItem> item() const {
-    const Ref<VXPasswordKeychainItem> made = make();
-    if (fields_.count("data")) made->setData(bytes(fields_.at("data")));
+    const Ref<VXPasswordKeychainItem> made = itemWithPassword();
+    if (!made->data()) made->setData(value<NSData>(kSecValueData));
     return made;
   }
 
-  Ref<NSDictionary> query() const {
-    if (kind_ == "generic")
-      return VXGenericKeychainItem::queryDictionaryWithUsername(field("account"), field("service"));
-    return VXInternetKeychainItem::queryDictionaryWithUsername(field("account"), field("server"),
-                                                               field("path"), number("port"), protocol());
+  Ref<VXPasswordKeychainItem> finder() const {
+    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
+    return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
+                                                               protocol());
+  }
+
+  void giveTo(VXPasswordKeychainItem& item) const {
+    if (account()) item.setUsername(account());
+    if (label()) item.setLabel(label());
+    if (password()) item.setPassword(password());
   }
 
  private:
-  Ref<VXPasswordKeychainItem> make() const {
-    if (kind_ == "generic")
-      return VXGenericKeychainItem::keychainItemWithUsername(field("account"), field("password"),
-                                                             field("label"), field("service"));
-    if (kind_ == "internet")
-      return VXInternetKeychainItem::keychainItemWithUsername(field("account"), field("password"),
-                                                              field("label"), field("server"), field("path"),
-                                                              number("port"), protocol());
-    const auto password = VXPasswordKeychainItem::alloc();
-    password->initWithUsername(field("account"), field("password"), field("label"));
-    return password;
-  }
-  RefPtr<NSString> field(const char* name) const {
-    return fields_.count(name) ? RefPtr<NSString>(text(fields_.at(name))) : nullptr;
-  }
-  std::int64_t number(const char* name) const {
-    return fields_.count(name) ? std::stoll(fields_.at(name)) : 0;
-  }
-  VXInternetKeychainItemProtocol protocol() const {
-    return static_cast<VXInternetKeychainItemProtocol>(number("protocol"));
+  Ref<VXPasswordKeychainItem> itemWithPassword() const {
+    if (isGeneric())
+      return VXGenericKeychainItem::keychainItemWithUsername(account(), password(), label(), service());
+    if (text(kSecClass))
+      return VXInternetKeychainItem::keychainItemWithUsername(account(), password(), label(), server(),
+                                                              path(), port(), protocol());
+    const auto common = VXPasswordKeychainItem::alloc();
+    common->initWithUsername(account(), password(), label());
+    return common;
   }
 
-  std::string kind_;
-  std::map<std::string, std::string> fields_;
+  template <class Kind>
+  RefPtr<Kind> value(const Ref<NSString>& key) const {
+    return dynamicCast<Kind>(map_->objectForKey(key));
+  }
+  RefPtr<NSString> text(const Ref<NSString>& key) const { return value<NSString>(key); }
+  std::int64_t number(const Ref<NSString>& key) const {
+    const auto written = value<NSNumber>(key);
+    return written ? written->integerValue() : 0;
+  }
+  bool isGeneric() const { return kSecClassGenericPassword->isEqual(text(kSecClass)); }
+  RefPtr<NSString> account() const { return text(kSecAttrAccount); }
+  RefPtr<NSString> label() const { return text(kSecAttrLabel); }
+  RefPtr<NSString> service() const { return text(kSecAttrService); }
+  RefPtr<NSString> server() const { return text(kSecAttrServer); }
+  RefPtr<NSString> path() const { return text(kSecAttrPath); }
+  std::int64_t port() const { return number(kSecAttrPort); }
+  VXInternetKeychainItemProtocol protocol() const {
+    return VXInternetKeychainItemProtocol(number(kSecAttrProtocol));
+  }
+  RefPtr<NSString> password() const {
+    const auto secret = value<NSData>(kSecValueData);
+    return secret ? NSString::stringWithData(secret, NSUTF8StringEncoding) : nullptr;
+  }
+
+  RefPtr<NSDictionary> map_;
 };
 
-Ref<VXGenericKeychainItem> genericItem(Text password = "secret") {
-  return VXGenericKeychainItem::keychainItemWithUsername("ann", password, "Mail", "mail");
-}
-
-Ref<VXInternetKeychainItem> internetItem(std::int64_t port = 80, std::uint64_t protocol = 1) {
-  return VXInternetKeychainItem::keychainItemWithUsername("ann", "secret", nullptr, "host", "/a", port,
-                                                          VXInternetKeychainItemProtocol(protocol));
+void share(VXKeychainItem& item, const VXKeychainItem& other) {
+  item.setKeychainItemRequest(other.keychainItemRequest());
+  item.setKeychainItemResponse(other.keychainItemResponse());
 }
 
 /// An item that has both maps, without a store having been asked.
-template <class Item>
-Item bound(Item item) {
-  item->setKeychainItemRequest(item->_createAttributesDictionary());
+Ref<VXPasswordKeychainItem> boundItem(const std::string& fields) {
+  const auto item = Fields(fields).item();
+  item->setKeychainItemRequest(NSDictionary::dictionaryWithObject(kSecClassGenericPassword, kSecClass));
   item->setKeychainItemResponse(NSDictionary::dictionary());
   return item;
 }
@@ -95,219 +89,161 @@ State stateOf(const VXKeychainItem& item) {
           item.keychainItemResponse().get()};
 }
 
-void expectError(const RefPtr<NSError>& error, std::int64_t code, const std::string& description,
-                 std::size_t entries) {
+bool perform(const std::string& operation, VXKeychainItem& item, RefPtr<NSError>* error) {
+  if (operation == "add") return item.addItemToKeychain(error);
+  if (operation == "refresh") return item.refreshItemFromKeychainIncludeData(false, error);
+  if (operation == "refreshWithData") return item.refreshItemFromKeychainIncludeData(true, error);
+  if (operation == "update") return item.updateItemInKeychain(error);
+  if (operation == "delete") return item.deleteItemFromKeychain(error);
+  throw std::invalid_argument("no operation " + operation);
+}
+
+/// Whether the operation was done, and the code of the error where it gave one.
+std::string outcome(const std::string& operation, VXKeychainItem& item) {
+  const RefPtr<NSError> untouched = NSError::errorWithDomain("host", 7, nullptr);
+  RefPtr<NSError> error = untouched;
+  const State before = stateOf(item);
+  const bool done = perform(operation, item, &error);
+  const bool fills = done && operation != "update" && operation != "delete";
+  EXPECT_TRUE(fills || stateOf(item) == before) << "the item was changed";
+  return (done ? "yes" : "no") + (error == untouched ? "" : " " + std::to_string(error->code()));
+}
+
+/// The answer of an action, or the exception that it raises.
+template <class Action>
+std::string answerOf(Action&& action) {
+  try {
+    return action();
+  } catch (const NSException& exception) {
+    EXPECT_FALSE(exception.userInfo());
+    return shown(exception.name()) + ": " + shown(exception.reason());
+  }
+}
+
+/// What an add, an update and a deletion of an item all answer, with and without a place for an error.
+std::string refusal(VXKeychainItem& item) {
+  std::set<std::string> answers;
+  for (const char* operation : {"add", "update", "delete"}) {
+    answers.insert(answerOf([&] { return outcome(operation, item); }));
+    answerOf([&]() -> std::string {
+      EXPECT_FALSE(perform(operation, item, nullptr));
+      return "";
+    });
+  }
+  return answers.size() == 1 ? *answers.begin() : testing::PrintToString(answers);
+}
+
+std::string equality(const std::string& first, const std::string& second) {
+  const auto one = Fields(first).item(), other = boundItem(second);
+  return std::string(one->isEqual(other) ? "yes " : "no ") + (other->isEqual(one) ? "yes" : "no");
+}
+
+class VXKeychainItemTest : public KeychainTest {
+ protected:
+  /// Does what a step of keychain-items.txt says, and gives what it answers.
+  std::string answerTo(const std::string& step) {
+    const auto [operation, rest] = cut(step, " ");
+    const auto [name, detail] = cut(rest, " ");
+    std::string answer;
+    if (operation == "equal")
+      answer = equality(cut(rest, " / ").first, cut(rest, " / ").second);
+    else if (operation == "refused")
+      answer = refusal(*boundItem(rest));
+    else if (operation == "asked")
+      answer = std::to_string(answering_->transactions.exchange(0));
+    else if (operation == "answer")
+      answering_ = answerAlways(std::stoi(rest));
+    else if (operation == "store")
+      answer = std::to_string(SecItemAdd(writtenMap(rest)));
+    else if (operation == "make")
+      items_.insert_or_assign(name, Fields(detail).item());
+    else if (operation == "find")
+      items_.insert_or_assign(name, Fields(detail).finder());
+    else
+      answer = answerOfItem(operation, *items_.at(name), detail);
+    return answer;
+  }
+
+ private:
+  std::string answerOfItem(const std::string& operation, VXPasswordKeychainItem& item,
+                           const std::string& detail) {
+    if (operation == "fields") return shown(item._createAttributesDictionary());
+    if (operation == "request") return shown(item.keychainItemRequest());
+    if (operation == "response") return shown(item.keychainItemResponse());
+    if (operation == "set")
+      Fields(detail).giveTo(item);
+    else if (operation == "fill")
+      item.populateKeychainItemWithKeychainResponse(writtenMap(detail));
+    else if (operation == "share")
+      share(item, *items_.at(detail));
+    else
+      return outcome(operation, item);
+    return "";
+  }
+
+  std::map<std::string, Ref<VXPasswordKeychainItem>> items_;
+  std::shared_ptr<AnsweringStorage> answering_;
+};
+
+Ref<VXGenericKeychainItem> genericItem(Text password = "secret") {
+  return VXGenericKeychainItem::keychainItemWithUsername("ann", password, "Mail", "mail");
+}
+
+void expectError(const RefPtr<NSError>& error, const Ref<NSString>& domain, std::int64_t code,
+                 const std::string& description, std::size_t entries) {
   ASSERT_TRUE(error);
-  EXPECT_EQ(shown(error->domain()), shown(VXFoundationBundleIdentifier));
+  EXPECT_EQ(shown(error->domain()), shown(domain));
   EXPECT_EQ(error->code(), code);
   EXPECT_EQ(shown(error->userInfo()->objectForKey(NSLocalizedDescriptionKey)), description);
   EXPECT_EQ(error->userInfo()->count(), entries);
 }
 
-class VXKeychainItemTest : public KeychainTest {
- protected:
-  /// Calls `each` with the rows of one kind, and fails where there is none.
-  template <class Each>
-  static void forRows(const std::string& kind, Each&& each) {
-    int count = 0;
-    for (const auto& row : vectors("keychain-items.tsv")) {
-      if (row[0] != kind) continue;
-      SCOPED_TRACE(testing::PrintToString(row));
-      each(row);
-      ++count;
-    }
-    EXPECT_GT(count, 0);
-  }
-};
-
 }  // namespace
 
-TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAsked) {
-  forRows("status", [&](const auto& row) {
-    const auto status = static_cast<OSStatus>(std::stoll(row[1]));
-    answerAlways(status);
-    for (const Operation operation : allOperations) {
-      const bool expected = operation == erase && status == errSecItemNotFound;
-      const auto item = bound(genericItem());
-      const State before = stateOf(*item);
-      logged.clear();
-      EXPECT_EQ(operation(*item, nullptr), expected);
-      EXPECT_TRUE(logged.empty());
-      RefPtr<NSError> error;
-      EXPECT_EQ(operation(*item, &error), expected);
-      EXPECT_EQ(stateOf(*item), before);
-      EXPECT_EQ(logged, std::vector{"_VXKeychainItemCheckStatus Error: " + row[1]});
-      expectError(error, std::stoll(row[2]), row[3], 2);
-      const auto underlying = dynamicCast<NSError>(error->userInfo()->objectForKey(NSUnderlyingErrorKey));
-      ASSERT_TRUE(underlying);
-      EXPECT_EQ(shown(underlying->domain()), shown(NSOSStatusErrorDomain));
-      EXPECT_EQ(underlying->code(), status);
-      EXPECT_EQ(shown(underlying->userInfo()),
-                shown(NSLocalizedDescriptionKey) + "=" + shown(SecCopyErrorMessageString(status)));
-    }
-  });
+TEST_F(VXKeychainItemTest, DoesWhatTheScriptSays) {
+  const auto expectStep = [&](const std::string& step, const std::string& answer) {
+    EXPECT_EQ(answerOf([&] { return answerTo(step); }), answer);
+  };
+  const auto begin = [] { secSetDefaultStorage(std::make_shared<SecMemoryStorage>()); };
+  const RecordedAssertions finderMayBeAskedWithLess;
+  EXPECT_GT(runScript("keychain-items.txt", begin, expectStep), 100u);
 }
 
-TEST_F(VXKeychainItemTest, IncompleteAttributesAreRefusedBeforeAnyStoreIsAsked) {
-  const auto storage = answerAlways(errSecParam);
-  forRows("incomplete", [](const auto& row) {
-    const auto item = bound(Written(row[1]).item());
-    const State before = stateOf(*item);
-    for (const Operation operation : validatingOperations) {
-      EXPECT_FALSE(operation(*item, nullptr));
+TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAsked) {
+  for (const auto& row : vectors("keychain-statuses.tsv")) {
+    const OSStatus status = std::stoi(row[0]);
+    answerAlways(status);
+    for (const std::string operation : {"add", "refresh", "refreshWithData", "update", "delete"}) {
+      SCOPED_TRACE(operation + ": " + row[0]);
+      const bool expected = operation == "delete" && status == errSecItemNotFound;
+      const auto item = boundItem("class=generic account=ann valueData=secret service=mail");
+      logged.clear();
+      EXPECT_EQ(perform(operation, *item, nullptr), expected);
+      EXPECT_TRUE(logged.empty());
       RefPtr<NSError> error;
-      EXPECT_FALSE(operation(*item, &error));
-      expectError(error, 0, "The keychain attributes are invalid", 1);
+      const State before = stateOf(*item);
+      EXPECT_EQ(perform(operation, *item, &error), expected);
       EXPECT_EQ(stateOf(*item), before);
+      EXPECT_EQ(logged, std::vector{"_VXKeychainItemCheckStatus Error: " + row[0]});
+      expectError(error, VXFoundationBundleIdentifier, std::stoll(row[1]), row[2], 2);
+      const auto underlying = dynamicCast<NSError>(error->userInfo()->objectForKey(NSUnderlyingErrorKey));
+      expectError(underlying, NSOSStatusErrorDomain, status, shown(SecCopyErrorMessageString(status)), 1);
     }
-  });
-  EXPECT_EQ(storage->transactions, 0);
+  }
+}
+
+TEST_F(VXKeychainItemTest, IncompleteAttributesAreAnErrorWithoutAStatus) {
+  RefPtr<NSError> error;
+  EXPECT_FALSE(genericItem(nullptr)->addItemToKeychain(&error));
+  expectError(error, VXFoundationBundleIdentifier, 0, "The keychain attributes are invalid", 1);
   EXPECT_TRUE(logged.empty());
 }
 
-TEST_F(VXKeychainItemTest, MapsHoldWhatIsPresentInOrder) {
-  forRows("attributes", [](const auto& row) {
-    EXPECT_EQ(shown(Written(row[1]).item()->_createAttributesDictionary()), row[2]);
-  });
-  forRows("query", [](const auto& row) { EXPECT_EQ(shown(Written(row[1]).query()), row[2]); });
-}
-
-TEST_F(VXKeychainItemTest, EqualityIsOfTheFieldsAndOneSided) {
-  forRows("equal", [](const auto& row) {
-    const auto first = Written(row[1]).item(), second = bound(Written(row[2]).item());
-    const auto equal = [](const auto& a, const auto& b) { return a->isEqual(b) ? "yes" : "no"; };
-    EXPECT_EQ(std::string(equal(first, second)) + " " + equal(second, first), row[3]);
-  });
+TEST_F(VXKeychainItemTest, AnItemEqualsNothingElseAndHashesAsItself) {
   const auto item = genericItem();
   EXPECT_FALSE(item->isEqual(nullptr));
   EXPECT_FALSE(item->isEqual(text("ann")));
   EXPECT_EQ(item->hash(), static_cast<const NSObject&>(*item).NSObject::hash());
-}
-
-TEST_F(VXKeychainItemTest, AnAddBindsTheItemToItsEntry) {
-  const auto item = genericItem();
-  RefPtr<NSError> untouched = NSError::errorWithDomain("host", 7, nullptr);
-  ASSERT_TRUE(item->addItemToKeychain(&untouched));
-  EXPECT_EQ(untouched->code(), 7);
-  EXPECT_EQ(shown(item->keychainItemRequest()),
-            "account=ann valueData=secret label=Mail class=generic password service=mail returnAttributes=1");
-  EXPECT_EQ(item->keychainItemResponse()->count(), 4u);
-  EXPECT_EQ(shown(item->password()), "secret");
-
-  const auto twin = genericItem("other");
-  EXPECT_FALSE(twin->addItemToKeychain(&untouched));
-  EXPECT_EQ(untouched->code(), -200);
-  EXPECT_FALSE(twin->keychainItemRequest() || twin->keychainItemResponse());
-}
-
-TEST_F(VXKeychainItemTest, AFoundItemIsFilledByARefresh) {
-  ASSERT_TRUE(internetItem(8080, 4)->addItemToKeychain());
-  const auto item = VXInternetKeychainItem::findKeychainItemForUsername("ann", "host", nullptr, 0,
-                                                                        VXInternetKeychainItemProtocolNone);
-  EXPECT_EQ(stateOf(*item), State("nil", "nil", "nil", item->keychainItemRequest().get(), nullptr));
-  const std::string request = shown(item->keychainItemRequest());
-  ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(false));
-  EXPECT_FALSE(item->password());
-  EXPECT_EQ(item->protocol(), VXInternetKeychainItemProtocolSSH);
-  ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(true));
-  EXPECT_EQ(shown(item->password()), "secret");
-  EXPECT_EQ(std::tuple(item->port(), shown(item->path()), shown(item->server())),
-            std::tuple(8080, "/a", "host"));
-  EXPECT_EQ(shown(item->keychainItemRequest()), request) << "a refresh changed the request";
-  EXPECT_TRUE(item->isEqual(internetItem(8080, 4)));
-}
-
-TEST_F(VXKeychainItemTest, ARefreshFollowsTheStoreAndKeepsTheSecretUnlessAsked) {
-  const auto item = genericItem(), other = genericItem();
-  ASSERT_TRUE(item->addItemToKeychain());
-  other->setKeychainItemRequest(item->keychainItemRequest());
-  other->setKeychainItemResponse(item->keychainItemResponse());
-  other->setPassword("changed");
-  other->setLabel("Changed");
-  ASSERT_TRUE(other->updateItemInKeychain());
-  ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(false));
-  EXPECT_EQ(shown(item->label()) + " " + shown(item->password()), "Changed secret");
-  ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(true));
-  EXPECT_EQ(shown(item->password()), "changed");
-}
-
-TEST_F(VXKeychainItemTest, ARefreshWithDataRefusesASecretThatIsNoPassword) {
-  for (const char* secret : {"", "\xff\xfe"}) {
-    const auto query = VXGenericKeychainItem::queryDictionaryWithUsername("bob", "mail");
-    query->setObject(bytes(secret), kSecValueData);
-    ASSERT_EQ(SecItemAdd(query), errSecSuccess);
-    const auto item = genericItem();
-    item->setKeychainItemRequest(query);
-    const State before = stateOf(*item);
-    RefPtr<NSError> error;
-    EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(true));
-    EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(true, &error));
-    EXPECT_EQ(error->code(), 0);
-    EXPECT_EQ(stateOf(*item), before);
-    EXPECT_TRUE(item->refreshItemFromKeychainIncludePassword(false));
-    ASSERT_EQ(SecItemDelete(query), errSecSuccess);
-  }
-}
-
-TEST_F(VXKeychainItemTest, AnUpdateAsksWithTheRequestAndADeletionWithTheFields) {
-  const auto item = genericItem();
-  ASSERT_TRUE(item->addItemToKeychain());
-  item->setUsername("bob");
-  const State before = stateOf(*item);
-  ASSERT_TRUE(item->updateItemInKeychain());
-  EXPECT_EQ(stateOf(*item), before);
-  EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(false)) << "the request still names ann";
-  RefPtr<NSError> error;
-  EXPECT_TRUE(item->deleteItemFromKeychain(&error));
-  EXPECT_FALSE(error) << "bob's entry was there to be deleted";
-  EXPECT_TRUE(item->deleteItemFromKeychain(&error));
-  EXPECT_EQ(error->code(), -201);
-}
-
-TEST_F(VXKeychainItemTest, AResponseFillsTheFields) {
-  const auto item = internetItem(80, 2);
-  const auto response =
-      NSDictionary::dictionaryWithObjectsAndKeys({{"eve", kSecAttrAccount}, {"gopher", kSecAttrProtocol}});
-  item->populateKeychainItemWithKeychainResponse(response);
-  EXPECT_EQ(stateOf(*item), State("nil", "eve", "secret", nullptr, &*response));
-  EXPECT_EQ(std::tuple(item->protocol(), item->port(), shown(item->server()), shown(item->path())),
-            std::tuple(VXInternetKeychainItemProtocolNone, 0, "nil", "nil"));
-  item->setProtocol(VXInternetKeychainItemProtocolFTP);
-  item->populateKeychainItemWithKeychainResponse(nullptr);
-  EXPECT_EQ(stateOf(*item), State("nil", "nil", "secret", nullptr, nullptr));
-  EXPECT_EQ(item->protocol(), VXInternetKeychainItemProtocolFTP);
-
-  const auto generic = genericItem();
-  generic->populateKeychainItemWithKeychainResponse(NSDictionary::dictionary());
-  EXPECT_FALSE(generic->serviceName());
-}
-
-TEST_F(VXKeychainItemTest, AProtocolBeyondTheTableRaisesWhereverAMapIsMade) {
-  const auto storage = answerAlways(errSecParam);
-  for (const std::uint64_t protocol : {std::uint64_t{5}, std::numeric_limits<std::uint64_t>::max()}) {
-    const auto item = bound(internetItem());
-    item->setProtocol(VXInternetKeychainItemProtocol(protocol));
-    for (const Operation operation : validatingOperations) {
-      RefPtr<NSError> error;
-      try {
-        operation(*item, &error);
-        ADD_FAILURE() << "nothing was raised";
-      } catch (const NSException& exception) {
-        EXPECT_EQ(shown(exception.name()), shown(NSInvalidArgumentException));
-        EXPECT_EQ(shown(exception.reason()), "unknown protocol " + std::to_string(protocol));
-        EXPECT_FALSE(exception.userInfo());
-      }
-      EXPECT_FALSE(error);
-    }
-    EXPECT_EQ(raised([&] {
-                VXInternetKeychainItem::findKeychainItemForUsername("ann", "host", nullptr, 0,
-                                                                    VXInternetKeychainItemProtocol(protocol));
-              }),
-              "NSInvalidArgumentException");
-    EXPECT_EQ(storage->transactions, 0);
-    EXPECT_FALSE(refresh(*item, nullptr));
-    EXPECT_EQ(storage->transactions.exchange(0), 1) << "a refresh makes no map of the fields";
-  }
 }
 
 TEST_F(VXKeychainItemTest, TextsAndBytesAreCopiedAndMapsShared) {
