@@ -1,12 +1,9 @@
-#include <gtest/gtest.h>
 #include <openssl/evp.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <functional>
 #include <set>
-#include <sstream>
 
 #include "SecFileTests.h"
 #include "SecStorageConformance.h"
@@ -14,28 +11,30 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Row = std::vector<std::string>;
 
-std::vector<Row> readTable(const std::string& name, std::size_t columns) {
-  std::ifstream file(VX_VECTORS "/" + name);
-  std::vector<Row> rows;
-  for (std::string line; std::getline(file, line);) {
-    if (line[0] == '#') continue;
-    std::istringstream fields(line);
-    rows.emplace_back(columns);
-    for (std::string& field : rows.back()) std::getline(fields, field, '\t');
-  }
-  EXPECT_GT(rows.size(), 5u) << name;
-  return rows;
+void sha256(sqlite3_context* context, int, sqlite3_value** values) {
+  unsigned char hash[32];
+  EVP_Digest(sqlite3_value_blob(values[0]), static_cast<std::size_t>(sqlite3_value_bytes(values[0])), hash,
+             nullptr, EVP_sha256(), nullptr);
+  sqlite3_result_blob(context, hash, sizeof hash, SQLITE_TRANSIENT);
 }
 
 /// Runs SQL on a file as any other program could.
 void runSQL(const fs::path& path, const std::string& sql) {
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+  sqlite3_create_function(database, "sha256", 1, SQLITE_UTF8, nullptr, sha256, nullptr, nullptr);
   ASSERT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
       << sql << ": " << sqlite3_errmsg(database);
   sqlite3_close(database);
+}
+
+/// A slot as docs/credential-store.md describes it, written with the hash that makes it a whole one.
+void writeSlot(const fs::path& store, const std::string& parameters) {
+  const std::string content = "x'" + parameters + "'||substr(body,5,76)";
+  runSQL(store, "UPDATE slot SET body=CAST(" + content +
+                    "||sha256(CAST('VXFoundation slot'||x'00000001'||(SELECT id FROM store)||" + content +
+                    " AS BLOB)) AS BLOB)");
 }
 
 /// Every name below a folder, with its mode and, for a file, its content.
@@ -96,28 +95,70 @@ void putStandIn(const fs::path& path, const std::string& standIn) {
   ::chmod(path.c_str(), 0600);
 }
 
-/// A slot as docs/credential-store.md describes it, written with the hash that makes it a whole one.
-void writeSlot(const fs::path& store, const std::string& parameters) {
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(store.c_str(), &database), SQLITE_OK);
-  sqlite3_create_function(
-      database, "sha256", 1, SQLITE_UTF8, nullptr,
-      [](sqlite3_context* context, int, sqlite3_value** values) {
-        unsigned char hash[32];
-        EVP_Digest(sqlite3_value_blob(values[0]), static_cast<std::size_t>(sqlite3_value_bytes(values[0])),
-                   hash, nullptr, EVP_sha256(), nullptr);
-        sqlite3_result_blob(context, hash, sizeof hash, SQLITE_TRANSIENT);
-      },
-      nullptr, nullptr);
-  const std::string content = "x'" + parameters + "'||substr(slot,5,76)";
-  const std::string sql = "UPDATE store SET slot=CAST(" + content +
-                          "||sha256(CAST('VXFoundation slot'||x'00000001'||id||" +
-                          content + " AS BLOB)) AS BLOB)";
-  ASSERT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-      << sqlite3_errmsg(database);
-  ASSERT_EQ(sqlite3_changes(database), 1);
-  sqlite3_close(database);
-}
+/// Carries out store-steps.txt.
+class StoreSteps {
+ public:
+  std::string answerTo(const std::string& step) {
+    const auto [operation, rest] = cut(step, " ");
+    const auto [first, second] = cut(rest, " ");
+    if (operation == "move") {
+      fs::rename(path(first), path(second));
+    } else if (operation == "sql") {
+      runSQL(path("store"), rest);
+    } else if (operation == "slot") {
+      writeSlot(path("store"), rest);
+    } else if (operation == "files") {
+      return std::to_string(snapshot(closed_.temporary.root).size());
+    } else {
+      std::string given;
+      const OSStatus status = perform(operation, hosts_[first], second, given);
+      return std::to_string(status) + given;
+    }
+    return "";
+  }
+
+ private:
+  OSStatus perform(const std::string& operation, Passwords& host, const std::string& word,
+                   std::string& given) {
+    const SecSecret secret = secretFrom(word);
+    if (operation == "open") return host.open(closed_.temporary.place);
+    if (operation == "find") return host.open(closed_.temporary.place, Passwords::refuse);
+    if (operation == "add") return host.add(word, "x");
+    if (operation == "look") return look(host, word, given);
+    if (operation == "verify") return host.storage->verify();
+    if (operation == "salvage") return salvage(*host.storage, given);
+    if (operation == "passphrase") return host.storage->setPassphrase(secret.bytes());
+    if (operation == "no-passphrase") return host.storage->removePassphrase();
+    if (operation == "unlock")
+      return word.empty() ? host.storage->unlock() : host.storage->unlock(secret.bytes());
+    if (operation != "lock") throw std::invalid_argument("no operation " + operation);
+    host.storage->lock();
+    return errSecSuccess;
+  }
+
+  static OSStatus look(Passwords& host, const std::string& account, std::string& given) {
+    Passwords::Found found;
+    const OSStatus status = host.look(account, found);
+    if (found) given = " " + *found;
+    return status;
+  }
+
+  static OSStatus salvage(SecFileStorage& storage, std::string& given) {
+    std::set<std::string> left;
+    const OSStatus status =
+        storage.salvage([&](const SecEntry& entry) { left.insert(textFrom(entry.secret)); });
+    for (const std::string& password : left) given += (given.empty() ? " " : ", ") + password;
+    return status;
+  }
+
+  fs::path path(const std::string& name) const {
+    if (name == "other") return other_.path("store");
+    return name == "store" ? closed_.path(name) : closed_.path("store folder") / name;
+  }
+
+  const ClosedStore closed_, other_;
+  std::map<std::string, Passwords> hosts_;
+};
 
 }  // namespace
 
@@ -135,7 +176,7 @@ TEST(SecFileStorage, IsWhereTheEnvironmentSays) {
   const auto set = [](const char* name, const std::string& value) {
     value == "-" ? ::unsetenv(name) : ::setenv(name, value.c_str(), 1);
   };
-  for (const Row& row : readTable("store-places.tsv", 5)) {
+  for (const auto& row : vectors("store-places.tsv")) {
     set("XDG_DATA_HOME", row[0]);
     set("XDG_CONFIG_HOME", row[1]);
     set("HOME", row[2]);
@@ -162,7 +203,7 @@ TEST(SecFileStorage, MakesPrivateFilesWhateverTheUmask) {
 }
 
 TEST(SecFileStorage, RefusesWhatStandsInPlaceOfItsFiles) {
-  for (const Row& row : readTable("store-refusals.tsv", 3)) {
+  for (const auto& row : vectors("store-refusals.tsv")) {
     if (row[1] == "owner" && ::geteuid() != 0) continue;
     SCOPED_TRACE(row[0] + ": " + row[1]);
     const ClosedStore closed;
@@ -175,7 +216,7 @@ TEST(SecFileStorage, RefusesWhatStandsInPlaceOfItsFiles) {
 }
 
 TEST(SecFileStorage, SeesWhatWasDoneBehindItsBack) {
-  for (const Row& row : readTable("store-attacks.tsv", 2)) {
+  for (const auto& row : vectors("store-attacks.tsv")) {
     SCOPED_TRACE(row[0]);
     const ClosedStore closed, other;
     const std::string path = closed.path("store");
@@ -204,87 +245,22 @@ TEST(SecFileStorage, SeesWhatWasDoneBehindItsBack) {
   }
 }
 
-TEST(SecFileStorage, ReadsWhatIsLeftOfADamagedStore) {
-  const ClosedStore closed;
-  runSQL(closed.path("store"), "UPDATE store SET seal=x'';UPDATE entry SET body=x'' WHERE number=2");
-  Passwords passwords;
-  ASSERT_EQ(passwords.open(closed.temporary.place), errSecSuccess);
-  std::set<std::string> left;
-  EXPECT_EQ(passwords.storage->salvage([&](const SecEntry& entry) { left.insert(textFrom(entry.secret)); }),
-            errSecSuccess);
-  EXPECT_EQ(left, (std::set<std::string>{"password of ann", "password of cy"}));
+TEST(SecFileStorage, DoesWhatTheScriptSays) {
+  std::optional<StoreSteps> steps;
+  const auto expectStep = [&](const std::string& step, const std::string& answer) {
+    EXPECT_EQ(steps->answerTo(step), answer);
+  };
+  EXPECT_GT(runScript(
+                "store-steps.txt", [&] { steps.emplace(); }, expectStep),
+            50u);
 }
 
-TEST(SecFileStorage, OpensByThePassphraseThatWasSetLast) {
-  const ClosedStore closed;
-  const std::string keyFile = closed.path("key");
-  Passwords first, second;
-  Passwords::Found found;
-  ASSERT_EQ(first.open(closed.temporary.place), errSecSuccess);
-  EXPECT_EQ(first.storage->unlock(secretFrom("none").bytes()), errSecAuthFailed);
-  EXPECT_EQ(first.storage->setPassphrase({}), errSecParam);
-  EXPECT_EQ(first.storage->removePassphrase(), errSecParam);
-  ASSERT_EQ(first.storage->setPassphrase(secretFrom("one").bytes()), errSecSuccess);
-  ASSERT_EQ(first.storage->setPassphrase(secretFrom("two").bytes()), errSecSuccess);
-  EXPECT_FALSE(fs::exists(keyFile));
-  ASSERT_EQ(second.open(closed.temporary.place), errSecSuccess);
-  EXPECT_EQ(second.look("ann", found), errSecInteractionNotAllowed);
-  EXPECT_EQ(second.add("dee", "x"), errSecInteractionNotAllowed);
-  EXPECT_EQ(second.storage->verify(), errSecInteractionNotAllowed);
-  EXPECT_EQ(second.storage->unlock(), errSecInteractionNotAllowed);
-  EXPECT_EQ(second.storage->unlock(secretFrom("one").bytes()), errSecAuthFailed);
-  EXPECT_EQ(second.storage->unlock(secretFrom("two").bytes()), errSecSuccess);
-  EXPECT_EQ(second.look("ann", found), errSecSuccess);
-  EXPECT_EQ(found, "password of ann");
-  EXPECT_EQ(second.storage->removePassphrase(), errSecSuccess);
-  EXPECT_EQ(closed.path("key"), keyFile);
-  first.storage->lock();
-  EXPECT_EQ(first.look("ann", found), errSecInteractionNotAllowed);
-  EXPECT_EQ(first.storage->unlock(), errSecSuccess);
-  EXPECT_EQ(first.look("ann", found), errSecSuccess);
-}
-
-TEST(SecFileStorage, DerivesNoKeyFromExtremeParameters) {
-  const ClosedStore closed;
+TEST(SecFileStorage, AFailureThatTheWorkHidesUndoesItAll) {
+  const TemporaryPlace temporary;
   Passwords passwords;
-  // Protection, N as a power of two, r, p: the last one alone is within bounds, and so only the wrong key.
-  for (const char* parameters : {"02ff0801", "02130801", "02000801", "0211ff01", "02110101", "021108ff",
-                                 "02110800", "00110801", "03110801"}) {
-    writeSlot(closed.path("store"), parameters);
-    EXPECT_EQ(passwords.open(closed.temporary.place), errSecDecode) << parameters;
-  }
-  writeSlot(closed.path("store"), "020e0801");
-  ASSERT_EQ(passwords.open(closed.temporary.place), errSecSuccess);
-  EXPECT_EQ(passwords.storage->unlock(secretFrom("any").bytes()), errSecAuthFailed);
-}
-
-TEST(SecFileStorage, FollowsItsFile) {
-  const ClosedStore closed, other;
-  Passwords passwords;
-  Passwords::Found found;
-  ASSERT_EQ(passwords.open(closed.temporary.place), errSecSuccess);
-  const fs::path path = closed.path("store");
-  fs::rename(path, path.string() + ".away");
-  EXPECT_EQ(passwords.look("ann", found), errSecNoSuchKeychain);
-  EXPECT_EQ(passwords.add("dee", "x"), errSecNoSuchKeychain);
-  EXPECT_FALSE(fs::exists(path));
-  fs::rename(other.path("store"), path);
-  EXPECT_EQ(passwords.look("ann", found), errSecDataNotAvailable) << "a store whose key is elsewhere";
-  fs::rename(path.string() + ".away", path);
-  EXPECT_EQ(passwords.storage->unlock(), errSecSuccess);
-  EXPECT_EQ(passwords.look("ann", found), errSecSuccess);
-  EXPECT_EQ(found, "password of ann");
-}
-
-TEST(SecFileStorage, IsRefusedWhereNothingMayBeMadeOrChanged) {
-  const TemporaryPlace empty;
-  Passwords passwords;
-  EXPECT_EQ(passwords.open(empty.place, Passwords::refuse), errSecNoSuchKeychain);
-  EXPECT_EQ(passwords.open({empty.root / "none/store", empty.place.keyFolder, false}), errSecNoSuchKeychain);
-  EXPECT_TRUE(snapshot(empty.root).empty());
-  ASSERT_EQ(passwords.open(empty.place), errSecSuccess);
-  const auto tryToAdd = [](SecTransaction& store) { return store.insert(Passwords::entryOf("a", "b")); };
-  EXPECT_EQ(passwords.storage->transact(SecStorage::Access::read, tryToAdd), errSecReadOnly);
+  EXPECT_EQ(passwords.open({temporary.root / "none/store", temporary.place.keyFolder, false}),
+            errSecNoSuchKeychain);
+  ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);
   const auto hideFailure = [](SecTransaction& store) -> OSStatus {
     store.insert(Passwords::entryOf("a", "b"));
     store.insert(Passwords::entryOf("a", "c"));
