@@ -1,7 +1,6 @@
 #pragma once
 
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -10,14 +9,11 @@
 #include <string>
 #include <string_view>
 
-/// A folder of its own, gone at the end. In memory where the system has such a place: what ends a process
-/// there leaves what it would leave on a disk, many times faster.
+/// A folder of its own, gone at the end.
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
-    const char* const memory = "/dev/shm";
-    std::string name = ::access(memory, W_OK) == 0 ? memory : std::filesystem::temp_directory_path().string();
-    name += "/vxfoundation.XXXXXX";
+  explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string name = parent / "vxfoundation.XXXXXX";
     if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
     root = std::filesystem::canonical(name);
   }

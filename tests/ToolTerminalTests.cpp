@@ -1,19 +1,17 @@
-// The tool as a person at a terminal meets it.
-#include <gtest/gtest.h>
+// The tool as a person at a terminal meets it: vectors/terminal.txt, which says how it is written.
 #include <poll.h>
 #include <pty.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <termios.h>
-#include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <string>
+#include <optional>
+
+#include "Files.h"
+#include "Script.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// One run of the tool on a terminal of its own.
 class TerminalRun {
@@ -21,7 +19,7 @@ class TerminalRun {
   explicit TerminalRun(const std::string& arguments) {
     child_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
     if (child_ != 0) return;
-    const std::string command = std::string("exec " VX_TOOL " keychain ") + arguments + " 2>&1";
+    const std::string command = "exec " VX_TOOL " keychain " + arguments + " 2>&1";
     execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     _exit(127);
   }
@@ -72,81 +70,39 @@ class TerminalRun {
   std::size_t waited_ = 0;
 };
 
-class ToolTerminalTest : public testing::Test {
- protected:
-  ToolTerminalTest() {
-    std::string pattern = fs::temp_directory_path() / "vxfoundation-terminal-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
-    setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
-    setenv("LC_ALL", "C", 1);
+void expectStep(const std::string& step, const std::string& answer) {
+  auto [command, dialogue] = cut(step, " ? ");
+  const auto [status, ending] = cut(answer, " | ");
+  std::vector<std::string> secrets;
+  TerminalRun run(command);
+  while (!dialogue.empty()) {
+    const auto [exchange, rest] = cut(dialogue, " ? ");
+    const auto [prompt, keys] = cut(exchange, " = ");
+    const bool isSecret = prompt.find("Number") == prompt.npos;
+    run.expect(unescaped(prompt));
+    EXPECT_EQ(run.echoes(), !isSecret);
+    run.type(unescaped(keys));
+    if (isSecret) secrets.push_back(cut(keys, "\\x").first);
+    dialogue = rest;
   }
-  ~ToolTerminalTest() override { fs::remove_all(folder_); }
-
-  std::string entry() const {
-    return " --keychain " + (folder_ / "store").string() + " --account ann --service mail";
-  }
-  std::string store() const { return " --keychain " + (folder_ / "store").string(); }
-
-  /// Adds the entry with a password, and answers as given when it is there.
-  int add(const std::string& password, const std::string& choice = "") {
-    TerminalRun run("add" + entry());
-    run.expect("Password: ");
-    run.type(password + "\n");
-    if (!choice.empty()) {
-      run.expect("duplicate");
-      run.expect("1  Replace\r\n  2  Cancel\r\nNumber: ");
-      run.type(choice);
-    }
-    const int status = run.end();
-    EXPECT_EQ(run.shown().find(password), std::string::npos) << "the password was shown";
-    return status;
-  }
-
-  std::string password() {
-    TerminalRun run("show --password" + entry());
-    EXPECT_EQ(run.end(), 0);
-    return run.shown();
-  }
-
- private:
-  fs::path folder_;
-};
+  EXPECT_EQ(run.end(), std::stoi(status));
+  EXPECT_TRUE(run.echoes());
+  run.expect(ending);
+  for (const std::string& secret : secrets)
+    EXPECT_TRUE(secret.empty() || run.shown().find(secret) == std::string::npos) << "the secret was shown";
+}
 
 }  // namespace
 
-TEST_F(ToolTerminalTest, AnEntryThatExistsIsReplacedOrKept) {
-  EXPECT_EQ(add("first-secret"), 0);
-  EXPECT_EQ(add("second-secret", "2\n"), 1);
-  EXPECT_EQ(add("second-secret", "\x04"), 1) << "the end of the input cancels";
-  EXPECT_EQ(password(), "first-secret\r\n");
-  EXPECT_EQ(add("second-secret", "0\n3\n11\nReplace\n\n1\n"), 0) << "asked until an option is chosen";
-  EXPECT_EQ(password(), "second-secret\r\n");
-}
-
-TEST_F(ToolTerminalTest, TheTerminalEchoesAgainHoweverTheQuestionEnds) {
-  for (const auto& [keys, ending] : {std::pair("secret\n", 0), {"\x04", 1}, {"\x03", -SIGINT}}) {
-    TerminalRun run("add" + entry());
-    run.expect("Password: ");
-    EXPECT_FALSE(run.echoes());
-    run.type(keys);
-    EXPECT_EQ(run.end(), ending);
-    EXPECT_TRUE(run.echoes());
-  }
-}
-
-TEST_F(ToolTerminalTest, APassphraseIsAskedForTwiceAndThenOpensTheStore) {
-  EXPECT_EQ(add("first-secret"), 0);
-  for (const auto& [again, ending] : {std::pair("other\n", 1), {"pass phrase\n", 0}}) {
-    TerminalRun run("passphrase" + store());
-    run.expect("New passphrase: ");
-    run.type("pass phrase\n");
-    run.expect("The same again: ");
-    run.type(again);
-    EXPECT_EQ(run.end(), ending);
-  }
-  TerminalRun run("show --password" + entry());
-  run.expect("Passphrase of ");
-  run.type("pass phrase\n");
-  EXPECT_EQ(run.end(), 0);
-  run.expect("first-secret");
+TEST(ToolTerminal, SaysWhatTheScriptSays) {
+  std::optional<TemporaryFolder> folder;
+  const auto begin = [&] {
+    folder.emplace();
+    const std::string store = "--keychain " + (folder->root / "store").string();
+    setenv("store", store.c_str(), 1);
+    setenv("entry", (store + " --account ann --service mail").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", folder->root.c_str(), 1);
+    setenv("LC_ALL", "C", 1);
+  };
+  EXPECT_GT(runScript("terminal.txt", begin, expectStep), 10u);
 }
