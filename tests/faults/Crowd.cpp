@@ -41,23 +41,22 @@ int takePart(Passwords& passwords, std::size_t member, std::size_t changes) {
   return won;
 }
 
-void judge(Report& report, const TemporaryPlace& temporary, const std::vector<int>& won,
-           std::size_t changes) {
-  const Held held = readAll(report, temporary, "afterwards");
-  report.expect(held.count("sum") == 1 && held.at("sum") == std::to_string(members * changes),
-                "the sum is wrong");
+void judge(const TemporaryPlace& temporary, const std::vector<int>& won, std::size_t changes) {
+  const Held held = readAll(temporary);
+  EXPECT_EQ(held.at("sum"), std::to_string(members * changes));
   std::size_t winners = 0;
   for (const int each : won) {
-    report.expect(each >= 0, "a change was refused or not seen");
+    EXPECT_GE(each, 0) << "a change was refused or not seen";
     winners += static_cast<std::size_t>(each);
   }
-  report.expect(winners == changes, "not one winner for each name");
-  report.count("changes", members * changes * 3);
+  EXPECT_EQ(winners, changes) << "not one winner for each name";
+  count("changes", members * changes * 3);
 }
 
 }  // namespace
 
-void processes(Report& report, std::size_t changes) {
+TEST_F(SecFileFaults, Processes) {
+  const std::size_t changes = inForm(60, 1000);
   const TemporaryPlace temporary;
   Passwords first;
   first.open(temporary.place);
@@ -66,7 +65,7 @@ void processes(Report& report, std::size_t changes) {
   std::vector<pid_t> children;
   for (std::size_t member = 0; member < members; ++member) {
     int ends[2];
-    if (::pipe(ends) != 0) return report.expect(false, "no pipe");
+    ASSERT_EQ(::pipe(ends), 0);
     children.push_back(inChild([&] {
       Passwords passwords;
       const int result =
@@ -78,14 +77,15 @@ void processes(Report& report, std::size_t changes) {
   }
   for (std::size_t member = 0; member < members; ++member) {
     won.push_back(-1);
-    report.expect(::read(pipes[member], &won.back(), sizeof(int)) == sizeof(int), "no answer");
-    report.expect(waitFor(children[member]) == 0, "a process failed");
+    EXPECT_EQ(::read(pipes[member], &won.back(), sizeof(int)), static_cast<ssize_t>(sizeof(int)));
+    EXPECT_EQ(waitFor(children[member]), 0) << "a process failed";
     ::close(pipes[member]);
   }
-  judge(report, temporary, won, changes);
+  judge(temporary, won, changes);
 }
 
-void threads(Report& report, std::size_t changes) {
+TEST_F(SecFileFaults, Threads) {
+  const std::size_t changes = inForm(60, 1000);
   const TemporaryPlace temporary;
   Passwords passwords;
   passwords.open(temporary.place);
@@ -100,10 +100,11 @@ void threads(Report& report, std::size_t changes) {
       won[member] = takePart(member % 2 ? own : passwords, member, changes);
     });
   for (std::thread& member : crowd) member.join();
-  judge(report, temporary, won, changes);
+  judge(temporary, won, changes);
 }
 
-void stoppedHolder(Report& report, std::size_t rounds) {
+TEST_F(SecFileFaults, StoppedHolder) {
+  const std::size_t rounds = inForm(1, 3);
   for (std::size_t round = 0; round < rounds; ++round) {
     const TemporaryPlace temporary;
     Passwords passwords;
@@ -118,12 +119,12 @@ void stoppedHolder(Report& report, std::size_t rounds) {
     int state = 0;
     ::waitpid(holder, &state, WUNTRACED);
     Passwords::Found found;
-    report.expect(passwords.look("ann", found) == errSecSuccess && found == "1", "a reader was kept waiting");
-    report.expect(passwords.add("bob", "3") == errSecBusy, "not \"busy\"");
+    EXPECT_TRUE(passwords.look("ann", found) == errSecSuccess && found == "1") << "a reader was kept waiting";
+    EXPECT_EQ(passwords.add("bob", "3"), errSecBusy) << "not \"busy\"";
     ::kill(holder, SIGCONT);
-    report.expect(waitFor(holder) == 0, "the holder could not go on");
-    report.expect(passwords.add("bob", "3") == errSecSuccess, "still busy");
-    report.expect(readAll(report, temporary, "afterwards").size() == 3, "something is lost");
-    report.count("stopped");
+    EXPECT_EQ(waitFor(holder), 0) << "the holder could not go on";
+    EXPECT_EQ(passwords.add("bob", "3"), errSecSuccess) << "still busy";
+    EXPECT_EQ(readAll(temporary).size(), 3u) << "something is lost";
+    count("stopped");
   }
 }

@@ -21,57 +21,57 @@ class Specimen {
   const std::string& bytes() const { return bytes_; }
 
   /// Whatever the store's file holds now: every look-up is right or a status, and nothing is written.
-  void examine(Report& report, const std::string& content, const std::string& what) {
+  void examine(const std::string& content, const std::string& what) {
+    SCOPED_TRACE(what);
     writeFile(temporary_.place.store, content);
-    report.count("tried");
+    count("tried");
     Passwords passwords;
     const OSStatus opened = passwords.open(temporary_.place);
     if (opened == errSecSuccess) {
-      const bool right = lookUp(report, passwords, what);
+      const bool right = lookUp(passwords);
       const OSStatus verified = passwords.storage->verify();
-      report.expect(verified == errSecDecode || (verified == errSecSuccess && right),
-                    what + ": verified though damaged");
-      report.count(verified == errSecSuccess ? "without effect" : "damaged");
-      passwords.storage->salvage([&](const SecEntry& entry) { salvaged(report, entry, what); });
+      EXPECT_TRUE(verified == errSecDecode || (verified == errSecSuccess && right))
+          << "verified though damaged";
+      count(verified == errSecSuccess ? "without effect" : "damaged");
+      passwords.storage->salvage([&](const SecEntry& entry) { salvaged(entry); });
     }
-    report.count(opened == errSecSuccess ? "opened" : "refused");
-    report.expect(readFile(temporary_.place.store) == content, what + ": the file was changed");
-    report.expect(isAlone(), what + ": a file was made");
-    if (opened == errSecSuccess) add(report, passwords, what);
+    count(opened == errSecSuccess ? "opened" : "refused");
+    EXPECT_TRUE(readFile(temporary_.place.store) == content) << "the file was changed";
+    EXPECT_TRUE(isAlone()) << "a file was made";
+    if (opened == errSecSuccess) add(passwords);
   }
 
  private:
-  bool lookUp(Report& report, Passwords& passwords, const std::string& what) {
+  bool lookUp(Passwords& passwords) {
     bool right = true;
     Passwords::Found found;
     for (const auto& [account, password] : held_) {
       const OSStatus status = passwords.look(account, found);
-      report.expect(status != errSecSuccess || found == password, what + ": wrong answer for " + account);
+      EXPECT_TRUE(status != errSecSuccess || found == password) << "wrong answer for " << account;
       right = right && status == errSecSuccess;
     }
     for (const char* account : {"nobody", "removed"}) {
       const OSStatus status = passwords.look(account, found);
-      report.expect(status != errSecSuccess || !found, what + ": an answer for " + account);
+      EXPECT_TRUE(status != errSecSuccess || !found) << "an answer for " << account;
       right = right && status == errSecSuccess;
     }
     return right;
   }
 
-  void add(Report& report, Passwords& passwords, const std::string& what) {
+  void add(Passwords& passwords) {
     if (passwords.open(temporary_.place) != errSecSuccess || passwords.add("new", "y") != errSecSuccess)
       return;
     Passwords::Found found;
-    report.count("added to");
+    count("added to");
     const OSStatus status = passwords.look("new", found);
-    report.expect(status == errSecSuccess && found == "y", what + ": what was added is not there");
-    lookUp(report, passwords, what + ", added to");
+    EXPECT_TRUE(status == errSecSuccess && found == "y") << "what was added is not there";
+    lookUp(passwords);
   }
 
-  void salvaged(Report& report, const SecEntry& entry, const std::string& what) {
+  void salvaged(const SecEntry& entry) {
     const SecText& account = *entry.attributes.account;
     const auto held = held_.find(std::string(account.begin(), account.end()));
-    report.expect(held != held_.end() && held->second == textFrom(entry.secret),
-                  what + ": salvaged a wrong one");
+    EXPECT_TRUE(held != held_.end() && held->second == textFrom(entry.secret)) << "salvaged a wrong one";
   }
 
   bool isAlone() const {
@@ -86,17 +86,19 @@ class Specimen {
 
 }  // namespace
 
-void flips(Report& report, std::size_t step) {
+TEST_F(SecFileFaults, Flips) {
+  const std::size_t step = inForm(41, 1);
   Specimen specimen;
   for (std::size_t at = 0; at < specimen.bytes().size(); at += step) {
     std::string bytes = specimen.bytes();
     bytes[at] = static_cast<char>(bytes[at] ^ (1 << (at / step % 8)));
-    specimen.examine(report, bytes, "flip at " + std::to_string(at));
+    specimen.examine(bytes, "flip at " + std::to_string(at));
   }
 }
 
-void cuts(Report& report, std::size_t step) {
+TEST_F(SecFileFaults, Cuts) {
+  const std::size_t step = inForm(97, 1);
   Specimen specimen;
   for (std::size_t length = 0; length < specimen.bytes().size(); length += step)
-    specimen.examine(report, specimen.bytes().substr(0, length), "cut to " + std::to_string(length));
+    specimen.examine(specimen.bytes().substr(0, length), "cut to " + std::to_string(length));
 }

@@ -82,7 +82,7 @@ OSStatus actWithFault(const Deed& deed, const Kind& kind, long nth, const Tempor
 }
 
 /// False once no call was left to fail.
-bool tryOne(Report& report, const Deed& deed, const Kind& kind, long nth, const std::string& what) {
+bool tryOne(const Deed& deed, const Kind& kind, long nth) {
   const TemporaryPlace temporary;
   const bool making = std::string(deed.name) == "make";
   Passwords passwords;
@@ -94,23 +94,20 @@ bool tryOne(Report& report, const Deed& deed, const Kind& kind, long nth, const 
   const std::size_t filesBefore = openFiles();
   bool met = false;
   const OSStatus status = actWithFault(deed, kind, nth, temporary, passwords, met);
-  if (passwords.storage)
-    report.expect(passwords.add("next", "5") == errSecSuccess, what + ": cannot be used again");
-  if (status != errSecSuccess && !making && passwords.storage)
-    report.expect(openFiles() <= filesBefore, what + ": a file was left open");
-  report.expect(passwords.open(temporary.place) == errSecSuccess, what + ": does not open again");
-  Held found = readAll(report, temporary, what);
+  if (passwords.storage) EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "cannot be used again";
+  if (status != errSecSuccess && !making && passwords.storage) {
+    EXPECT_LE(openFiles(), filesBefore) << "a file was left open";
+  }
+  EXPECT_EQ(passwords.open(temporary.place), errSecSuccess) << "does not open again";
+  Held found = readAll(temporary);
   found.erase("next");
   const Held& before = making ? deed.after : atFirst;
   // After a failed sync nobody knows what is on the disk: the change may have been kept, but as a whole.
   const bool unsure = kind.kinds == Calls::syncing;
-  report.expect(found == deed.after || (status != errSecSuccess && found == before),
-                what + ": neither state");
-  report.expect(status == errSecSuccess || unsure || found == before,
-                what + ": changed in spite of " + std::to_string(status));
-  report.expect(!met || !kind.lasts || status == errSecDiskFull,
-                what + ": not \"full\" but " + std::to_string(status));
-  report.count(status == errSecSuccess ? "done all the same" : "answered with a status", met);
+  EXPECT_TRUE(found == deed.after || (status != errSecSuccess && found == before)) << "neither state";
+  EXPECT_TRUE(status == errSecSuccess || unsure || found == before) << "changed in spite of " << status;
+  EXPECT_TRUE(!met || !kind.lasts || status == errSecDiskFull) << "not \"full\" but " << status;
+  count(status == errSecSuccess ? "done all the same" : "answered with a status", met);
   return met;
 }
 
@@ -154,26 +151,27 @@ int fillSmallDisk() {
 
 }  // namespace
 
-void failures(Report& report, std::size_t step) {
+TEST_F(SecFileFaults, Failures) {
+  const std::size_t step = inForm(23, 1);
   for (const Deed& deed : deeds) {
     for (const Kind& kind : kinds) {
       const std::size_t pace = kind.kinds == Calls::memory ? step : 1;
       for (std::size_t nth = 1;; nth += pace) {
-        const std::string what =
-            std::string(deed.name) + ", failing " + kind.name + " " + std::to_string(nth);
-        if (!tryOne(report, deed, kind, static_cast<long>(nth), what)) break;
+        SCOPED_TRACE(std::string(deed.name) + ", failing " + kind.name + " " + std::to_string(nth));
+        if (!tryOne(deed, kind, static_cast<long>(nth))) break;
       }
     }
   }
 }
 
-void fullDisk(Report& report, std::size_t rounds) {
+TEST_F(SecFileFaults, FullDisk) {
+  const std::size_t rounds = inForm(1, 10);
   for (std::size_t round = 0; round < rounds; ++round) {
     const int limited = waitFor(inChild(fillWithinLimit));
-    report.expect(limited == 0, "with a limit to the size of files: step " + std::to_string(limited));
+    EXPECT_EQ(limited, 0) << "the step that failed with a limit to the size of files";
     const int small = waitFor(inChild(fillSmallDisk));
-    report.expect(small == 0 || small == notAllowed, "on a small disk: step " + std::to_string(small));
-    report.count("size limit");
-    report.count(small == notAllowed ? "small disk not allowed here" : "small disk");
+    EXPECT_TRUE(small == 0 || small == notAllowed) << "on a small disk: step " << small;
+    count("size limit");
+    count(small == notAllowed ? "small disk not allowed here" : "small disk");
   }
 }

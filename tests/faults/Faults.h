@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -8,36 +9,26 @@
 
 #include "../SecFileTests.h"
 
-/// What a scenario found. Each expectation that does not hold is printed, and fails the run.
-class Report {
- public:
-  void expect(bool holds, const std::string& what);
-  /// A figure for the line that the scenario ends with.
-  void count(const std::string& what, std::size_t number = 1) { figures_[what] += number; }
-  bool printAndJudge(const std::string& scenario) const;
+/// What may befall credential stores. The short form of each test is run with all others, the long one where
+/// VX_FAULTS is "long"; either prints what it tried.
+class SecFileFaults : public testing::Test {
+ protected:
+  SecFileFaults();
+  ~SecFileFaults() override;
 
- private:
-  std::map<std::string, std::size_t> figures_;
-  std::size_t failures_ = 0;
+  /// Rounds or changes, or every how many bytes or calls.
+  static std::size_t inForm(std::size_t shortForm, std::size_t longForm);
 };
+
+/// Adds to a figure that the test ends with.
+void count(const std::string& what, std::size_t number = 1);
 
 using Held = std::map<std::string, std::string>;
 
 /// Everything that a store holds, as a process sees it that has just opened it; also checks all of it.
-Held readAll(Report& report, const TemporaryPlace& temporary, const std::string& when);
+Held readAll(const TemporaryPlace& temporary);
 
 /// Runs `body` in a process of its own, which ends with what it gives.
 pid_t inChild(const std::function<int()>& body);
 /// Waits for a process; what it ended with, or the negative number of its signal.
 int waitFor(pid_t child);
-
-void kills(Report& report, std::size_t rounds);
-void creations(Report& report, std::size_t rounds);
-void flips(Report& report, std::size_t step);
-void cuts(Report& report, std::size_t step);
-void failures(Report& report, std::size_t step);
-void fullDisk(Report& report, std::size_t rounds);
-void processes(Report& report, std::size_t changes);
-void threads(Report& report, std::size_t changes);
-void stoppedHolder(Report& report, std::size_t rounds);
-void traces(Report& report, std::size_t rounds);

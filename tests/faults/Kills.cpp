@@ -70,13 +70,13 @@ int write(const TemporaryPlace& temporary, unsigned writer, unsigned long seed, 
 }
 
 /// What one writer has told: all that is done is applied to `held`, and what was begun is left over.
-std::optional<Change> listen(int from, Held& held, Report& report) {
+std::optional<Change> listen(int from, Held& held) {
   std::optional<Change> begun;
   for (Change change; ::recv(from, &change, sizeof change, 0) == sizeof change;) {
     begun.reset();
     if (change.done == 0) begun = change;
     if (change.done == 1) record(held, change);
-    report.count("acknowledged", change.done == 1);
+    count("acknowledged", change.done == 1);
   }
   return begun;
 }
@@ -98,8 +98,7 @@ Writer start(const TemporaryPlace& temporary, unsigned number, unsigned long see
 }
 
 /// The store must hold what was acknowledged; of a change that was begun, all or nothing.
-void compare(Report& report, const Held& found, Held& held, const std::vector<std::optional<Change>>& begun,
-             const std::string& when) {
+void compare(const Held& found, Held& held, const std::vector<std::optional<Change>>& begun) {
   for (const auto& change : begun) {
     if (!change) continue;
     Held after = held;
@@ -109,17 +108,19 @@ void compare(Report& report, const Held& found, Held& held, const std::vector<st
     };
     if (of(found) == of(after)) held = after;
   }
-  report.expect(found == held, when + ": an acknowledged change is lost or another is half done");
+  EXPECT_TRUE(found == held) << "an acknowledged change is lost or another is half done";
 }
 
 }  // namespace
 
-void kills(Report& report, std::size_t rounds) {
+TEST_F(SecFileFaults, Kills) {
+  const std::size_t rounds = inForm(60, 1000);
   const TemporaryPlace temporary;
   std::mt19937 random(1);
   Held held;
   Passwords().open(temporary.place);
   for (std::size_t round = 0; round < rounds; ++round) {
+    SCOPED_TRACE(round);
     std::vector<Writer> writers;
     std::vector<std::optional<Change>> begun;
     for (unsigned number = 0; number < 2; ++number)
@@ -129,19 +130,20 @@ void kills(Report& report, std::size_t rounds) {
     for (const Writer& writer : writers)
       if (round % 2 == 0) ::kill(writer.process, SIGKILL);
     for (const Writer& writer : writers) {
-      begun.push_back(listen(writer.from, held, report));
+      begun.push_back(listen(writer.from, held));
       ::close(writer.from);
-      report.expect(waitFor(writer.process) == -SIGKILL, "a writer ended by itself");
-      report.count("killed");
+      EXPECT_EQ(waitFor(writer.process), -SIGKILL) << "a writer ended by itself";
+      count("killed");
     }
-    const std::string when = "kill " + std::to_string(round);
-    compare(report, readAll(report, temporary, when), held, begun, when);
+    compare(readAll(temporary), held, begun);
   }
 }
 
-void creations(Report& report, std::size_t rounds) {
+TEST_F(SecFileFaults, Creations) {
+  const std::size_t rounds = inForm(20, 200);
   std::mt19937 random(2);
   for (std::size_t round = 0; round < rounds; ++round) {
+    SCOPED_TRACE(round);
     const TemporaryPlace temporary;
     std::vector<pid_t> makers;
     for (int number = 0; number < 8; ++number) {
@@ -156,15 +158,13 @@ void creations(Report& report, std::size_t rounds) {
     std::set<std::string> acknowledged;
     for (std::size_t number = 0; number < makers.size(); ++number) {
       const int result = waitFor(makers[number]);
-      report.expect(result == 0 || result == -SIGKILL, "a maker failed with " + std::to_string(result));
+      EXPECT_TRUE(result == 0 || result == -SIGKILL) << "a maker failed with " << result;
       if (result == 0) acknowledged.insert("account " + std::to_string(number));
-      report.count(result == 0 ? "made or joined" : "killed");
+      count(result == 0 ? "made or joined" : "killed");
     }
-    const Held found = readAll(report, temporary, "creation " + std::to_string(round));
-    for (const std::string& account : acknowledged)
-      report.expect(found.count(account) == 1, "lost " + account);
+    const Held found = readAll(temporary);
+    for (const std::string& account : acknowledged) EXPECT_EQ(found.count(account), 1u) << "lost " << account;
     for (const auto& item : std::filesystem::directory_iterator(temporary.root / "data"))
-      report.expect(item.path().string().find(temporary.place.store) == 0,
-                    "left over: " + item.path().string());
+      EXPECT_EQ(item.path().string().find(temporary.place.store), 0u) << "left over: " << item;
   }
 }

@@ -117,27 +117,27 @@ void goOn(pid_t process) {
   ::waitpid(process, &state, WUNTRACED);
 }
 
-void look(Report& report, const TemporaryPlace& temporary, pid_t process, const Marks& marks) {
+void look(const TemporaryPlace& temporary, pid_t process, const Marks& marks) {
   int state = 0;
   ::waitpid(process, &state, WUNTRACED);
-  report.expect(marksIn(memoryOf(process), marks) >= 4, "the search does not find what a process holds");
+  EXPECT_GE(marksIn(memoryOf(process), marks), 4u) << "the search does not find what a process holds";
   goOn(process);
   const std::string journal = readFile(temporary.place.store + "-journal");
-  report.expect(journal.size() > 1000 && marksIn(journal, marks) == 0, "in the journal, or there was none");
+  EXPECT_TRUE(journal.size() > 1000 && marksIn(journal, marks) == 0) << "in the journal, or there was none";
   goOn(process);
-  report.expect(marksIn(memoryOf(process), marks) == 0,
-                "in the memory of a process that has locked its store");
-  report.count("memory searched");
+  EXPECT_EQ(marksIn(memoryOf(process), marks), 0u) << "in the memory of a process that has locked its store";
+  count("memory searched");
 }
 
 }  // namespace
 
-void traces(Report& report, std::size_t rounds) {
+TEST_F(SecFileFaults, Traces) {
+  const std::size_t rounds = inForm(1, 10);
   for (std::size_t round = 0; round < rounds; ++round) {
     const TemporaryPlace temporary;
     const std::string output = temporary.root / "output";
     int ends[2];
-    if (::pipe(ends) != 0) return report.expect(false, "no pipe");
+    ASSERT_EQ(::pipe(ends), 0);
     const pid_t process = inChild([&] {
       const int file = ::open(output.c_str(), O_CREAT | O_WRONLY, 0600);
       ::dup2(file, 1);
@@ -146,18 +146,17 @@ void traces(Report& report, std::size_t rounds) {
     });
     const Marks marks;
     const std::string all = marks.account + marks.service + marks.label + marks.secret;
-    report.expect(::write(ends[1], all.data(), all.size()) == static_cast<ssize_t>(all.size()), "no pipe");
-    look(report, temporary, process, marks);
+    ASSERT_EQ(::write(ends[1], all.data(), all.size()), static_cast<ssize_t>(all.size()));
+    look(temporary, process, marks);
     goOn(process);
     std::size_t files = 0;
     for (const auto& item : std::filesystem::recursive_directory_iterator(temporary.root)) {
       files += item.is_regular_file();
-      report.expect(marksIn(item.path().string(), marks) == 0, "in the name " + item.path().string());
-      report.expect(item.is_directory() || marksIn(readFile(item.path()), marks) == 0,
-                    "in " + item.path().string());
+      EXPECT_EQ(marksIn(item.path().string(), marks), 0u) << "in the name of " << item;
+      EXPECT_TRUE(item.is_directory() || marksIn(readFile(item.path()), marks) == 0) << "in " << item;
     }
-    report.expect(files == 3, "not the store, its key and what was said");
-    report.count("files searched", files);
+    EXPECT_EQ(files, 3u) << "not the store, its key and what was said";
+    count("files searched", files);
     ::close(ends[0]);
     ::close(ends[1]);
   }
