@@ -8,18 +8,20 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "Script.h"
 
-/// A store that answers every transaction with one status, and counts them.
+/// A store that answers every transaction with one status, or runs out of memory, and counts them.
 class AnsweringStorage : public SecStorage {
  public:
   explicit AnsweringStorage(OSStatus status) : status_(status) {}
   OSStatus transact(Access, const Work&) override {
     ++transactions;
+    if (status_ == errSecAllocate) throw std::bad_alloc();
     return status_;
   }
   OSStatus copyInfo(SecStorageInfo&) override { return status_; }

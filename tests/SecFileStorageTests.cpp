@@ -1,7 +1,6 @@
 #include <openssl/evp.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <set>
 
@@ -165,19 +164,6 @@ TEST(SecFileStorage, IsWhereTheEnvironmentSays) {
   }
 }
 
-TEST(SecFileStorage, MakesPrivateFilesWhateverTheUmask) {
-  for (const mode_t mask : {mode_t{0}, mode_t{0777}}) {
-    const TemporaryPlace temporary;
-    const mode_t before = ::umask(mask);
-    Passwords passwords;
-    EXPECT_EQ(passwords.open(temporary.place), errSecSuccess);
-    EXPECT_EQ(passwords.add("ann", "secret"), errSecSuccess);
-    ::umask(before);
-    for (const auto& item : fs::recursive_directory_iterator(temporary.root))
-      EXPECT_EQ(fs::status(item).permissions(), item.is_directory() ? fs::perms::owner_all : fs::perms(0600));
-  }
-}
-
 TEST(SecFileStorage, RefusesWhatStandsInPlaceOfItsFiles) {
   for (const auto& row : vectors("store-refusals.tsv")) {
     if (row[1].find("chown") != row[1].npos && ::geteuid() != 0) continue;
@@ -248,26 +234,4 @@ TEST(SecFileStorage, AFailureThatTheWorkHidesUndoesItAll) {
   std::map<std::string, std::string> held;
   EXPECT_EQ(passwords.all(held), errSecSuccess);
   EXPECT_TRUE(held.empty());
-}
-
-TEST(SecFileStorage, IsUsedByParentAndChildAfterAFork) {
-  const TemporaryPlace temporary;
-  Passwords passwords;
-  ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);
-  ASSERT_EQ(passwords.add("before", "1"), errSecSuccess);
-  const pid_t child = ::fork();
-  for (int count = 0; count < 20; ++count) {
-    const std::string account = (child ? "parent " : "child ") + std::to_string(count);
-    const OSStatus status = passwords.add(account, "2");
-    if (child == 0 && status != errSecSuccess) ::_exit(1);
-    EXPECT_EQ(status, errSecSuccess);
-  }
-  if (child == 0) ::_exit(0);
-  int result = -1;
-  ::waitpid(child, &result, 0);
-  EXPECT_EQ(result, 0);
-  std::map<std::string, std::string> held;
-  EXPECT_EQ(passwords.all(held), errSecSuccess);
-  EXPECT_EQ(held.size(), 41u);
-  EXPECT_EQ(passwords.storage->verify(), errSecSuccess);
 }

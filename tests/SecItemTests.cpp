@@ -1,24 +1,6 @@
-#include <new>
-
 #include "SecStorageConformance.h"
 
-namespace {
-
-std::size_t countOf(SecStorage& storage) {
-  SecStorageInfo info;
-  EXPECT_EQ(storage.copyInfo(info), errSecSuccess);
-  return info.entries;
-}
-
-class FailingAllocation : public SecStorage {
- public:
-  OSStatus transact(Access, const Work&) override { throw std::bad_alloc(); }
-  OSStatus copyInfo(SecStorageInfo&) override { return errSecSuccess; }
-};
-
 using SecItemTest = KeychainTest;
-
-}  // namespace
 
 TEST(SecMemoryStorage, Conforms) {
   SecStorageConformance::expect([] { return std::make_shared<SecMemoryStorage>(); });
@@ -42,34 +24,28 @@ TEST_F(SecItemTest, MapsAreNeitherKeptNorChanged) {
 }
 
 TEST_F(SecItemTest, AFailureOfTheStoreIsTheStatusAndLeavesTheResultAlone) {
-  const auto query = VXGenericKeychainItem::queryDictionaryWithUsername("ann", "mail");
-  query->setObject(NSNumber::numberWithBool(true), kSecReturnAttributes);
+  const auto query = writtenMap("class=generic account=ann returnAttributes=1");
   const RefPtr<NSDictionary> untouched = NSDictionary::dictionary();
   RefPtr<NSDictionary> result = untouched;
-  const auto expect = [&](OSStatus status) {
+  for (const OSStatus status : {errSecIO, errSecDiskFull, errSecBusy, errSecDecode, errSecAllocate}) {
+    answerAlways(status);
     EXPECT_EQ(SecItemAdd(query, &result), status);
     EXPECT_EQ(SecItemCopyMatching(query, &result), status);
     EXPECT_EQ(SecItemUpdate(query, query), status);
     EXPECT_EQ(SecItemDelete(query), status);
     EXPECT_EQ(result.get(), untouched.get());
-  };
-  for (const OSStatus status : {errSecIO, errSecDiskFull, errSecBusy, errSecDecode}) {
-    answerAlways(status);
-    expect(status);
   }
-  secSetDefaultStorage(std::make_shared<FailingAllocation>());
-  expect(errSecAllocate);
 }
 
 TEST_F(SecItemTest, TheDefaultStoreIsTheOneThatWasChosen) {
-  const auto first = std::make_shared<SecMemoryStorage>(), second = std::make_shared<SecMemoryStorage>();
-  const auto query = VXGenericKeychainItem::queryDictionaryWithUsername("ann", "mail");
-  secSetDefaultStorage(first);
-  EXPECT_EQ(SecItemAdd(query), errSecSuccess);
-  secSetDefaultStorage(second);
-  EXPECT_EQ(SecItemCopyMatching(query), errSecItemNotFound);
-  std::shared_ptr<SecStorage> used;
-  ASSERT_EQ(secCopyDefaultStorage(used), errSecSuccess);
-  EXPECT_EQ(used, second);
-  EXPECT_EQ(countOf(*first), 1u);
+  for (const auto& chosen : {std::make_shared<SecMemoryStorage>(), std::make_shared<SecMemoryStorage>()}) {
+    std::shared_ptr<SecStorage> used;
+    SecStorageInfo info;
+    secSetDefaultStorage(chosen);
+    EXPECT_EQ(SecItemAdd(writtenMap("class=generic account=ann")), errSecSuccess);
+    EXPECT_EQ(secCopyDefaultStorage(used), errSecSuccess);
+    EXPECT_EQ(used, chosen);
+    EXPECT_EQ(chosen->copyInfo(info), errSecSuccess);
+    EXPECT_EQ(info.entries, 1u);
+  }
 }

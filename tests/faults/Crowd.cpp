@@ -11,96 +11,96 @@ namespace {
 
 constexpr std::size_t members = 8;
 
-OSStatus countUp(Passwords& passwords) {
-  return passwords.storage->transact(SecStorage::Access::change, [](SecTransaction& store) -> OSStatus {
+OSStatus countUp(Passwords& passwords, const std::string& what) {
+  return passwords.storage->transact(SecStorage::Access::change, [&](SecTransaction& store) -> OSStatus {
     std::optional<SecRow> row;
-    const OSStatus status = store.find(Passwords::named("sum"), [&](SecRow found) {
+    const OSStatus status = store.find(Passwords::named(what), [&](SecRow found) {
       row = std::move(found);
       return false;
     });
     if (status != errSecSuccess) return status;
     const std::string next = std::to_string(std::stoul(textFrom(row->entry.secret)) + 1);
-    return store.replace(row->number, Passwords::entryOf("sum", next));
+    return store.replace(row->number, Passwords::entryOf(what, next));
   });
 }
 
-/// Changes shared and own entries in turn; how many of the shared names it was the first to add, or -1.
-int takePart(Passwords& passwords, std::size_t member, std::size_t changes) {
-  int won = 0;
+/// Changes shared and own entries in turn, and counts them and the shared names that it was the first to
+/// add; false once a change is refused or not seen.
+bool takePart(const TemporaryPlace& temporary, Passwords& passwords, std::size_t member,
+              std::size_t changes) {
+  if (!passwords.storage && passwords.open(temporary.place) != errSecSuccess) return false;
   for (std::size_t change = 0; change < changes; ++change) {
     const std::string own = "own " + std::to_string(member) + " " + std::to_string(change % 20);
-    if (countUp(passwords) != errSecSuccess) return -1;
-    const OSStatus shared = passwords.add("shared " + std::to_string(change), std::to_string(member));
-    if (shared != errSecSuccess && shared != errSecDuplicateItem) return -1;
-    won += shared == errSecSuccess;
+    if (countUp(passwords, "changes") != errSecSuccess) return false;
+    const OSStatus shared = passwords.add("shared " + std::to_string(change), "x");
+    if (shared != errSecDuplicateItem && shared != errSecSuccess) return false;
+    if (shared == errSecSuccess && countUp(passwords, "winners") != errSecSuccess) return false;
     Passwords::Found found;
     const OSStatus status = change % 40 < 20 ? passwords.add(own, "x") : passwords.remove(own);
-    if (status != errSecSuccess || passwords.look(own, found) != errSecSuccess) return -1;
-    if (found.has_value() != (change % 40 < 20)) return -1;
+    if (status != errSecSuccess || passwords.look(own, found) != errSecSuccess) return false;
+    if (found.has_value() != (change % 40 < 20)) return false;
   }
-  return won;
+  return true;
 }
 
-void judge(const TemporaryPlace& temporary, const std::vector<int>& won, std::size_t changes) {
-  const Held held = readAll(temporary);
-  EXPECT_EQ(held.at("sum"), std::to_string(members * changes));
-  std::size_t winners = 0;
-  for (const int each : won) {
-    EXPECT_GE(each, 0) << "a change was refused or not seen";
-    winners += static_cast<std::size_t>(each);
+/// A store that is used by many at once.
+struct SharedStore : TemporaryPlace {
+  SharedStore() {
+    EXPECT_EQ(passwords.open(place), errSecSuccess);
+    for (const char* sum : {"changes", "winners"}) EXPECT_EQ(passwords.add(sum, "0"), errSecSuccess);
   }
-  EXPECT_EQ(winners, changes) << "not one winner for each name";
-  count("changes", members * changes * 3);
-}
+  void judge(std::size_t changes) {
+    const Held held = readAll(*this);
+    EXPECT_EQ(held.at("changes"), std::to_string(members * changes));
+    EXPECT_EQ(held.at("winners"), std::to_string(changes)) << "not one winner for each name";
+    count("changes", members * changes * 3);
+  }
+  Passwords passwords;
+};
 
 }  // namespace
 
 TEST_F(SecFileFaults, Processes) {
   const std::size_t changes = inForm(60, 1000);
-  const TemporaryPlace temporary;
-  Passwords first;
-  first.open(temporary.place);
-  first.add("sum", "0");
-  std::vector<int> pipes, won;
+  SharedStore store;
   std::vector<pid_t> children;
   for (std::size_t member = 0; member < members; ++member) {
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
     children.push_back(inChild([&] {
-      Passwords passwords;
-      const int result =
-          passwords.open(temporary.place) == errSecSuccess ? takePart(passwords, member, changes) : -1;
-      return ::write(ends[1], &result, sizeof result) == sizeof result ? 0 : 1;
+      Passwords own;
+      return takePart(store, own, member, changes) ? 0 : 1;
     }));
-    ::close(ends[1]);
-    pipes.push_back(ends[0]);
   }
-  for (std::size_t member = 0; member < members; ++member) {
-    won.push_back(-1);
-    EXPECT_EQ(::read(pipes[member], &won.back(), sizeof(int)), static_cast<ssize_t>(sizeof(int)));
-    EXPECT_EQ(waitFor(children[member]), 0) << "a process failed";
-    ::close(pipes[member]);
-  }
-  judge(temporary, won, changes);
+  for (const pid_t child : children) EXPECT_EQ(waitFor(child), 0);
+  store.judge(changes);
 }
 
 TEST_F(SecFileFaults, Threads) {
   const std::size_t changes = inForm(60, 1000);
-  const TemporaryPlace temporary;
-  Passwords passwords;
-  passwords.open(temporary.place);
-  passwords.add("sum", "0");
-  std::vector<int> won(members);
+  SharedStore store;
   std::vector<std::thread> crowd;
-  for (std::size_t member = 0; member < members; ++member)
+  for (std::size_t member = 0; member < members; ++member) {
     crowd.emplace_back([&, member] {
       // Every second one has a connection of its own, so that both kinds of waiting are met.
       Passwords own;
-      if (member % 2) own.open(temporary.place);
-      won[member] = takePart(member % 2 ? own : passwords, member, changes);
+      EXPECT_TRUE(takePart(store, member % 2 ? own : store.passwords, member, changes));
     });
+  }
   for (std::thread& member : crowd) member.join();
-  judge(temporary, won, changes);
+  store.judge(changes);
+}
+
+TEST_F(SecFileFaults, Fork) {
+  SharedStore store;
+  const auto addSome = [&](const std::string& whose) {
+    for (int number = 0; number < 20; ++number)
+      if (store.passwords.add(whose + std::to_string(number), "x") != errSecSuccess) return 1;
+    return 0;
+  };
+  const pid_t child = inChild([&] { return addSome("child "); });
+  EXPECT_EQ(addSome("parent "), 0);
+  EXPECT_EQ(waitFor(child), 0);
+  EXPECT_EQ(readAll(store).size(), 42u);
+  count("forks");
 }
 
 TEST_F(SecFileFaults, StoppedHolder) {

@@ -94,7 +94,9 @@ bool tryOne(const Deed& deed, const Kind& kind, long nth) {
   const std::size_t filesBefore = openFiles();
   bool met = false;
   const OSStatus status = actWithFault(deed, kind, nth, temporary, passwords, met);
-  if (passwords.storage) EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "cannot be used again";
+  if (passwords.storage) {
+    EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "cannot be used again";
+  }
   if (status != errSecSuccess && !making && passwords.storage) {
     EXPECT_LE(openFiles(), filesBefore) << "a file was left open";
   }
