@@ -16,8 +16,9 @@ class SecStorageConformance {
   static void expect(const MakeStorage& makeStorage) {
     const auto begin = [&] { secSetDefaultStorage(makeStorage()); };
     EXPECT_GT(runScript("keychain.txt", begin, expectStep), 150u) << "the table was not found whole";
+    begin();
+    expectTransactions();
     secSetDefaultStorage(nullptr);
-    expectTransactions(*makeStorage());
   }
 
  private:
@@ -41,45 +42,36 @@ class SecStorageConformance {
   }
 
   /// A transaction is kept as a whole when its work succeeds; else, and where it only reads, not at all.
-  static void expectTransactions(SecStorage& storage) {
+  static void expectTransactions() {
+    std::shared_ptr<SecStorage> storage;
+    ASSERT_EQ(secCopyDefaultStorage(storage), errSecSuccess);
     const auto entry = [](std::u16string_view account) {
       SecEntry made;
       made.attributes.account.emplace(account);
       return made;
     };
-    std::u16string accounts;
-    std::vector<std::int64_t> numbers;
-    const auto readAll = [&](SecTransaction& transaction) {
-      accounts.clear();
-      numbers.clear();
-      return transaction.find({}, [&](const SecRow& row) {
-        accounts += std::u16string_view(*row.entry.attributes.account);
-        numbers.push_back(row.number);
-        return true;
-      });
-    };
+    const auto add = [&](SecTransaction& transaction) { return transaction.insert(entry(u"c")); };
     const auto changeAll = [&](OSStatus answer) {
       return [&, answer](SecTransaction& transaction) {
-        EXPECT_EQ(readAll(transaction), errSecSuccess);
-        EXPECT_EQ(transaction.replace(numbers[0], entry(u"x")), errSecSuccess);
-        EXPECT_EQ(transaction.replace(numbers[0], entry(u"y")), errSecSuccess);
-        EXPECT_EQ(transaction.remove(numbers[1]), errSecSuccess);
-        EXPECT_EQ(transaction.insert(entry(u"c")), errSecSuccess);
-        EXPECT_EQ(transaction.remove(numbers[0]), errSecSuccess);
+        std::vector<std::int64_t> numbers;
+        transaction.find({}, [&](const SecRow& row) { return numbers.push_back(row.number), true; });
+        EXPECT_EQ(transaction.replace(numbers.at(0), entry(u"x")), errSecSuccess);
+        EXPECT_EQ(transaction.replace(numbers.at(0), entry(u"y")), errSecSuccess);
+        EXPECT_EQ(transaction.remove(numbers.at(1)), errSecSuccess);
+        EXPECT_EQ(add(transaction), errSecSuccess);
+        EXPECT_EQ(transaction.remove(numbers.at(0)), errSecSuccess);
         return answer;
       };
     };
-    const auto add = [&](SecTransaction& transaction) { return transaction.insert(entry(accounts)); };
-    for (const char16_t* account : {u"a", u"b"}) {
-      accounts = account;
-      EXPECT_EQ(storage.transact(SecStorage::Access::change, add), errSecSuccess);
-    }
-    EXPECT_EQ(storage.transact(SecStorage::Access::change, changeAll(errSecIO)), errSecIO);
-    EXPECT_EQ(storage.transact(SecStorage::Access::read, readAll), errSecSuccess);
-    EXPECT_EQ(accounts, u"ab");
-    EXPECT_EQ(storage.transact(SecStorage::Access::read, add), errSecReadOnly);
-    EXPECT_EQ(storage.transact(SecStorage::Access::change, changeAll(errSecSuccess)), errSecSuccess);
-    EXPECT_EQ(storage.transact(SecStorage::Access::read, readAll), errSecSuccess);
-    EXPECT_EQ(accounts, u"c");
+    for (const char* account : {"a", "b"})
+      expectStep(std::string("add class=generic account=") + account, "0");
+    EXPECT_EQ(storage->transact(SecStorage::Access::change, changeAll(errSecIO)), errSecIO);
+    EXPECT_EQ(storage->transact(SecStorage::Access::read, add), errSecReadOnly);
+    expectStep("copy class=generic returnAttributes=1", "0 | class=generic account=a");
+    expectStep("copy class=generic account=b", "0");
+    expectStep("copy class=generic account=c", "-25300");
+    EXPECT_EQ(storage->transact(SecStorage::Access::change, changeAll(errSecSuccess)), errSecSuccess);
+    expectStep("copy class=generic returnAttributes=1", "0 | class=generic account=c");
+    expectStep("copy class=generic account=b", "-25300");
   }
 };

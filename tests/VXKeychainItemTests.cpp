@@ -25,12 +25,6 @@ class Fields {
                                                                protocol());
   }
 
-  void giveTo(VXPasswordKeychainItem& item) const {
-    if (account()) item.setUsername(account());
-    if (label()) item.setLabel(label());
-    if (password()) item.setPassword(password());
-  }
-
  private:
   Ref<VXPasswordKeychainItem> itemWithPassword() const {
     if (isGeneric())
@@ -170,9 +164,7 @@ class VXKeychainItemTest : public KeychainTest {
     if (operation == "fields") return shown(item._createAttributesDictionary());
     if (operation == "request") return shown(item.keychainItemRequest());
     if (operation == "response") return shown(item.keychainItemResponse());
-    if (operation == "set")
-      Fields(detail).giveTo(item);
-    else if (operation == "fill")
+    if (operation == "fill")
       item.populateKeychainItemWithKeychainResponse(writtenMap(detail));
     else if (operation == "share")
       share(item, *items_.at(detail));

@@ -21,28 +21,22 @@ struct Deed {
 };
 
 const Deed deeds[] = {
-    {"make",
-     [](const TemporaryPlace& temporary, Passwords& passwords) { return passwords.open(temporary.place); },
-     {}},
-    {"open",
-     [](const TemporaryPlace& temporary, Passwords& passwords) { return passwords.open(temporary.place); },
-     atFirst},
+    {"make", [](auto& temporary, auto& passwords) { return passwords.open(temporary.place); }, {}},
+    {"open", [](auto& temporary, auto& passwords) { return passwords.open(temporary.place); }, atFirst},
     {"look up",
-     [](const TemporaryPlace&, Passwords& passwords) -> OSStatus {
+     [](auto&, auto& passwords) -> OSStatus {
        Passwords::Found found;
        const OSStatus status = passwords.look("ann", found);
        return status == errSecSuccess && found != "1" ? OSStatus{errSecItemNotFound} : status;
      },
      atFirst},
     {"add",
-     [](const TemporaryPlace&, Passwords& passwords) { return passwords.add("cy", std::string(9000, '3')); },
+     [](auto&, auto& passwords) { return passwords.add("cy", std::string(9000, '3')); },
      {{"ann", "1"}, {"bob", "2"}, {"cy", std::string(9000, '3')}}},
     {"update",
-     [](const TemporaryPlace&, Passwords& passwords) { return passwords.update("ann", "4"); },
+     [](auto&, auto& passwords) { return passwords.update("ann", "4"); },
      {{"ann", "4"}, {"bob", "2"}}},
-    {"remove",
-     [](const TemporaryPlace&, Passwords& passwords) { return passwords.remove("bob"); },
-     {{"ann", "1"}}},
+    {"remove", [](auto&, auto& passwords) { return passwords.remove("bob"); }, {{"ann", "1"}}},
 };
 
 struct Kind {

@@ -31,14 +31,8 @@ constexpr unsigned accountsEach = 40;
 constexpr int diskCalls = Calls::writing | Calls::syncing | Calls::opening | Calls::naming;
 
 OSStatus perform(Passwords& passwords, const Change& change) {
-  switch (change.operation) {
-    case adding:
-      return passwords.add(change.name(), change.password());
-    case updating:
-      return passwords.update(change.name(), change.password());
-    case removing:
-      break;
-  }
+  if (change.operation == adding) return passwords.add(change.name(), change.password());
+  if (change.operation == updating) return passwords.update(change.name(), change.password());
   return passwords.remove(change.name());
 }
 

@@ -61,26 +61,16 @@ std::string memoryOf(pid_t process) {
   return image;
 }
 
-/// Takes a mark from the pipe straight into memory that is overwritten in the end.
-template <class Text>
-Text receive(int from) {
-  Text text(markSize, 0);
-  for (auto& unit : text) {
-    char letter = 0;
-    if (::read(from, &letter, 1) != 1) ::_exit(9);
-    unit = static_cast<typename Text::value_type>(letter);
-  }
-  return text;
-}
-
+/// Takes marks from the pipe straight into memory that is overwritten in the end.
 SecEntry receiveEntry(int from) {
   SecEntry entry;
-  entry.attributes.account = receive<SecText>(from);
-  entry.attributes.service = receive<SecText>(from);
-  entry.attributes.label = receive<SecText>(from);
+  for (auto* text : {&entry.attributes.account, &entry.attributes.service, &entry.attributes.label}) {
+    text->emplace(markSize, u'\0');
+    for (char16_t& unit : **text)
+      if (::read(from, &unit, 1) != 1) ::_exit(9);
+  }
   entry.secret = SecSecret(markSize);
-  for (std::byte& byte : entry.secret.writableBytes())
-    if (::read(from, &byte, 1) != 1) ::_exit(9);
+  if (::read(from, entry.secret.writableBytes().data(), markSize) != markSize) ::_exit(9);
   return entry;
 }
 
