@@ -33,3 +33,9 @@ inline std::string readFile(const std::filesystem::path& path) {
 inline void writeFile(const std::filesystem::path& path, std::string_view content) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
 }
+
+/// How many names there are in a folder.
+inline std::size_t namesIn(const std::filesystem::path& folder) {
+  const std::filesystem::directory_iterator names(folder);
+  return static_cast<std::size_t>(std::distance(begin(names), end(names)));
+}

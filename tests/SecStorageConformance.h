@@ -54,7 +54,10 @@ class SecStorageConformance {
     const auto changeAll = [&](OSStatus answer) {
       return [&, answer](SecTransaction& transaction) {
         std::vector<std::int64_t> numbers;
-        transaction.find({}, [&](const SecRow& row) { return numbers.push_back(row.number), true; });
+        transaction.find({}, [&](const SecRow& row) {
+          numbers.push_back(row.number);
+          return true;
+        });
         EXPECT_EQ(transaction.replace(numbers.at(0), entry(u"x")), errSecSuccess);
         EXPECT_EQ(transaction.replace(numbers.at(0), entry(u"y")), errSecSuccess);
         EXPECT_EQ(transaction.remove(numbers.at(1)), errSecSuccess);

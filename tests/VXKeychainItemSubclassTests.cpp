@@ -12,9 +12,6 @@ class MailItem : public VXGenericKeychainItem::Subclass<MailItem> {
   bool initWithUsername(Text username, Text password, Text label) override {
     return username && VXGenericKeychainItem::initWithUsername(username, password, label);
   }
-  bool isEqual(const RefPtr<NSObject>& other) const override {
-    return ++equalities, VXGenericKeychainItem::isEqual(other);
-  }
   bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override {
     validated.push_back(shown(map));
     return !refusing && VXGenericKeychainItem::dictHasVaildKeychainData(map);
@@ -33,7 +30,6 @@ class MailItem : public VXGenericKeychainItem::Subclass<MailItem> {
   }
 
   bool refusing = false;
-  mutable int equalities = 0;
   mutable std::vector<std::string> validated;
   mutable RefPtr<NSMutableDictionary> created;
   RefPtr<NSDictionary> populated;
@@ -108,8 +104,6 @@ TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations)
   ASSERT_TRUE(item->updateItemInKeychain());
   EXPECT_EQ(item->keychainItemRequest().get(), asked.get());
   EXPECT_EQ(shown(item->created), attributes) << "no flag in the changes";
-  EXPECT_TRUE(item->isEqual(item));
-  EXPECT_EQ(item->equalities, 1);
 
   item->refusing = true;
   RefPtr<NSError> error;
@@ -118,8 +112,6 @@ TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations)
   EXPECT_EQ(error->code(), 0);
   item->refusing = false;
   EXPECT_TRUE(item->deleteItemFromKeychain());
-  EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(false, &error));
-  EXPECT_EQ(error->code(), -201);
 }
 
 TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereThatReturns) {
@@ -149,9 +141,8 @@ TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereTha
 
 TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
   std::vector<std::thread> threads;
-  std::atomic<int> done = 0;
   for (int thread = 0; thread < 8; ++thread) {
-    threads.emplace_back([thread, &done] {
+    threads.emplace_back([thread] {
       RecordedAssertions assertions;
       const auto name = text("user" + std::to_string(thread));
       for (int round = 0; round < 50; ++round) {
@@ -166,7 +157,7 @@ TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
         EXPECT_TRUE(found->refreshItemFromKeychainIncludePassword(true));
         EXPECT_EQ(shown(found->password()), "changed");
         EXPECT_TRUE(own->deleteItemFromKeychain());
-        if (shared->keychainItemRequest()) done += shared->deleteItemFromKeychain();
+        EXPECT_TRUE(shared->deleteItemFromKeychain());
         VXGenericKeychainItem::alloc()->refreshItemFromKeychainIncludeData(false);
         EXPECT_TRUE(VXUTTypeConformsTo("public.jpeg", "public.image"));
       }
@@ -174,6 +165,5 @@ TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_GT(done, 0);
   EXPECT_EQ(SecItemCopyMatching(writtenMap("class=generic")), errSecItemNotFound);
 }

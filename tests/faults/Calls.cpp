@@ -26,11 +26,6 @@ Function next(const char* name) {
   return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
 }
 
-int errorOf(Calls::Kind kind) {
-  if (kind == Calls::memory) return ENOMEM;
-  return plan.fate == Calls::Fate::fill ? ENOSPC : EIO;
-}
-
 }  // namespace
 
 void Calls::arm(int kinds, long nth, Fate fate, bool lasts) { plan = {kinds, nth, fate, lasts, false}; }
@@ -47,7 +42,7 @@ bool Calls::fails(Kind kind) noexcept {
   if (plan.fate == Fate::kill) ::raise(SIGKILL);
   if (plan.fate == Fate::stop) ::raise(SIGSTOP);
   if (plan.fate == Fate::stop) return false;
-  errno = errorOf(kind);
+  errno = kind == memory ? ENOMEM : plan.fate == Fate::fill ? ENOSPC : EIO;
   return true;
 }
 

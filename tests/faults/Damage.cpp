@@ -38,7 +38,7 @@ class Specimen {
     }
     count(opened == errSecSuccess ? "opened" : "refused");
     EXPECT_TRUE(readFile(temporary_.place.store) == content) << "the file was changed";
-    EXPECT_TRUE(isAlone()) << "a file was made";
+    EXPECT_EQ(namesIn(temporary_.root / "data"), 1u) << "a file was made";
     if (opened == errSecSuccess) add(passwords);
   }
 
@@ -68,11 +68,6 @@ class Specimen {
     const SecText& account = *entry.attributes.account;
     const auto held = held_.find(std::string(account.begin(), account.end()));
     EXPECT_TRUE(held != held_.end() && held->second == textFrom(entry.secret)) << "salvaged a wrong one";
-  }
-
-  bool isAlone() const {
-    const auto folder = std::filesystem::directory_iterator(temporary_.root / "data");
-    return std::distance(begin(folder), end(folder)) == 1;
   }
 
   TemporaryPlace temporary_;

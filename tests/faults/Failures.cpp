@@ -57,11 +57,6 @@ constexpr Kind kinds[] = {
     {"random bytes", Calls::randomness, Calls::Fate::fail, false},
 };
 
-std::size_t openFiles() {
-  const std::filesystem::directory_iterator folder("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(folder), end(folder)));
-}
-
 OSStatus actWithFault(const Deed& deed, const Kind& kind, long nth, const TemporaryPlace& temporary,
                       Passwords& passwords, bool& met) {
   OSStatus status = errSecAllocate;
@@ -85,14 +80,14 @@ bool tryOne(const Deed& deed, const Kind& kind, long nth) {
     for (const auto& [account, password] : atFirst) passwords.add(account, password);
     if (std::string(deed.name) == "open") passwords.storage.reset();
   }
-  const std::size_t filesBefore = openFiles();
+  const std::size_t filesBefore = namesIn("/proc/self/fd");
   bool met = false;
   const OSStatus status = actWithFault(deed, kind, nth, temporary, passwords, met);
   if (passwords.storage) {
     EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "cannot be used again";
   }
   if (status != errSecSuccess && !making && passwords.storage) {
-    EXPECT_LE(openFiles(), filesBefore) << "a file was left open";
+    EXPECT_LE(namesIn("/proc/self/fd"), filesBefore) << "a file was left open";
   }
   EXPECT_EQ(passwords.open(temporary.place), errSecSuccess) << "does not open again";
   Held found = readAll(temporary);

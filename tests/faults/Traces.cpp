@@ -24,9 +24,8 @@ struct Marks {
 
 std::string wide(const std::string& text, bool mostSignificantFirst) {
   std::string units;
-  for (const char letter : text) {
+  for (const char letter : text)
     units += mostSignificantFirst ? std::string(1, '\0') + letter : std::string(1, letter) + '\0';
-  }
   return units;
 }
 
