@@ -97,6 +97,7 @@ bool tryOne(const Deed& deed, const Kind& kind, long nth) {
   const bool unsure = kind.kinds == Calls::syncing;
   EXPECT_TRUE(found == deed.after || (status != errSecSuccess && found == before)) << "neither state";
   EXPECT_TRUE(status == errSecSuccess || unsure || found == before) << "changed in spite of " << status;
+  EXPECT_FALSE(met && unsure && making && status == errSecSuccess) << "made, but not on the disk";
   EXPECT_TRUE(!met || !kind.lasts || status == errSecDiskFull) << "not \"full\" but " << status;
   count(status == errSecSuccess ? "done all the same" : "answered with a status", met);
   return met;
