@@ -30,10 +30,9 @@ void runSQL(const fs::path& path, const std::string& sql) {
 
 /// A slot as docs/credential-store.md describes it, written with the hash that makes it a whole one.
 void writeSlot(const fs::path& store, const std::string& parameters) {
-  const std::string content = "x'" + parameters + "'||substr(body,5,76)";
-  runSQL(store, "UPDATE slot SET body=CAST(" + content +
-                    "||sha256(CAST('VXFoundation slot'||x'00000001'||(SELECT id FROM store)||" + content +
-                    " AS BLOB)) AS BLOB)");
+  const std::string content = "x'" + parameters + "'||substr(slot,5,76)";
+  runSQL(store, "UPDATE store SET slot=CAST(" + content +
+                    "||sha256(CAST('VXFoundation slot'||x'00000001'||id||" + content + " AS BLOB)) AS BLOB)");
 }
 
 /// Every name below a folder, with its mode and, for a file, its content.
