@@ -181,11 +181,6 @@ Ref<VXGenericKeychainItem> genericItem(Text password = "secret") {
   return VXGenericKeychainItem::keychainItemWithUsername("ann", password, "Mail", "mail");
 }
 
-/// An error as it is shown.
-std::string described(const Ref<NSString>& domain, const std::string& code, const std::string& description) {
-  return shown(domain) + " " + code + ": " + description;
-}
-
 }  // namespace
 
 TEST_F(VXKeychainItemTest, DoesWhatTheScriptSays) {
@@ -213,10 +208,11 @@ TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAske
       EXPECT_EQ(perform(operation, *item, &error), expected);
       EXPECT_EQ(stateOf(*item), before);
       EXPECT_EQ(logged, std::vector{"_VXKeychainItemCheckStatus Error: " + row[0]});
-      EXPECT_EQ(shown(error), described(VXFoundationBundleIdentifier, row[1], row[2]));
+      EXPECT_EQ(shown(error), shown(VXFoundationBundleIdentifier) + " " + row[1] + ": " + row[2]);
       EXPECT_EQ(error->userInfo()->count(), 2u);
-      EXPECT_EQ(shown(error->userInfo()->objectForKey(NSUnderlyingErrorKey)),
-                described(NSOSStatusErrorDomain, row[0], shown(SecCopyErrorMessageString(status))));
+      EXPECT_EQ(
+          shown(error->userInfo()->objectForKey(NSUnderlyingErrorKey)),
+          shown(NSOSStatusErrorDomain) + " " + row[0] + ": " + shown(SecCopyErrorMessageString(status)));
     }
   }
 }
@@ -224,8 +220,7 @@ TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAske
 TEST_F(VXKeychainItemTest, IncompleteAttributesAreAnErrorWithoutAStatus) {
   RefPtr<NSError> error;
   EXPECT_FALSE(genericItem(nullptr)->addItemToKeychain(&error));
-  EXPECT_EQ(shown(error),
-            described(VXFoundationBundleIdentifier, "0", "The keychain attributes are invalid"));
+  EXPECT_EQ(shown(error), shown(VXFoundationBundleIdentifier) + " 0: The keychain attributes are invalid");
   EXPECT_EQ(error->userInfo()->count(), 1u);
   EXPECT_TRUE(logged.empty());
 }

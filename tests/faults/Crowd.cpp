@@ -110,25 +110,23 @@ TEST_F(SecFileFaults, Fork) {
 TEST_F(SecFileFaults, StoppedHolder) {
   const std::size_t rounds = inForm(1, 3);
   for (std::size_t round = 0; round < rounds; ++round) {
-    const TemporaryPlace temporary;
-    Passwords passwords;
-    passwords.open(temporary.place);
-    passwords.add("ann", "1");
+    SharedStore store;
+    Passwords& passwords = store.passwords;
     const pid_t holder = inChild([&] {
-      return passwords.storage->transact(SecStorage::Access::change, [](SecTransaction& store) {
+      return passwords.storage->transact(SecStorage::Access::change, [](SecTransaction& held) {
         ::raise(SIGSTOP);
-        return store.insert(Passwords::entryOf("held", "2"));
+        return held.insert(Passwords::entryOf("held", "2"));
       });
     });
-    int state = 0;
-    ::waitpid(holder, &state, WUNTRACED);
+    ::waitpid(holder, nullptr, WUNTRACED);
     Passwords::Found found;
-    EXPECT_TRUE(passwords.look("ann", found) == errSecSuccess && found == "1") << "a reader was kept waiting";
-    EXPECT_EQ(passwords.add("bob", "3"), errSecBusy) << "not \"busy\"";
+    EXPECT_EQ(passwords.look("changes", found), errSecSuccess) << "a reader was kept waiting";
+    EXPECT_EQ(found, "0");
+    EXPECT_EQ(passwords.add("bob", "3"), errSecBusy);
     ::kill(holder, SIGCONT);
     EXPECT_EQ(waitFor(holder), 0) << "the holder could not go on";
     EXPECT_EQ(passwords.add("bob", "3"), errSecSuccess) << "still busy";
-    EXPECT_EQ(readAll(temporary).size(), 3u) << "something is lost";
+    EXPECT_EQ(readAll(store).size(), 4u) << "something is lost";
     count("stopped");
   }
 }

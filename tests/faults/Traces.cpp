@@ -101,14 +101,12 @@ int keep(const TemporaryPlace& temporary, int from) {
 }
 
 void goOn(pid_t process) {
-  int state = 0;
   ::kill(process, SIGCONT);
-  ::waitpid(process, &state, WUNTRACED);
+  ::waitpid(process, nullptr, WUNTRACED);
 }
 
 void look(const TemporaryPlace& temporary, pid_t process, const Marks& marks) {
-  int state = 0;
-  ::waitpid(process, &state, WUNTRACED);
+  ::waitpid(process, nullptr, WUNTRACED);
   EXPECT_GE(marksIn(memoryOf(process), marks), 4u) << "the search does not find what a process holds";
   goOn(process);
   const std::string journal = readFile(temporary.place.store + "-journal");
