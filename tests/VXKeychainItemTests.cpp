@@ -100,7 +100,9 @@ std::string outcome(const std::string& operation, VXKeychainItem& item) {
   const bool done = perform(operation, item, &error);
   const bool fills = done && operation != "update" && operation != "delete";
   EXPECT_TRUE(fills || stateOf(item) == before) << "the item was changed";
-  return (done ? "yes" : "no") + (error == untouched ? "" : " " + std::to_string(error->code()));
+  std::string told = done ? "yes" : "no";
+  if (error != untouched) told.append(1, ' ').append(std::to_string(error->code()));
+  return told;
 }
 
 /// The answer of an action, or the exception that it raises.
