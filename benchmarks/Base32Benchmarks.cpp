@@ -23,24 +23,18 @@ void registerEncoders(const std::string& operation) {
   ours(operation, [](std::size_t size) {
     return Trial{size, [data = dataOf(randomBytes(size))] { return VXBaseConversion::base32String(*data); }};
   });
-  contestant(operation, "liboath", Checks::all, [](std::size_t size) {
-    return Trial{size, [bytes = randomBytes(size)] {
-                   char* text = nullptr;
-                   oath_base32_encode(reinterpret_cast<const char*>(bytes.data()), bytes.size(), &text,
-                                      nullptr);
-                   return Allocated(text, std::free);
-                 }};
+  contestant(operation, "liboath", Checks::all, randomBytes, [](const Bytes& bytes) {
+    char* text = nullptr;
+    oath_base32_encode(reinterpret_cast<const char*>(bytes.data()), bytes.size(), &text, nullptr);
+    return Allocated(text, std::free);
   });
-  contestant(operation, "Crypto++", Checks::all, [](std::size_t size) {
-    return Trial{size, [bytes = randomBytes(size)] {
-                   std::string text;
-                   auto* encoder = new CryptoPP::Base32Encoder(new CryptoPP::StringSink(text));
-                   encoder->IsolatedInitialize(
-                       CryptoPP::MakeParameters(CryptoPP::Name::EncodingLookupArray(), alphabet));
-                   CryptoPP::StringSource(reinterpret_cast<const CryptoPP::byte*>(bytes.data()), bytes.size(),
-                                          true, encoder);
-                   return text;
-                 }};
+  contestant(operation, "Crypto++", Checks::all, randomBytes, [](const Bytes& bytes) {
+    std::string text;
+    auto* encoder = new CryptoPP::Base32Encoder(new CryptoPP::StringSink(text));
+    encoder->IsolatedInitialize(CryptoPP::MakeParameters(CryptoPP::Name::EncodingLookupArray(), alphabet));
+    CryptoPP::StringSource(reinterpret_cast<const CryptoPP::byte*>(bytes.data()), bytes.size(), true,
+                           encoder);
+    return text;
   });
 }
 
@@ -50,12 +44,10 @@ void registerDecoders(const std::string& operation) {
                    return VXBaseConversion::dataWithBase32String(text);
                  }};
   });
-  contestant(operation, "liboath", Checks::fewer, [](std::size_t size) {
-    return Trial{size, [text = textOf(size)] {
-                   char* bytes = nullptr;
-                   oath_base32_decode(text.data(), text.size(), &bytes, nullptr);
-                   return Allocated(bytes, std::free);
-                 }};
+  contestant(operation, "liboath", Checks::fewer, textOf, [](const std::string& text) {
+    char* bytes = nullptr;
+    oath_base32_decode(text.data(), text.size(), &bytes, nullptr);
+    return Allocated(bytes, std::free);
   });
   contestant(operation, "Crypto++", Checks::fewer, [](std::size_t size) {
     static const auto values = [] {

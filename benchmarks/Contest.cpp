@@ -9,22 +9,22 @@
 
 namespace Contest {
 
-std::vector<std::byte> randomBytes(std::size_t count) {
+Bytes randomBytes(std::size_t count) {
   std::mt19937_64 random(count);
-  std::vector<std::byte> bytes(count);
+  Bytes bytes(count);
   for (std::byte& byte : bytes) byte = static_cast<std::byte>(random());
   return bytes;
 }
 
-std::vector<std::byte> prose(std::size_t count) {
+Bytes prose(std::size_t count) {
   constexpr std::string_view sentence =
       "Whoever sends a question, a name or a price through a form sends words, spaces and a mark or two. ";
-  std::vector<std::byte> bytes(count);
+  Bytes bytes(count);
   for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<std::byte>(sentence[i % sentence.size()]);
   return bytes;
 }
 
-Ref<NSData> dataOf(const std::vector<std::byte>& bytes) { return NSData::dataWithBytes(bytes); }
+Ref<NSData> dataOf(const Bytes& bytes) { return NSData::dataWithBytes(bytes); }
 
 }  // namespace Contest
 

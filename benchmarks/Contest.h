@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,11 +15,19 @@ namespace Contest {
 
 inline constexpr std::size_t sizes[] = {32, 1 << 10, 64 << 10, 16 << 20};
 enum class Checks { all, fewer };
+using Bytes = std::vector<std::byte>;
 
 /// Random bytes, and English-like text of which about one character in six must be escaped in a URL.
-std::vector<std::byte> randomBytes(std::size_t count);
-std::vector<std::byte> prose(std::size_t count);
-Ref<NSData> dataOf(const std::vector<std::byte>& bytes);
+Bytes randomBytes(std::size_t count);
+Bytes prose(std::size_t count);
+Ref<NSData> dataOf(const Bytes& bytes);
+
+/// The bytes as most libraries want them, and room for their results that nobody clears first.
+inline const unsigned char* raw(const Bytes& bytes) {
+  return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+using Buffer = std::unique_ptr<unsigned char[]>;
+inline Buffer buffer(std::size_t size) { return Buffer(new unsigned char[size]); }
 
 /// `prepare(size)` makes the input and answers what is timed, a callable whose `input` is the number of
 /// bytes it takes.
@@ -44,6 +53,15 @@ void contestant(const std::string& operation, const std::string& name, Checks ch
           for (auto _ : state) benchmark::DoNotOptimize(trial.run());
           state.SetBytesProcessed(static_cast<std::int64_t>(trial.input) * state.iterations());
         });
+}
+
+/// A contestant whose operation is handed what `make(size)` gave beforehand, of `size` bytes.
+template <class Make, class Operation>
+void contestant(const std::string& operation, const std::string& name, Checks checks, Make make,
+                Operation call) {
+  contestant(operation, name, checks, [make, call](std::size_t size) {
+    return Trial{size, [call, input = make(size)] { return call(input); }};
+  });
 }
 
 /// This library: with the set of kernels that it picks, and with each of the others by name.

@@ -24,10 +24,6 @@ using Digest = std::array<unsigned char, 20>;
 
 constexpr unsigned char key[] = "a key of some length";
 
-const unsigned char* raw(const std::vector<std::byte>& bytes) {
-  return reinterpret_cast<const unsigned char*>(bytes.data());
-}
-
 /// OpenSSL at its best: the algorithm looked up once, the context kept.
 void registerOpenSSL(const std::string& operation, const char* algorithm) {
   contestant(operation, "OpenSSL", Checks::all, [algorithm](std::size_t size) {
@@ -73,40 +69,32 @@ void registerCryptoPP(const std::string& operation, Hash hash) {
 
 template <class Context, class Start, class Update, class Finish>
 void registerNettle(const std::string& operation, Start start, Update update, Finish finish) {
-  contestant(operation, "nettle", Checks::all, [=](std::size_t size) {
-    return Trial{size, [=, bytes = randomBytes(size)] {
-                   Context context;
-                   Digest result;
-                   start(&context);
-                   update(&context, bytes.size(), raw(bytes));
-                   finish(&context, std::min(result.size(), std::size_t{16}), result.data());
-                   return result;
-                 }};
+  contestant(operation, "nettle", Checks::all, randomBytes, [=](const Bytes& bytes) {
+    Context context;
+    Digest result;
+    start(&context);
+    update(&context, bytes.size(), raw(bytes));
+    finish(&context, std::min(result.size(), std::size_t{16}), result.data());
+    return result;
   });
 }
 
 void registerGLib(const std::string& operation, GChecksumType type) {
-  contestant(operation, "GLib", Checks::all, [type](std::size_t size) {
-    return Trial{size, [type, bytes = randomBytes(size)] {
-                   Digest result;
-                   gsize length = result.size();
-                   const std::unique_ptr<GChecksum, void (*)(GChecksum*)> sum(g_checksum_new(type),
-                                                                              g_checksum_free);
-                   g_checksum_update(sum.get(), raw(bytes), static_cast<gssize>(bytes.size()));
-                   g_checksum_get_digest(sum.get(), result.data(), &length);
-                   return result;
-                 }};
+  contestant(operation, "GLib", Checks::all, randomBytes, [type](const Bytes& bytes) {
+    Digest result;
+    gsize length = result.size();
+    const std::unique_ptr<GChecksum, void (*)(GChecksum*)> sum(g_checksum_new(type), g_checksum_free);
+    g_checksum_update(sum.get(), raw(bytes), static_cast<gssize>(bytes.size()));
+    g_checksum_get_digest(sum.get(), result.data(), &length);
+    return result;
   });
 }
 
 void registerQt(const std::string& operation, QCryptographicHash::Algorithm algorithm) {
-  contestant(operation, "Qt 5", Checks::all, [algorithm](std::size_t size) {
-    return Trial{size, [algorithm, bytes = randomBytes(size)] {
-                   return QCryptographicHash::hash(
-                       QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
-                                               static_cast<int>(bytes.size())),
-                       algorithm);
-                 }};
+  contestant(operation, "Qt 5", Checks::all, randomBytes, [algorithm](const Bytes& bytes) {
+    return QCryptographicHash::hash(
+        QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())),
+        algorithm);
   });
 }
 

@@ -10,17 +10,15 @@
 namespace {
 
 using namespace Contest;
-using Make = std::vector<std::byte> (*)(std::size_t);
+using Make = Bytes (*)(std::size_t);
 
-const char* characters(const std::vector<std::byte>& bytes) {
-  return reinterpret_cast<const char*>(bytes.data());
-}
+const char* characters(const Bytes& bytes) { return reinterpret_cast<const char*>(bytes.data()); }
 
 /// About `size` bytes of percent-encoded text, cut between escapes.
-std::vector<std::byte> encodedText(Make make, std::size_t size) {
+Bytes encodedText(Make make, std::size_t size) {
   const RefPtr<NSData> data = VXURLEncodeData(dataOf(make(size)));
   const std::span<const std::byte> encoded = data->bytes();
-  std::vector<std::byte> text;
+  Bytes text;
   for (std::size_t i = 0; text.size() + 3 <= size;) {
     const std::size_t length = encoded[i] == std::byte{'%'} ? 3 : 1;
     text.insert(text.end(), encoded.begin() + static_cast<std::ptrdiff_t>(i),
@@ -34,26 +32,16 @@ void registerEncoders(const std::string& operation, Make make) {
   ours(operation, [make](std::size_t size) {
     return Trial{size, [data = RefPtr<NSData>(dataOf(make(size)))] { return VXURLEncodeData(data); }};
   });
-  contestant(operation, "GLib", Checks::all, [make](std::size_t size) {
-    return Trial{
-        size, [bytes = make(size)] {
-          return std::unique_ptr<char, void (*)(void*)>(
-              g_uri_escape_bytes(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr),
-              g_free);
-        }};
+  contestant(operation, "GLib", Checks::all, make, [](const Bytes& bytes) {
+    return std::unique_ptr<char, void (*)(void*)>(
+        g_uri_escape_bytes(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr), g_free);
   });
-  contestant(operation, "libcurl", Checks::all, [make](std::size_t size) {
-    return Trial{size, [bytes = make(size)] {
-                   return std::unique_ptr<char, void (*)(void*)>(
-                       curl_easy_escape(nullptr, characters(bytes), static_cast<int>(bytes.size())),
-                       curl_free);
-                 }};
+  contestant(operation, "libcurl", Checks::all, make, [](const Bytes& bytes) {
+    return std::unique_ptr<char, void (*)(void*)>(
+        curl_easy_escape(nullptr, characters(bytes), static_cast<int>(bytes.size())), curl_free);
   });
-  contestant(operation, "Qt 5", Checks::all, [make](std::size_t size) {
-    return Trial{size, [bytes = make(size)] {
-                   return QByteArray::fromRawData(characters(bytes), static_cast<int>(bytes.size()))
-                       .toPercentEncoding();
-                 }};
+  contestant(operation, "Qt 5", Checks::all, make, [](const Bytes& bytes) {
+    return QByteArray::fromRawData(characters(bytes), static_cast<int>(bytes.size())).toPercentEncoding();
   });
 }
 
