@@ -121,6 +121,11 @@ TEST(Text, OfASecretPassesTheMarkOn) {
   EXPECT_TRUE(password->mutableCopy()->copy()->holdsSecret());
   EXPECT_TRUE(password->dataUsingEncoding(NSUTF8StringEncoding)->holdsSecret());
   EXPECT_TRUE(secret->mutableCopy()->copy()->holdsSecret());
+  EXPECT_TRUE(password->substringFromIndex(2)->holdsSecret());
+  for (const char* separator : {"s", "\xC3\xA4", "none"}) {
+    const Ref<NSArray> parts = password->componentsSeparatedByString(text(separator));
+    for (const Ref<NSObject> part : *parts) EXPECT_TRUE(Ref(dynamicCast<NSString>(part))->holdsSecret());
+  }
   const auto joined = NSMutableData::dataWithLength(3);
   joined->appendData(secret);
   EXPECT_TRUE(joined->holdsSecret());

@@ -46,15 +46,23 @@ RefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
   return text;
 }
 
+/// A part of a text, which holds a secret where that does.
 template <class Unit>
-Ref<NSArray> piecesOf(std::basic_string_view<Unit> units, std::basic_string_view<Unit> mark) {
+Ref<NSString> part(std::basic_string_view<Unit> units, bool secret) {
+  const Ref<NSString> text = stringWithUnits(units);
+  text->setHoldsSecret(secret);
+  return text;
+}
+
+template <class Unit>
+Ref<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<Unit> mark, bool secret) {
   const Ref<NSMutableArray> pieces = NSMutableArray::array();
   std::size_t end = 0;
   while (!mark.empty() && (end = units.find(mark)) != units.npos) {
-    pieces->addObject(stringWithUnits(units.substr(0, end)));
+    pieces->addObject(part(units.substr(0, end), secret));
     units.remove_prefix(end + mark.size());
   }
-  pieces->addObject(stringWithUnits(units));
+  pieces->addObject(part(units, secret));
   return pieces;
 }
 
@@ -157,7 +165,7 @@ RefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
 
 Ref<NSString> NSString::substringFromIndex(std::size_t index) const {
   if (index > length()) raiseRange(index, length());
-  return visit([index](auto units) { return stringWithUnits(units.substr(index)); });
+  return visit([&](auto units) { return part(units.substr(index), holdsSecret()); });
 }
 
 Ref<NSString> NSString::stringByAppendingString(Text tail) const {
@@ -168,10 +176,13 @@ Ref<NSString> NSString::stringByAppendingString(Text tail) const {
 
 Ref<NSArray> NSString::componentsSeparatedByString(Text separator) const {
   const Ref<NSString> mark = separator.get();
-  if (!wide_ && !mark->wide_)
-    return piecesOf(std::string_view(unitsAs<char>(), length()),
-                    std::string_view(mark->unitsAs<char>(), mark->length()));
-  return piecesOf(std::u16string_view(std::u16string(*this)), std::u16string_view(std::u16string(*mark)));
+  if (wide_)
+    return parts(std::u16string_view(unitsAs<char16_t>(), length()),
+                 std::u16string_view(std::u16string(*mark)), holdsSecret());
+  const std::string_view units(unitsAs<char>(), length());
+  // What is not ASCII is nowhere in a text that is.
+  if (mark->wide_) return NSArray::arrayWithObject(part(units, holdsSecret()));
+  return parts(units, std::string_view(mark->unitsAs<char>(), mark->length()), holdsSecret());
 }
 
 bool NSString::isEqual(const RefPtr<NSObject>& other) const {

@@ -114,8 +114,8 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
   /// Whether it is kept as ASCII; of a growable text that is so until the first unit that is not.
   bool isASCII() const noexcept { return !wide_; }
 
-  /// Whether the memory of the text is cleansed when it is let go of. Copies and texts that it is appended to
-  /// follow; parts of it do not. To be set before other threads use the object.
+  /// Whether the memory of the text is cleansed when it is let go of. Copies, parts and texts that it is
+  /// appended to follow. To be set before other threads use the object.
   ///@{
   bool holdsSecret() const noexcept { return storage_.holdsSecret(); }
   void setHoldsSecret(bool secret) noexcept { storage_.setHoldsSecret(secret); }

@@ -8,7 +8,7 @@
 namespace VXKernels {
 namespace {
 
-constexpr std::size_t width = 32;
+inline constexpr std::size_t width = 32;
 
 /// A look-up table or a pattern, the same in both halves of a vector. Each half holds sixteen digits, which
 /// are `2 * bits` bytes, so that it holds whole groups of every notation.

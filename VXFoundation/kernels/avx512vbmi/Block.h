@@ -8,7 +8,7 @@
 namespace VXKernels {
 namespace {
 
-constexpr std::size_t width = 64;
+inline constexpr std::size_t width = 64;
 
 /// A table or a pattern of one vector.
 struct alignas(width) Block {
