@@ -75,6 +75,9 @@ TEST(Collections, AMapKeepsTheOrderOfItsKeysThroughRandomChanges) {
     ++index;
   });
   EXPECT_EQ(index, model.size());
+  for (std::size_t i = 0; i < model.size(); ++i)
+    EXPECT_TRUE(
+        map->objectForKey(map->allKeys()->objectAtIndex(i))->isEqual(map->allValues()->objectAtIndex(i)));
   EXPECT_TRUE(map->isEqual(map->copy()) && map->copy()->isEqual(map));
 }
 
@@ -87,6 +90,19 @@ TEST(Collections, KeysAreCopiedAndComparedByValue) {
   EXPECT_FALSE(map->objectForKey(nullptr));
   EXPECT_TRUE(NSSet::setWithObjects({"a", "b"})->isEqual(NSSet::setWithObjects({"b", "a", "b"})));
   EXPECT_FALSE(NSSet::setWithObjects({"a", "b"})->isEqual(NSSet::setWithObjects({"a", "c"})));
+}
+
+TEST(Collections, GrowableCopiesAreOfTheirOwn) {
+  const Ref<NSSet> set = NSSet::setWithObjects({"a", "b"});
+  const Ref<NSMutableSet> emptied = set->mutableCopy();
+  emptied->removeAllObjects();
+  EXPECT_EQ(std::string(*set->description()), "{a, b}");
+  EXPECT_EQ(std::string(*emptied->description()), "{}");
+  const Ref<NSDictionary> map = NSDictionary::dictionaryWithObject("value", "key");
+  const Ref<NSMutableDictionary> cleared = map->mutableCopy();
+  cleared->removeAllObjects();
+  EXPECT_EQ(std::string(*map->description()), "{key = value}");
+  EXPECT_EQ(std::string(*cleared->description()), "{}");
 }
 
 TEST(Collections, EqualityAsksTheElementInTheCollection) {
