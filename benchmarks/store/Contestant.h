@@ -22,5 +22,7 @@ class Contestant {
 
 /// The file store in a new folder below `folder`, opened once or for every operation.
 std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall);
+/// What SQLite takes at least for changes that last: the bound of a store on top of it.
+std::unique_ptr<Contestant> makeSQLiteAlone(const std::string& folder, bool openedPerCall);
 /// The desktop's store by libsecret's simple functions.
 std::unique_ptr<Contestant> makeLibsecret();

@@ -103,8 +103,10 @@ void run(const std::string& folder, bool libsecret) {
   std::printf("| store                       |   held | what    |      median | to append and sync |\n");
   std::printf("|---|---|---|---|---|\n");
   for (const std::size_t held : {std::size_t{0}, std::size_t{1000}, std::size_t{10000}})
-    for (const bool openedPerCall : {false, true})
+    for (const bool openedPerCall : {false, true}) {
       compete(*makeFileStore(folder, openedPerCall), held, journal);
+      compete(*makeSQLiteAlone(folder, openedPerCall), held, journal);
+    }
 #ifdef VX_LIBSECRET
   for (const std::size_t held : {std::size_t{0}, std::size_t{1000}})
     if (libsecret) compete(*makeLibsecret(), held, journal);
