@@ -22,30 +22,30 @@ std::string folderOf(const files::path& file) {
   return files::canonical(file, error).parent_path().string();
 }
 
-std::string programFolder() { return folderOf("/proc/self/exe"); }
+constexpr const char* program = "/proc/self/exe";
 
-// Of the program and of every library that is loaded now.
-std::vector<std::string> foldersOfLoadedCode() {
-  std::vector<std::string> folders{programFolder()};
+// The program and every library that is loaded now.
+std::vector<std::string> loadedCode() {
+  std::vector<std::string> names{program};
   dl_iterate_phdr(
       [](dl_phdr_info* image, std::size_t, void* found) {
         if (image->dlpi_name && *image->dlpi_name)
-          static_cast<std::vector<std::string>*>(found)->push_back(folderOf(image->dlpi_name));
+          static_cast<std::vector<std::string>*>(found)->push_back(image->dlpi_name);
         return 0;
       },
-      &folders);
-  return folders;
+      &names);
+  return names;
 }
 
 }  // namespace
 
-Ref<NSBundle> NSBundle::mainBundle() { return alloc(programFolder()); }
+Ref<NSBundle> NSBundle::mainBundle() { return alloc(folderOf(program)); }
 
 RefPtr<NSBundle> NSBundle::bundleWithIdentifier(Text identifier) {
   const auto sought = identifier.borrow();
   if (!sought) return nullptr;
-  for (const std::string& folder : foldersOfLoadedCode()) {
-    const Ref<NSBundle> bundle = alloc(folder);
+  for (const std::string& name : loadedCode()) {
+    const Ref<NSBundle> bundle = alloc(folderOf(name));
     const RefPtr<NSString> own = bundle->bundleIdentifier();
     if (own && own->isEqualToString(*sought)) return bundle;
   }
