@@ -1,33 +1,28 @@
 #include <VXFoundation/VXUTTypeDynamicIdentifier.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSData.h>
 
+#include "VXFoundation/kernels/Radix.h"
+
 namespace {
 
-constexpr std::u16string_view _VXUTTypeBase32Alphabet = u"abcdefghkmnpqrstuvwxyz0123456789";
+constexpr char _VXUTTypeBase32Alphabet[] = "abcdefghkmnpqrstuvwxyz0123456789";
 constexpr char16_t _VXUTTypeBase32Padding = u'=';
 
 constexpr std::size_t prefixLength = 5;
-constexpr std::size_t groupLength = 8;
+constexpr VXKernels::Radix radix{5, 5, 8, _VXUTTypeBase32Alphabet, false};
 
-constexpr std::uint8_t noValue = 0xFF;
+constexpr VXKernels::DigitValues values = VXKernels::digitValues(radix);
 
-constexpr auto values = [] {
-  std::array<std::uint8_t, 128> table{};
-  table.fill(noValue);
-  for (std::size_t value = 0; value < _VXUTTypeBase32Alphabet.size(); ++value)
-    table[_VXUTTypeBase32Alphabet[value]] = static_cast<std::uint8_t>(value);
-  return table;
-}();
-
-std::uint8_t valueOf(char16_t character) { return character < values.size() ? values[character] : noValue; }
+unsigned char valueOf(char16_t character) {
+  return character < std::size(values.of) ? values.of[character] : VXKernels::notADigit;
+}
 
 std::u16string_view withoutPadding(std::u16string_view body) {
   return body.substr(0, body.find_last_not_of(_VXUTTypeBase32Padding) + 1);
@@ -40,20 +35,20 @@ bool isPadding(std::size_t count) {
 
 bool isValid(std::u16string_view body) {
   const std::u16string_view characters = withoutPadding(body);
-  const std::size_t padded = (body.size() + groupLength - 1) / groupLength * groupLength;
+  const std::size_t padded = (body.size() + radix.groupDigits - 1) / radix.groupDigits * radix.groupDigits;
   return isPadding(padded - characters.size()) &&
          std::all_of(characters.begin(), characters.end(),
-                     [](char16_t character) { return valueOf(character) != noValue; });
+                     [](char16_t character) { return valueOf(character) != VXKernels::notADigit; });
 }
 
 // Groups of eight characters are whole bytes, so that one buffer of bits serves all of them.
 std::vector<std::byte> bytesOf(std::u16string_view characters) {
   std::vector<std::byte> bytes;
-  bytes.reserve(characters.size() * 5 / 8);
+  bytes.reserve(characters.size() * radix.bits / 8);
   std::size_t bits = 0, count = 0;
   for (const char16_t character : characters) {
-    bits = bits << 5 | valueOf(character);
-    count += 5;
+    bits = bits << radix.bits | valueOf(character);
+    count += radix.bits;
     if (count < 8) continue;
     count -= 8;
     bytes.push_back(static_cast<std::byte>(bits >> count & 0xFF));

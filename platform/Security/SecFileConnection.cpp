@@ -63,7 +63,7 @@ SecFileConnection::Content SecFileConnection::readContent() {
   const SecFileUnitOfWork reading(database_, false);
   database_.checkSchema();
   auto row = database_.storeRow();
-  secRequire(row.step(), errSecDecode);
+  row.requireRow();
   const SecStoreID store = decodeID(row.blob(0));
   const SecFileSlot slot = secDecodeSlot(row.blob(1), store);
   secRequire(!row.step(), errSecDecode);
@@ -72,7 +72,7 @@ SecFileConnection::Content SecFileConnection::readContent() {
 
 SecFileSlot SecFileConnection::readSlot() {
   auto row = database_.storeRow();
-  secRequire(row.step(), errSecDecode);
+  row.requireRow();
   return secDecodeSlot(row.blob(1), store());
 }
 

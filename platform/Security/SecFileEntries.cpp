@@ -33,7 +33,7 @@ void secWriteBucket(const SecFileContext& context, std::uint8_t bucket, SecView 
 SecEntry secReadEntry(const SecFileContext& context, const SecFileLine& line) {
   auto row = context.database.use("SELECT body FROM entry WHERE number=?");
   row.bind(line.number);
-  secRequire(row.step(), errSecDecode);
+  row.requireRow();
   const SecView body = row.blob(0);
   secRequire(secSame(stampOf(body), line.stamp), errSecDecode);
   const SecBytes associated = associatedData(context, line.identity, line.number);
@@ -58,6 +58,6 @@ void secRemoveEntry(const SecFileContext& context, std::int64_t number) {
 
 std::uint64_t secCountEntries(SecFileDatabase& database) {
   auto row = database.use("SELECT count(*) FROM entry");
-  secRequire(row.step(), errSecDecode);
+  row.requireRow();
   return static_cast<std::uint64_t>(row.integer(0));
 }

@@ -20,6 +20,8 @@ class SecFileStatement {
   SecFileStatement& bind(SecView bytes);
   /// Whether there is a further row.
   bool step();
+  /// Goes to a row that must be there; fails with errSecDecode when it is not.
+  void requireRow() { secRequire(step(), errSecDecode); }
   void run() { static_cast<void>(step()); }
 
   std::int64_t integer(int column) const { return sqlite3_column_int64(statement_, column); }

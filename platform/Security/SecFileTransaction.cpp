@@ -15,7 +15,7 @@ SecFileBucket::iterator lineOf(SecFileBucket& lines, const SecFileIdentity& iden
 
 SecFileSeal readSeal(const SecFileContext& context) {
   auto row = context.database.storeRow();
-  secRequire(row.step(), errSecDecode);
+  row.requireRow();
   return secDecodeSeal(row.blob(2), context.keys.seal(), context.store);
 }
 
