@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "Bytes.h"
 #include "Script.h"
 
 /// A store that answers every transaction with one status, or runs out of memory, and counts them.
@@ -63,8 +64,7 @@ class KeychainTest : public testing::Test {
 /// An object for comparison: bytes as they are, of a map the keys and values in order.
 inline std::string shown(const RefPtr<NSObject>& object) {
   if (!object) return "nil";
-  if (const auto data = dynamicCast<NSData>(object))
-    return {reinterpret_cast<const char*>(data->bytes().data()), data->length()};
+  if (const auto data = dynamicCast<NSData>(object)) return *bytesOf(data);
   const auto map = dynamicCast<NSDictionary>(object);
   if (!map) return std::string(*object->description());
   std::string all;
@@ -73,10 +73,6 @@ inline std::string shown(const RefPtr<NSObject>& object) {
     all.append(shown(key)).append(1, '=').append(shown(value));
   });
   return all;
-}
-
-inline Ref<NSData> bytes(std::string_view content) {
-  return NSData::dataWithBytes(content.data(), content.size());
 }
 
 /// A text as a script writes it: UTF-8 with "\xNN" for a byte, and "\uNNNN" for a code unit.
@@ -93,7 +89,7 @@ inline Ref<NSObject> writtenValue(const std::string& kind, const std::string& va
   if (kind == "returnAttributes" || kind == "returnData") return NSNumber::numberWithBool(value == "1");
   if (kind == "class") return writtenText(value + " password");
   if (kind != "data" && kind != "valueData") return writtenText(value);
-  return bytes(value[0] == '@' ? std::string(std::stoul(value.substr(1)), 'x') : unescaped(value));
+  return dataOf(value[0] == '@' ? std::string(std::stoul(value.substr(1)), 'x') : unescaped(value));
 }
 
 /// The map that a script writes as key=value..., or nil. The class is "generic" or "internet"; @N is a secret

@@ -17,7 +17,7 @@ TEST_F(SecItemTest, MapsAreNeitherKeptNorChanged) {
   EXPECT_EQ(shown(map), before);
   EXPECT_EQ(shown(added), "class=generic password account=ann");
   dynamicCast<NSMutableDictionary>(found)->removeAllObjects();
-  map->setObject(bytes("other"), kSecValueData);
+  map->setObject(dataOf("other"), kSecValueData);
   ASSERT_EQ(SecItemCopyMatching(map, &foundAgain), errSecSuccess);
   EXPECT_EQ(shown(foundAgain), "class=generic password account=ann valueData=secret");
   EXPECT_TRUE(dynamicCast<NSData>(foundAgain->objectForKey(kSecValueData))->holdsSecret());

@@ -254,7 +254,7 @@ TEST_F(VXKeychainItemTest, APasswordIsTheUTF8OfItsText) {
   EXPECT_EQ(shown(item->data()), "\xc3\xa9\xf0\x9f\x94\x91");
   EXPECT_TRUE(item->data()->holdsSecret() && item->password()->holdsSecret());
   EXPECT_EQ(shown(item->password()), "\xc3\xa9\xf0\x9f\x94\x91");
-  item->setData(bytes("\xff"));
+  item->setData(dataOf("\xff"));
   EXPECT_FALSE(item->password());
   for (const RefPtr<NSString>& none :
        {RefPtr<NSString>(), RefPtr<NSString>(NSString::stringWithCharacters(u"\xd800"))}) {
