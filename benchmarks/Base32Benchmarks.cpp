@@ -25,7 +25,7 @@ void registerEncoders(const std::string& operation) {
   });
   contestant(operation, "liboath", Checks::all, randomBytes, [](const Bytes& bytes) {
     char* text = nullptr;
-    oath_base32_encode(reinterpret_cast<const char*>(bytes.data()), bytes.size(), &text, nullptr);
+    oath_base32_encode(characters(bytes), bytes.size(), &text, nullptr);
     return Allocated(text, std::free);
   });
   contestant(operation, "Crypto++", Checks::all, randomBytes, [](const Bytes& bytes) {

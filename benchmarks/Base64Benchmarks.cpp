@@ -38,11 +38,8 @@ void registerEncoders(const std::string& operation) {
                            new CryptoPP::Base64Encoder(new CryptoPP::StringSink(text), false));
     return text;
   });
-  contestant(operation, "Qt 5", Checks::all, randomBytes, [](const Bytes& bytes) {
-    return QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
-                                   static_cast<int>(bytes.size()))
-        .toBase64();
-  });
+  contestant(operation, "Qt 5", Checks::all, randomBytes,
+             [](const Bytes& bytes) { return viewForQt(bytes).toBase64(); });
   contestant(operation, "nettle", Checks::all, randomBytes, [](const Bytes& bytes) {
     Buffer text = buffer(BASE64_ENCODE_RAW_LENGTH(bytes.size()));
     base64_encode_raw(reinterpret_cast<char*>(text.get()), bytes.size(), raw(bytes));

@@ -4,6 +4,7 @@
 #include <VXFoundation/VXCodecKernels.h>
 #include <benchmark/benchmark.h>
 
+#include <QByteArray>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -25,6 +26,10 @@ Ref<NSData> dataOf(const Bytes& bytes);
 /// The bytes as most libraries want them, and room for their results that nobody clears first.
 inline const unsigned char* raw(const Bytes& bytes) {
   return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+inline const char* characters(const Bytes& bytes) { return reinterpret_cast<const char*>(bytes.data()); }
+inline QByteArray viewForQt(const Bytes& bytes) {
+  return QByteArray::fromRawData(characters(bytes), static_cast<int>(bytes.size()));
 }
 using Buffer = std::unique_ptr<unsigned char[]>;
 inline Buffer buffer(std::size_t size) { return Buffer(new unsigned char[size]); }

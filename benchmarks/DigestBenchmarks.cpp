@@ -92,9 +92,7 @@ void registerGLib(const std::string& operation, GChecksumType type) {
 
 void registerQt(const std::string& operation, QCryptographicHash::Algorithm algorithm) {
   contestant(operation, "Qt 5", Checks::all, randomBytes, [algorithm](const Bytes& bytes) {
-    return QCryptographicHash::hash(
-        QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())),
-        algorithm);
+    return QCryptographicHash::hash(viewForQt(bytes), algorithm);
   });
 }
 

@@ -12,8 +12,6 @@ namespace {
 using namespace Contest;
 using Make = Bytes (*)(std::size_t);
 
-const char* characters(const Bytes& bytes) { return reinterpret_cast<const char*>(bytes.data()); }
-
 /// About `size` bytes of percent-encoded text, cut between escapes.
 Bytes encodedText(Make make, std::size_t size) {
   const RefPtr<NSData> data = VXURLEncodeData(dataOf(make(size)));
@@ -40,9 +38,8 @@ void registerEncoders(const std::string& operation, Make make) {
     return std::unique_ptr<char, void (*)(void*)>(
         curl_easy_escape(nullptr, characters(bytes), static_cast<int>(bytes.size())), curl_free);
   });
-  contestant(operation, "Qt 5", Checks::all, make, [](const Bytes& bytes) {
-    return QByteArray::fromRawData(characters(bytes), static_cast<int>(bytes.size())).toPercentEncoding();
-  });
+  contestant(operation, "Qt 5", Checks::all, make,
+             [](const Bytes& bytes) { return viewForQt(bytes).toPercentEncoding(); });
 }
 
 void registerDecoders(const std::string& operation, Make make) {
