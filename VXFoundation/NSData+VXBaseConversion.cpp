@@ -1,14 +1,19 @@
-#include "VXFoundation/NSData+VXBaseConversion.h"
+#include <VXFoundation/NSData+VXBaseConversion.h>
 
-#include "VXFoundation/kernels/CodecDispatch.h"
-#include "VXFoundation/kernels/Radix.h"
+#include <VXFoundation/kernels/CodecDispatch.h>
+#include <VXFoundation/kernels/Radix.h>
 
 namespace VXBaseConversion {
 namespace {
 
 using VXKernels::Radix;
 
-Ref<NSString> encode(const NSData& data, std::size_t length, VXKernels::Encode* kernel) {
+template <const Radix& radix>
+const VXKernels::RadixKernels& kernelsInUse() {
+  return VXKernels::kernels().*VXKernels::kernelsOf<radix>;
+}
+
+NSRef<NSString> encode(const NSData& data, std::size_t length, VXKernels::Encode* kernel) {
   const auto text = NSString::stringWithASCIILength(
       length, [&](std::span<char> place) { kernel(data.bytes().data(), data.length(), place.data()); });
   text->setHoldsSecret(data.holdsSecret());
@@ -16,9 +21,9 @@ Ref<NSString> encode(const NSData& data, std::size_t length, VXKernels::Encode* 
 }
 
 template <const Radix& radix>
-Ref<NSString> encode(const NSData& data, VXKernels::Encode* kernel) {
+NSRef<NSString> encode(const NSData& data) {
   const std::size_t groups = data.length() / radix.groupBytes + (data.length() % radix.groupBytes != 0);
-  return encode(data, groups * radix.groupDigits, kernel);
+  return encode(data, groups * radix.groupDigits, kernelsInUse<radix>().encode);
 }
 
 /// Whether the digits that so much padding leaves of a group are those that whole bytes give.
@@ -50,23 +55,23 @@ std::optional<std::string_view> digitsOf(std::string_view text) {
 }
 
 template <const Radix& radix>
-RefPtr<NSData> decode(std::string_view text, VXKernels::Decode* kernel) {
+NSRefPtr<NSData> decode(std::string_view text) {
   const auto digits = digitsOf<radix>(text);
   if (!digits) return nullptr;
   const std::size_t length = digits->size() / 8 * radix.bits + digits->size() % 8 * radix.bits / 8;
   const auto write = [&](std::span<std::byte> place) -> std::optional<std::size_t> {
-    if (!kernel(digits->data(), digits->size(), place.data())) return std::nullopt;
+    if (!kernelsInUse<radix>().decode(digits->data(), digits->size(), place.data())) return std::nullopt;
     return length;
   };
   return NSMutableData::dataWithMaximumLength(length, write);
 }
 
 template <const Radix& radix>
-RefPtr<NSData> decode(Text parameter, VXKernels::Decode* kernel) {
+NSRefPtr<NSData> decode(NSStringArg parameter) {
   const auto text = parameter.borrow();
   if (!text || !text->isASCII()) return nullptr;
-  RefPtr<NSData> data = text->visit([&](auto units) -> RefPtr<NSData> {
-    if constexpr (sizeof units[0] == 1) return decode<radix>(units, kernel);
+  NSRefPtr<NSData> data = text->visit([&](auto units) -> NSRefPtr<NSData> {
+    if constexpr (sizeof units[0] == 1) return decode<radix>(units);
     return nullptr;
   });
   if (data) data->setHoldsSecret(text->holdsSecret());
@@ -75,29 +80,17 @@ RefPtr<NSData> decode(Text parameter, VXKernels::Decode* kernel) {
 
 }  // namespace
 
-Ref<NSString> base64String(const NSData& data) {
-  return encode<VXKernels::base64>(data, VXKernels::kernels().base64Encode);
-}
-RefPtr<NSData> dataWithBase64String(Text text) {
-  return decode<VXKernels::base64>(text, VXKernels::kernels().base64Decode);
-}
+NSRef<NSString> base64String(const NSData& data) { return encode<VXKernels::base64>(data); }
+NSRefPtr<NSData> dataWithBase64String(NSStringArg text) { return decode<VXKernels::base64>(text); }
 
-Ref<NSString> base32String(const NSData& data) {
-  return encode<VXKernels::base32>(data, VXKernels::kernels().base32Encode);
-}
-RefPtr<NSData> dataWithBase32String(Text text) {
-  return decode<VXKernels::base32>(text, VXKernels::kernels().base32Decode);
-}
+NSRef<NSString> base32String(const NSData& data) { return encode<VXKernels::base32>(data); }
+NSRefPtr<NSData> dataWithBase32String(NSStringArg text) { return decode<VXKernels::base32>(text); }
 
-Ref<NSString> base16String(const NSData& data) {
-  return encode<VXKernels::base16>(data, VXKernels::kernels().base16Encode);
-}
-RefPtr<NSData> dataWithBase16String(Text text) {
-  return decode<VXKernels::base16>(text, VXKernels::kernels().base16Decode);
-}
+NSRef<NSString> base16String(const NSData& data) { return encode<VXKernels::base16>(data); }
+NSRefPtr<NSData> dataWithBase16String(NSStringArg text) { return decode<VXKernels::base16>(text); }
 
-Ref<NSString> base2String(const NSData& data) {
-  return encode(data, data.length() * 9, VXKernels::scalar::base2Encode);
+NSRef<NSString> base2String(const NSData& data) {
+  return encode(data, data.length() * 9, VXKernels::base2Encode);
 }
 
 }  // namespace VXBaseConversion

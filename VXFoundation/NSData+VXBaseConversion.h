@@ -13,22 +13,22 @@
 namespace VXBaseConversion {
 
 /// Base 64 with the standard alphabet and padding, without line breaks (RFC 4648, section 4).
-FOUNDATION_EXPORT Ref<NSString> base64String(const NSData& data);
+NS_EXPORT NSRef<NSString> base64String(const NSData& data);
 /// dataWithBase64String: takes what `base64String` writes. Padding stands at the end alone, at most two.
-FOUNDATION_EXPORT RefPtr<NSData> dataWithBase64String(Text text);
+NS_EXPORT NSRefPtr<NSData> dataWithBase64String(NSStringArg text);
 
 /// Base 32 in upper case with padding, without line breaks (RFC 4648, section 6).
-FOUNDATION_EXPORT Ref<NSString> base32String(const NSData& data);
+NS_EXPORT NSRef<NSString> base32String(const NSData& data);
 /// dataWithBase32String: takes what `base32String` writes, in upper case only. Padding stands at the end
 /// alone, in a run of 0, 1, 3, 4 or 6.
-FOUNDATION_EXPORT RefPtr<NSData> dataWithBase32String(Text text);
+NS_EXPORT NSRefPtr<NSData> dataWithBase32String(NSStringArg text);
 
 /// Base 16 in upper case, without prefix or separators (RFC 4648, section 8).
-FOUNDATION_EXPORT Ref<NSString> base16String(const NSData& data);
+NS_EXPORT NSRef<NSString> base16String(const NSData& data);
 /// dataWithBase16String: takes an even number of hexadecimal digits, in either case or both.
-FOUNDATION_EXPORT RefPtr<NSData> dataWithBase16String(Text text);
+NS_EXPORT NSRefPtr<NSData> dataWithBase16String(NSStringArg text);
 
 /// Eight binary digits and a space for every byte, the last one included, most significant bit first.
-FOUNDATION_EXPORT Ref<NSString> base2String(const NSData& data);
+NS_EXPORT NSRef<NSString> base2String(const NSData& data);
 
 }  // namespace VXBaseConversion

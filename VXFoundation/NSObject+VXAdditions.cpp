@@ -4,11 +4,11 @@
 
 namespace VXAdditions {
 
-void subclassShouldImplementSelector(const NSObject& receiver, Text selector) {
-  const auto* classReceiver = dynamicCast<Class>(&receiver);
-  const Ref<NSString> signature = NSString::stringWithFormat(
-      "%@[%@ %@]", NSString::stringWithString(classReceiver ? Text("+") : Text("-")),
-      NSStringFromClass(classReceiver ? *classReceiver : receiver.isa()), Ref<NSString>(selector.get()));
+void subclassShouldImplementSelector(const NSObject& receiver, NSStringArg selector) {
+  const auto* classReceiver = NSDynamicCast<NSClass>(&receiver);
+  const NSRef<NSString> signature = NSString::stringWithFormat(
+      "%@[%@ %@]", NSString::stringWithString(classReceiver ? NSStringArg("+") : NSStringArg("-")),
+      NSStringFromClass(classReceiver ? *classReceiver : receiver.isa()), NSRef<NSString>(selector.get()));
   NSException::raise(VXSubclassResponsibilityException,
                      "%@, is not implemented in the superclass, it is the subclass' responsibility.",
                      signature);

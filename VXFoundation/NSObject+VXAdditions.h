@@ -9,6 +9,6 @@ namespace VXAdditions {
 /// Raises VXSubclassResponsibilityException: the operation named by the selector, with its colons, is one
 /// that the receiver's class should have implemented. The receiver is an object or a class. A nil selector
 /// raises the invalid-argument exception.
-[[noreturn]] FOUNDATION_EXPORT void subclassShouldImplementSelector(const NSObject& receiver, Text selector);
+[[noreturn]] NS_EXPORT void subclassShouldImplementSelector(const NSObject& receiver, NSStringArg selector);
 
 }  // namespace VXAdditions

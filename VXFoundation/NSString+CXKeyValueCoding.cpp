@@ -4,9 +4,9 @@
 
 namespace CXKeyValueCoding {
 
-RefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<Object> components) {
-  const Ref<NSMutableArray> list = NSMutableArray::arrayWithCapacity(components.size());
-  for (const Object& component : components) {
+NSRefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<NSObjectArg> components) {
+  const NSRef<NSMutableArray> list = NSMutableArray::arrayWithCapacity(components.size());
+  for (const NSObjectArg& component : components) {
     if (!component) break;
     list->addObject(component);
   }
@@ -14,7 +14,7 @@ RefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<Object> compo
   return list->componentsJoinedByString(".");
 }
 
-Ref<NSString> stringByAppendingKeyPath(const NSString& receiver, Object keyPath) {
+NSRef<NSString> stringByAppendingKeyPath(const NSString& receiver, NSObjectArg keyPath) {
   return receiver.stringByAppendingFormat(".%@", keyPath);
 }
 

@@ -11,9 +11,9 @@ namespace CXKeyValueCoding {
 
 /// The components' texts, of what is no text its description, up to the first that is nil; absent when
 /// that is the first one, or there is none.
-FOUNDATION_EXPORT RefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<Object> components);
+NS_EXPORT NSRefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<NSObjectArg> components);
 
 /// The receiver, a full stop and the key path, "(null)" for nil.
-FOUNDATION_EXPORT Ref<NSString> stringByAppendingKeyPath(const NSString& receiver, Object keyPath);
+NS_EXPORT NSRef<NSString> stringByAppendingKeyPath(const NSString& receiver, NSObjectArg keyPath);
 
 }  // namespace CXKeyValueCoding

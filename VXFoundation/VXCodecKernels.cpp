@@ -1,6 +1,6 @@
-#include "VXFoundation/VXCodecKernels.h"
+#include <VXFoundation/VXCodecKernels.h>
 
-#include "VXFoundation/kernels/CodecDispatch.h"
+#include <VXFoundation/kernels/CodecDispatch.h>
 
 std::vector<std::string> VXCodecKernelsAvailable() {
   std::vector<std::string> names;

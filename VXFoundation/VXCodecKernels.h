@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 #include <string>
 #include <vector>
@@ -12,11 +12,11 @@
 
 /// The names of the sets that this machine can run, slowest first: "scalar", and "avx2", "avx512vbmi" or
 /// "neon" where the machine has them.
-FOUNDATION_EXPORT std::vector<std::string> VXCodecKernelsAvailable();
+NS_EXPORT std::vector<std::string> VXCodecKernelsAvailable();
 
 /// The name of the set in use.
-FOUNDATION_EXPORT std::string VXCodecKernelsInUse();
+NS_EXPORT std::string VXCodecKernelsInUse();
 
 /// Makes the set of that name the one in use, on all threads; false, and no change, when the machine
 /// cannot run it.
-FOUNDATION_EXPORT bool VXCodecKernelsUse(const std::string& name);
+NS_EXPORT bool VXCodecKernelsUse(const std::string& name);

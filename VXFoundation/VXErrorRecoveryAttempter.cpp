@@ -1,21 +1,21 @@
 #include <VXFoundation/VXErrorRecoveryAttempter.h>
 
-#include <VXFoundation/VXAssertion.h>
-#include <VXFoundation/VXLocalizedString.h>
+#include <VXFoundation/Internal/VXAssertion.h>
+#include <VXFoundation/Internal/VXLocalizedString.h>
 
 namespace {
 
-Ref<VXErrorRecoveryBlock> cancelBlock() {
-  static const Ref<VXErrorRecoveryBlock> never =
-      RefPtr<VXErrorRecoveryBlock>([](const RefPtr<NSError>&) { return false; });
+NSRef<VXErrorRecoveryBlock> cancelBlock() {
+  static const NSRef<VXErrorRecoveryBlock> never =
+      NSRefPtr<VXErrorRecoveryBlock>([](const NSRefPtr<NSError>&) { return false; });
   return never;
 }
 
 }  // namespace
 
 void VXErrorRecoveryAttempter::addRecoveryOptionWithLocalizedTitle(
-    Text localizedTitle, const RefPtr<VXErrorRecoveryBlock>& recoveryBlock) {
-  const auto require = [this](bool holds, std::size_t line, Text condition) {
+    NSStringArg localizedTitle, const NSRefPtr<VXErrorRecoveryBlock>& recoveryBlock) {
+  const auto require = [this](bool holds, std::size_t line, NSStringArg condition) {
     VXAssertParameter(
         holds, *this,
         {"addRecoveryOptionWithLocalizedTitle:recoveryBlock:", "VXErrorRecoveryAttempter", line, condition});
@@ -30,15 +30,16 @@ void VXErrorRecoveryAttempter::addCancelRecoveryOption() {
   addRecoveryOptionWithLocalizedTitle(VXLocalizedString("Cancel"), cancelBlock());
 }
 
-bool VXErrorRecoveryAttempter::attemptRecoveryFromError(const RefPtr<NSError>& error,
+bool VXErrorRecoveryAttempter::attemptRecoveryFromError(const NSRefPtr<NSError>& error,
                                                         std::size_t optionIndex) {
-  const Ref<VXErrorRecoveryBlock> action =
-      dynamicCast<VXErrorRecoveryBlock>(blocks_->objectAtIndex(optionIndex));
+  const NSRef<VXErrorRecoveryBlock> action =
+      NSDynamicCast<VXErrorRecoveryBlock>(blocks_->objectAtIndex(optionIndex));
   return (*action)(error);
 }
 
-void VXErrorRecoveryAttempter::attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex,
-                                                        const RefPtr<NSDidRecoverBlock>& delegate,
+void VXErrorRecoveryAttempter::attemptRecoveryFromError(const NSRefPtr<NSError>& error,
+                                                        std::size_t optionIndex,
+                                                        const NSRefPtr<NSDidRecoverBlock>& delegate,
                                                         void* contextInfo) {
   const bool didRecover = attemptRecoveryFromError(error, optionIndex);
   if (delegate) (*delegate)(didRecover, contextInfo);

@@ -4,7 +4,7 @@
 #include <Foundation/NSErrorRecoveryAttempting.h>
 
 /// What an option does about an error, which may be absent; whether it recovered from it.
-using VXErrorRecoveryBlock = NSBlock<bool(const RefPtr<NSError>& error)>;
+using VXErrorRecoveryBlock = NSBlock<bool(const NSRefPtr<NSError>& error)>;
 
 /// The class operation of attempters, for the class that receives it, so that a host's subclass makes
 /// objects of its own.
@@ -16,8 +16,8 @@ class [[gnu::visibility("default")]] VXErrorRecoveryAttempterLayer : public NSOb
   using Subclass = VXErrorRecoveryAttempterLayer<Derived, Self>;
 
   /// A new attempter of the receiving class, without options; absent when its initialiser says no.
-  static RefPtr<Self> errorRecoveryAttempter() {
-    const Ref<Self> attempter = Self::alloc();
+  static NSRefPtr<Self> errorRecoveryAttempter() {
+    const NSRef<Self> attempter = Self::alloc();
     if (!attempter->init()) return nullptr;
     return attempter;
   }
@@ -27,7 +27,7 @@ class [[gnu::visibility("default")]] VXErrorRecoveryAttempterLayer : public NSOb
 /// the attempter and `recoveryOptions()` in the error's user information, under NSRecoveryAttempterErrorKey
 /// and NSLocalizedRecoveryOptionsErrorKey. An option's index is its place in the order of adding. The
 /// attempter owns both lists. For one thread at a time.
-class FOUNDATION_EXPORT VXErrorRecoveryAttempter
+class NS_EXPORT VXErrorRecoveryAttempter
     : public VXErrorRecoveryAttempterLayer<VXErrorRecoveryAttempter, NSObject>,
       public NSErrorRecoveryAttempting {
  public:
@@ -37,37 +37,45 @@ class FOUNDATION_EXPORT VXErrorRecoveryAttempter
   /// The lists themselves. The title at an index belongs to the action there; a host that changes one list
   /// alone breaks that, which is not checked.
   ///@{
-  const Ref<NSMutableArray>& titles() const noexcept { return titles_; }
-  const Ref<NSMutableArray>& blocks() const noexcept { return blocks_; }
+  const NSRef<NSMutableArray>& titles() const noexcept { return titles_; }
+  const NSRef<NSMutableArray>& blocks() const noexcept { return blocks_; }
   ///@}
   /// Replace a list by the one given, without a copy. Nil raises the invalid-argument exception.
   ///@{
-  void setTitles(const Ref<NSMutableArray>& titles) { titles_ = titles; }
-  void setBlocks(const Ref<NSMutableArray>& blocks) { blocks_ = blocks; }
+  void setTitles(const NSRef<NSMutableArray>& titles) { titles_ = titles; }
+  void setBlocks(const NSRef<NSMutableArray>& blocks) { blocks_ = blocks; }
   ///@}
 
   /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Asserts first the title, then the action. Where the
   /// assertion handler returns, the list that is given nil raises the invalid-argument exception.
-  void addRecoveryOptionWithLocalizedTitle(Text localizedTitle,
-                                           const RefPtr<VXErrorRecoveryBlock>& recoveryBlock);
+  void addRecoveryOptionWithLocalizedTitle(NSStringArg localizedTitle,
+                                           const NSRefPtr<VXErrorRecoveryBlock>& recoveryBlock);
   /// Adds an option with the localised title "Cancel" that never recovers; its action is one and the same
   /// block for all attempters. Without the library's bundle there is no title, which is asserted as above.
   void addCancelRecoveryOption();
   /// The titles at this moment, in a list that stays as it is.
-  Ref<NSArray> recoveryOptions() const { return titles_->copy(); }
+  NSRef<NSArray> recoveryOptions() const { return titles_->copy(); }
 
   // The category VXFoundationDelegate.
   /// Calls the action at the index with the very error. Answers its result, or tells it to the delegate, on
   /// this thread and before it returns; an absent one hears nothing. Raises the range exception from the
   /// number of actions on, and the invalid-argument exception when a host put something else into `blocks`.
   ///@{
-  bool attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex) override;
-  void attemptRecoveryFromError(const RefPtr<NSError>& error, std::size_t optionIndex,
-                                const RefPtr<NSDidRecoverBlock>& delegate, void* contextInfo) override;
+  bool attemptRecoveryFromError(const NSRefPtr<NSError>& error, std::size_t optionIndex) override;
+  void attemptRecoveryFromError(const NSRefPtr<NSError>& error, std::size_t optionIndex,
+                                const NSRefPtr<NSDidRecoverBlock>& delegate, void* contextInfo) override;
   ///@}
   using NSErrorRecoveryAttempting::attemptRecoveryFromError;
 
  private:
-  Ref<NSMutableArray> titles_ = NSMutableArray::array();
-  Ref<NSMutableArray> blocks_ = NSMutableArray::array();
+  // A class that derives without the layer would quietly make objects of its base; it does not compile, as
+  // its destructor would be inaccessible.
+  template <class Self, class Base>
+  friend class NSObjectLayer;
+  template <class Self>
+  friend class NSAllocated;
+  ~VXErrorRecoveryAttempter() override = default;
+
+  NSRef<NSMutableArray> titles_ = NSMutableArray::array();
+  NSRef<NSMutableArray> blocks_ = NSMutableArray::array();
 };

@@ -1,6 +1,6 @@
 #include <VXFoundation/VXFoundationConstants.h>
 
-const Ref<NSString> VXFoundationBundleIdentifier =
+const NSRef<NSString> VXFoundationBundleIdentifier =
     NSString::stringWithString("org.vxfoundation.VXFoundation");
-const Ref<NSString> VXSubclassResponsibilityException =
+const NSRef<NSString> VXSubclassResponsibilityException =
     NSString::stringWithString("VXSubclassResponsibilityException");

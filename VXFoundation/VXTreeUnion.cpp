@@ -2,37 +2,37 @@
 
 #include <vector>
 
-#include <Foundation/NSEqualityIndex.h>
+#include <Foundation/Internal/NSEqualityIndex.h>
 
 namespace {
 
 // A collection of children whose walk is under way.
 class Level {
  public:
-  explicit Level(Ref<NSFastEnumeration> children)
+  explicit Level(NSRef<NSFastEnumeration> children)
       : children_(std::move(children)), next_(children_->begin()) {}
 
   bool isAtEnd() const { return next_ == children_->end(); }
-  Ref<NSObject> next() {
-    Ref<NSObject> child = *next_;
+  NSRef<NSObject> next() {
+    NSRef<NSObject> child = *next_;
     ++next_;
     return child;
   }
 
  private:
-  Ref<NSFastEnumeration> children_;
+  NSRef<NSFastEnumeration> children_;
   NSFastEnumeration::Iterator next_;
 };
 
 // Recursive in its order; the levels are kept apart from the call stack, which deep trees would exhaust.
 // The visitor says whether to descend.
 template <class Visitor>
-void _VXFoundationVisitTreeRecursive(const VXChildrenAccessor& accessor, const RefPtr<NSObject>& root,
+void _VXFoundationVisitTreeRecursive(const VXChildrenAccessor& accessor, const NSRefPtr<NSObject>& root,
                                      Visitor&& visitor) {
   std::vector<Level> levels;
-  const auto descend = [&](const Ref<NSObject>& node) {
+  const auto descend = [&](const NSRef<NSObject>& node) {
     if (!visitor(node)) return;
-    if (const RefPtr<NSFastEnumeration> children = accessor(node)) levels.emplace_back(children);
+    if (const NSRefPtr<NSFastEnumeration> children = accessor(node)) levels.emplace_back(children);
   };
   if (root) descend(root);
   while (!levels.empty()) {
@@ -45,16 +45,16 @@ void _VXFoundationVisitTreeRecursive(const VXChildrenAccessor& accessor, const R
 
 }  // namespace
 
-Ref<NSMutableArray> VXFoundationUnionOfList(VXNextAccessor accessor, const RefPtr<NSObject>& start) {
-  const Ref<NSMutableArray> list = NSMutableArray::array();
-  for (RefPtr<NSObject> node = start; node; node = accessor(node)) list->addObject(node);
+NSRef<NSMutableArray> VXFoundationUnionOfList(VXNextAccessor accessor, const NSRefPtr<NSObject>& start) {
+  const NSRef<NSMutableArray> list = NSMutableArray::array();
+  for (NSRefPtr<NSObject> node = start; node; node = accessor(node)) list->addObject(node);
   return list;
 }
 
-Ref<NSMutableArray> VXFoundationUnionOfTree(VXChildrenAccessor accessor, const RefPtr<NSObject>& root) {
-  const Ref<NSMutableArray> nodes = NSMutableArray::array();
+NSRef<NSMutableArray> VXFoundationUnionOfTree(VXChildrenAccessor accessor, const NSRefPtr<NSObject>& root) {
+  const NSRef<NSMutableArray> nodes = NSMutableArray::array();
   NSEqualityIndex index;
-  _VXFoundationVisitTreeRecursive(accessor, root, [&](const Ref<NSObject>& node) {
+  _VXFoundationVisitTreeRecursive(accessor, root, [&](const NSRef<NSObject>& node) {
     const auto equalsNode = [&](const NSObject& earlier) { return earlier.isEqual(node); };
     if (index.containsOne(*node, equalsNode)) return false;
     nodes->addObject(node);
@@ -64,9 +64,9 @@ Ref<NSMutableArray> VXFoundationUnionOfTree(VXChildrenAccessor accessor, const R
   return nodes;
 }
 
-void VXFoundationVisitTree(VXChildrenAccessor accessor, const RefPtr<NSObject>& root,
-                           NSFunctionRef<void(const Ref<NSObject>& node)> visitor) {
-  _VXFoundationVisitTreeRecursive(accessor, root, [&](const Ref<NSObject>& node) {
+void VXFoundationVisitTree(VXChildrenAccessor accessor, const NSRefPtr<NSObject>& root,
+                           NSFunctionRef<void(const NSRef<NSObject>& node)> visitor) {
+  _VXFoundationVisitTreeRecursive(accessor, root, [&](const NSRef<NSObject>& node) {
     visitor(node);
     return true;
   });

@@ -1,8 +1,8 @@
-#include "VXFoundation/VXURLCoding.h"
+#include <VXFoundation/VXURLCoding.h>
 
 #include <new>
 
-#include "VXFoundation/kernels/CodecDispatch.h"
+#include <VXFoundation/kernels/CodecDispatch.h>
 
 namespace {
 
@@ -13,7 +13,7 @@ std::size_t roomToEncode(std::size_t length) {
 
 }  // namespace
 
-RefPtr<NSData> VXURLEncodeData(const RefPtr<NSData>& data) {
+NSRefPtr<NSData> VXURLEncodeData(const NSRefPtr<NSData>& data) {
   if (!data) return nullptr;
   auto encoded =
       NSMutableData::dataWithMaximumLength(roomToEncode(data->length()), [&](std::span<std::byte> place) {
@@ -23,7 +23,7 @@ RefPtr<NSData> VXURLEncodeData(const RefPtr<NSData>& data) {
   return encoded;
 }
 
-RefPtr<NSData> VXURLDecodeData(const RefPtr<NSData>& data) {
+NSRefPtr<NSData> VXURLDecodeData(const NSRefPtr<NSData>& data) {
   if (!data) return nullptr;
   auto decoded = NSMutableData::dataWithMaximumLength(
       data->length(), [&](std::span<std::byte> place) -> std::optional<std::size_t> {
@@ -36,14 +36,14 @@ RefPtr<NSData> VXURLDecodeData(const RefPtr<NSData>& data) {
   return decoded;
 }
 
-RefPtr<NSString> VXURLEncodeString(Text parameter) {
+NSRefPtr<NSString> VXURLEncodeString(NSStringArg parameter) {
   const auto text = parameter.borrow();
   if (!text) return nullptr;
   return NSString::stringWithData(VXURLEncodeData(text->dataUsingEncoding(NSUTF8StringEncoding)),
                                   NSASCIIStringEncoding);
 }
 
-RefPtr<NSString> VXURLDecodeString(Text parameter) {
+NSRefPtr<NSString> VXURLDecodeString(NSStringArg parameter) {
   const auto text = parameter.borrow();
   if (!text) return nullptr;
   return NSString::stringWithData(VXURLDecodeData(text->dataUsingEncoding(NSASCIIStringEncoding)),

@@ -9,16 +9,16 @@
 /// becomes "%" and two upper-case hexadecimal digits. All are pure and safe on any thread.
 
 /// The bytes encoded, all of them ASCII; absent for nil.
-FOUNDATION_EXPORT RefPtr<NSData> VXURLEncodeData(const RefPtr<NSData>& data);
+NS_EXPORT NSRefPtr<NSData> VXURLEncodeData(const NSRefPtr<NSData>& data);
 
 /// The bytes decoded: every escape, its digits in either case, becomes its byte, and all else stays, "+"
 /// and bytes above 127 included. Absent for nil, and for a "%" without two hexadecimal digits after it.
-FOUNDATION_EXPORT RefPtr<NSData> VXURLDecodeData(const RefPtr<NSData>& data);
+NS_EXPORT NSRefPtr<NSData> VXURLDecodeData(const NSRefPtr<NSData>& data);
 
 /// The UTF-8 of the text encoded; absent for nil, the empty text when a surrogate stands alone.
-FOUNDATION_EXPORT RefPtr<NSString> VXURLEncodeString(Text text);
+NS_EXPORT NSRefPtr<NSString> VXURLEncodeString(NSStringArg text);
 
 /// The text that the decoded bytes are in UTF-8. Absent for nil, and when they are not UTF-8; the empty
 /// text for a malformed escape or any character that is not ASCII. To tell a malformed text from an
 /// empty one, use VXURLDecodeData.
-FOUNDATION_EXPORT RefPtr<NSString> VXURLDecodeString(Text text);
+NS_EXPORT NSRefPtr<NSString> VXURLDecodeString(NSStringArg text);

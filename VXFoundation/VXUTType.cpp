@@ -2,13 +2,13 @@
 
 #include <CoreServices/UTType.h>
 #include <Foundation/NSDictionary.h>
-#include <VXFoundation/VXUTTypeDynamicIdentifier.h>
+#include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
 
 namespace {
 
 // Made once, so that a query between declared types allocates nothing.
-const Ref<NSString> dynamicPrefix = NSString::stringWithString("dyn.a");
-const Ref<NSString> optionalMark = NSString::stringWithString("?");
+const NSRef<NSString> dynamicPrefix = NSString::stringWithString("dyn.a");
+const NSRef<NSString> optionalMark = NSString::stringWithString("?");
 
 bool isDynamic(const NSString& identifier) {
   return identifier.hasPrefix(dynamicPrefix) && identifier.length() > dynamicPrefix->length();
@@ -17,10 +17,10 @@ bool isDynamic(const NSString& identifier) {
 bool offersAll(const NSDictionary& offered, const NSDictionary& required) {
   bool all = true;
   required.enumerateKeysAndObjectsUsingBlock(
-      [&](const Ref<NSObject>& key, const Ref<NSObject>& value, bool* stop) {
-        const RefPtr<NSObject> found = offered.objectForKey(key);
+      [&](const NSRef<NSObject>& key, const NSRef<NSObject>& value, bool* stop) {
+        const NSRefPtr<NSObject> found = offered.objectForKey(key);
         if (found && found->isEqual(value)) return;
-        if (Ref(dynamicCast<NSString>(key))->hasPrefix(optionalMark)) return;
+        if (NSRef(NSDynamicCast<NSString>(key))->hasPrefix(optionalMark)) return;
         all = false;
         *stop = true;
       });
@@ -29,21 +29,22 @@ bool offersAll(const NSDictionary& offered, const NSDictionary& required) {
 
 }  // namespace
 
-bool VXUTTypeConformsTo(Text identifier, Text otherIdentifier) {
+bool VXUTTypeConformsTo(NSStringArg identifier, NSStringArg otherIdentifier) {
   if (UTTypeConformsTo(identifier, otherIdentifier)) return true;
   const auto type = identifier.borrow();
   const auto other = otherIdentifier.borrow();
   if (!type || !isDynamic(*type) || !other || !isDynamic(*other)) return false;
-  const RefPtr<NSDictionary> offered = VXUTTypeDynamicIdentifierMap(*type);
+  const NSRefPtr<NSDictionary> offered = VXUTTypeDynamicIdentifierMap(*type);
   if (!offered) return false;
-  const RefPtr<NSDictionary> required = VXUTTypeDynamicIdentifierMap(*other);
+  const NSRefPtr<NSDictionary> required = VXUTTypeDynamicIdentifierMap(*other);
   return required && offersAll(*offered, *required);
 }
 
-bool VXUTTypeConformsToAnyInCollection(Text identifier, const RefPtr<NSFastEnumeration>& collection) {
+bool VXUTTypeConformsToAnyInCollection(NSStringArg identifier,
+                                       const NSRefPtr<NSFastEnumeration>& collection) {
   if (!collection) return false;
-  for (const Ref<NSObject> member : *collection) {
-    const Ref<NSString> other = dynamicCast<NSString>(member);
+  for (const NSRef<NSObject> member : *collection) {
+    const NSRef<NSString> other = NSDynamicCast<NSString>(member);
     if (VXUTTypeConformsTo(identifier, other)) return true;
   }
   return false;

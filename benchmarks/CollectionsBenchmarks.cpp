@@ -12,21 +12,21 @@ namespace {
 struct Node : NSObject::Subclass<Node> {
   explicit Node(std::size_t ordinal) : number(ordinal) {}
   std::size_t number;
-  Ref<NSMutableArray> children = NSMutableArray::array();
+  NSRef<NSMutableArray> children = NSMutableArray::array();
 };
 
 struct ValueNode : Node::Subclass<ValueNode> {
   using HashAgreesWithEquality = ValueNode;
   using Layer = Node::Subclass<ValueNode>;
   using Layer::Layer;
-  bool isEqual(const RefPtr<NSObject>& other) const override {
-    const auto* node = dynamicCast<ValueNode>(other.get());
+  bool isEqual(const NSRefPtr<NSObject>& other) const override {
+    const auto* node = NSDynamicCast<ValueNode>(other.get());
     return node && node->number == number;
   }
   std::size_t hash() const override { return number; }
 };
 
-using Nodes = std::vector<Ref<Node>>;
+using Nodes = std::vector<NSRef<Node>>;
 
 template <class Kind>
 Nodes nodes(std::size_t count) {
@@ -62,7 +62,7 @@ void unionOfTree(benchmark::State& state, void (*link)(const Nodes&)) {
     if (found->count() != all.size()) state.SkipWithError("not all nodes were found");
   }
   perElement(state, all.size());
-  for (const Ref<Node>& node : all) node->children->removeAllObjects();  // there are cycles
+  for (const NSRef<Node>& node : all) node->children->removeAllObjects();  // there are cycles
 }
 
 constexpr auto unionOfIdentities = unionOfTree<Node>;
@@ -73,7 +73,7 @@ void visitTree(benchmark::State& state, void (*link)(const Nodes&)) {
   link(all);
   std::size_t visited = 0;
   for (auto _ : state)
-    VXFoundationVisitTree(&Node::children, all[0], [&](const Ref<NSObject>&) { ++visited; });
+    VXFoundationVisitTree(&Node::children, all[0], [&](const NSRef<NSObject>&) { ++visited; });
   perElement(state, all.size());
   benchmark::DoNotOptimize(visited);
 }
@@ -91,7 +91,7 @@ BENCHMARK_CAPTURE(unionOfValues, shared, linkWithSharedSubgraphs)->Apply(sizes);
 BENCHMARK_CAPTURE(visitTree, chain, linkAsChain)->Apply(sizes);
 BENCHMARK_CAPTURE(visitTree, wide, linkAsWideTree)->Apply(sizes);
 
-Ref<NSArray> texts(std::size_t first, std::size_t count) {
+NSRef<NSArray> texts(std::size_t first, std::size_t count) {
   const auto list = NSMutableArray::arrayWithCapacity(count);
   for (std::size_t i = first; i < first + count; ++i)
     list->addObject(NSString::stringWithFormat("text number %lu", i));
@@ -111,7 +111,7 @@ BENCHMARK(removal)->Apply(sizes);
 void mapping(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
   const auto list = texts(0, count);
-  const auto same = [](const Ref<NSObject>& element, std::size_t, bool*) -> RefPtr<NSObject> {
+  const auto same = [](const NSRef<NSObject>& element, std::size_t, bool*) -> NSRefPtr<NSObject> {
     return element;
   };
   for (auto _ : state) benchmark::DoNotOptimize(VXAdditions::vxfoundation_map(*list, same));

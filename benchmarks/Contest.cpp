@@ -24,7 +24,7 @@ Bytes prose(std::size_t count) {
   return bytes;
 }
 
-Ref<NSData> dataOf(const Bytes& bytes) { return NSData::dataWithBytes(bytes); }
+NSRef<NSData> dataOf(const Bytes& bytes) { return NSData::dataWithBytes(bytes); }
 
 }  // namespace Contest
 

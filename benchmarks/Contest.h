@@ -21,7 +21,7 @@ using Bytes = std::vector<std::byte>;
 /// Random bytes, and English-like text of which about one character in six must be escaped in a URL.
 Bytes randomBytes(std::size_t count);
 Bytes prose(std::size_t count);
-Ref<NSData> dataOf(const Bytes& bytes);
+NSRef<NSData> dataOf(const Bytes& bytes);
 
 /// The bytes as most libraries want them, and room for their results that nobody clears first.
 inline const unsigned char* raw(const Bytes& bytes) {

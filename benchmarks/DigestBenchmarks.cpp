@@ -121,7 +121,7 @@ void registerDigests() {
   registerQt("SHA-1", QCryptographicHash::Sha1);
 
   registerOurs("HMAC-SHA1", [](const NSData& data) {
-    static const RefPtr<NSData> secretKey = NSData::dataWithBytes(key, sizeof key);
+    static const NSRefPtr<NSData> secretKey = NSData::dataWithBytes(key, sizeof key);
     return CXHashing::HMAC_SHA1_WithSecretKey(data, secretKey);
   });
   registerOpenSSLHMAC("HMAC-SHA1");

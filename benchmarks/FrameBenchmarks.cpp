@@ -5,8 +5,8 @@
 namespace {
 
 void localisedLookUp(benchmark::State& state) {
-  const Ref<NSBundle> bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
-  const Ref<NSString> key = NSString::stringWithUTF8String(state.range(0) ? "Cancel" : "no such key");
+  const NSRef<NSBundle> bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
+  const NSRef<NSString> key = NSString::stringWithUTF8String(state.range(0) ? "Cancel" : "no such key");
   for (auto _ : state) benchmark::DoNotOptimize(bundle->localizedStringForKey(key, nullptr, nullptr));
 }
 
@@ -27,7 +27,7 @@ void assertionFails(benchmark::State& state) {
 }
 
 void subclassResponsibility(benchmark::State& state) {
-  const Ref<NSString> receiver = NSString::string();
+  const NSRef<NSString> receiver = NSString::string();
   for (auto _ : state) {
     try {
       VXAdditions::subclassShouldImplementSelector(*receiver, "some:");
@@ -41,7 +41,8 @@ void recoveryOptionsOffered(benchmark::State& state) {
   for (auto _ : state) {
     const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
     for (std::int64_t i = 0; i < state.range(0); ++i)
-      attempter->addRecoveryOptionWithLocalizedTitle("Replace", [](const RefPtr<NSError>&) { return true; });
+      attempter->addRecoveryOptionWithLocalizedTitle("Replace",
+                                                     [](const NSRefPtr<NSError>&) { return true; });
     attempter->addCancelRecoveryOption();
     benchmark::DoNotOptimize(attempter->recoveryOptions());
   }
@@ -50,7 +51,7 @@ void recoveryOptionsOffered(benchmark::State& state) {
 
 void recoveryAttempted(benchmark::State& state) {
   const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
-  attempter->addRecoveryOptionWithLocalizedTitle("Replace", [](const RefPtr<NSError>&) { return true; });
+  attempter->addRecoveryOptionWithLocalizedTitle("Replace", [](const NSRefPtr<NSError>&) { return true; });
   for (auto _ : state) benchmark::DoNotOptimize(attempter->attemptRecoveryFromError(nullptr, 0));
 }
 

@@ -8,7 +8,7 @@
 // file.
 namespace {
 
-Ref<VXGenericKeychainItem> itemOf(const std::string& account) {
+NSRef<VXGenericKeychainItem> itemOf(const std::string& account) {
   return VXGenericKeychainItem::keychainItemWithUsername(NSString::stringWithUTF8String(account), "password",
                                                          "label", "benchmark");
 }

@@ -31,15 +31,15 @@ void textFromUTF8(benchmark::State& state) {
 
 void textToUTF8(benchmark::State& state) {
   const std::string utf8 = utf8Of(state);
-  const Ref<NSString> text = NSString::stringWithUTF8String(utf8);
+  const NSRef<NSString> text = NSString::stringWithUTF8String(utf8);
   for (auto _ : state) benchmark::DoNotOptimize(text->UTF8String());
   count(state, utf8.size());
 }
 
 void textHashAndEquality(benchmark::State& state) {
   const std::string utf8 = utf8Of(state);
-  const Ref<NSString> text = NSString::stringWithUTF8String(utf8);
-  const Ref<NSString> other = NSString::stringWithUTF8String(utf8);
+  const NSRef<NSString> text = NSString::stringWithUTF8String(utf8);
+  const NSRef<NSString> other = NSString::stringWithUTF8String(utf8);
   for (auto _ : state) {
     benchmark::DoNotOptimize(text->hash());
     benchmark::DoNotOptimize(text->isEqual(other));
@@ -49,24 +49,24 @@ void textHashAndEquality(benchmark::State& state) {
 
 void textTakenApart(benchmark::State& state) {
   const std::string utf8 = utf8Of(state);
-  const Ref<NSString> text = NSString::stringWithUTF8String(utf8);
+  const NSRef<NSString> text = NSString::stringWithUTF8String(utf8);
   for (auto _ : state) benchmark::DoNotOptimize(text->componentsSeparatedByString(", "));
   count(state, utf8.size());
 }
 
 void textFilledIn(benchmark::State& state) {
-  const Ref<NSString> name = NSString::stringWithUTF8String(utf8Of(state));
+  const NSRef<NSString> name = NSString::stringWithUTF8String(utf8Of(state));
   for (auto _ : state)
     benchmark::DoNotOptimize(NSString::stringWithFormat("%@ has %d of %lu", name, -7, 12U));
 }
 
 void keyPathJoined(benchmark::State& state) {
-  const Ref<NSString> path = NSString::stringWithUTF8String(utf8Of(state));
+  const NSRef<NSString> path = NSString::stringWithUTF8String(utf8Of(state));
   for (auto _ : state) benchmark::DoNotOptimize(CXKeyValueCoding::stringByAppendingKeyPath(*path, "name"));
 }
 
 void keyPathMade(benchmark::State& state) {
-  const Ref<NSString> name = NSString::stringWithUTF8String(utf8Of(state));
+  const NSRef<NSString> name = NSString::stringWithUTF8String(utf8Of(state));
   for (auto _ : state)
     benchmark::DoNotOptimize(CXKeyValueCoding::stringWithKeyPathComponents({name, name, name}));
 }

@@ -6,10 +6,10 @@
 
 namespace {
 
-Ref<NSString> text(const char* utf8) { return NSString::stringWithUTF8String(utf8); }
+NSRef<NSString> text(const char* utf8) { return NSString::stringWithUTF8String(utf8); }
 
 void ours(benchmark::State& state, const char* type, const char* other, bool expected) {
-  const Ref<NSString> a = text(type), b = text(other);
+  const NSRef<NSString> a = text(type), b = text(other);
   if (VXUTTypeConformsTo(a, b) != expected) state.SkipWithError("not the expected answer");
   for (auto _ : state) benchmark::DoNotOptimize(VXUTTypeConformsTo(a, b));
 }

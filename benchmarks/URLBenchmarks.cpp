@@ -14,7 +14,7 @@ using Make = Bytes (*)(std::size_t);
 
 /// About `size` bytes of percent-encoded text, cut between escapes.
 Bytes encodedText(Make make, std::size_t size) {
-  const RefPtr<NSData> data = VXURLEncodeData(dataOf(make(size)));
+  const NSRefPtr<NSData> data = VXURLEncodeData(dataOf(make(size)));
   const std::span<const std::byte> encoded = data->bytes();
   Bytes text;
   for (std::size_t i = 0; text.size() + 3 <= size;) {
@@ -28,7 +28,7 @@ Bytes encodedText(Make make, std::size_t size) {
 
 void registerEncoders(const std::string& operation, Make make) {
   ours(operation, [make](std::size_t size) {
-    return Trial{size, [data = RefPtr<NSData>(dataOf(make(size)))] { return VXURLEncodeData(data); }};
+    return Trial{size, [data = NSRefPtr<NSData>(dataOf(make(size)))] { return VXURLEncodeData(data); }};
   });
   contestant(operation, "GLib", Checks::all, make, [](const Bytes& bytes) {
     return std::unique_ptr<char, void (*)(void*)>(
@@ -45,7 +45,7 @@ void registerEncoders(const std::string& operation, Make make) {
 void registerDecoders(const std::string& operation, Make make) {
   ours(operation, [make](std::size_t size) {
     const auto text = encodedText(make, size);
-    return Trial{text.size(), [data = RefPtr<NSData>(dataOf(text))] { return VXURLDecodeData(data); }};
+    return Trial{text.size(), [data = NSRefPtr<NSData>(dataOf(text))] { return VXURLDecodeData(data); }};
   });
   contestant(operation, "GLib", Checks::all, [make](std::size_t size) {
     const auto text = encodedText(make, size);

@@ -17,7 +17,9 @@ set(soname "libVXFoundation.so.${PROJECT_VERSION_MAJOR}")
 set_target_properties(VXFoundation PROPERTIES
   PREFIX "" SUFFIX "" OUTPUT_NAME VXFoundation NO_SONAME ON
   LIBRARY_OUTPUT_DIRECTORY "${built_bundle}")
-target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}")
+# Functions bind within the library, whatever a host defines. Constants and tables of virtual functions stay
+# shared with the host, which a program that is not position-independent needs: their prefixes keep them apart.
+target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}" "LINKER:-Bsymbolic-functions")
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")  # whose run time comes with the program
   target_link_options(VXFoundation PRIVATE "LINKER:--no-undefined")
 endif()

@@ -12,25 +12,24 @@ namespace {
 void report(const char* what, bool done) { std::cout << what << ": " << (done ? "done" : "failed") << '\n'; }
 
 /// Gives an error the ways out of it that a user may choose from.
-Ref<NSError> withRecovery(const NSError& error, const Ref<VXErrorRecoveryAttempter>& attempter) {
-  const Ref<NSMutableDictionary> userInfo = error.userInfo()->mutableCopy();
+NSRef<NSError> withRecovery(const NSError& error, const NSRef<VXErrorRecoveryAttempter>& attempter) {
+  const NSRef<NSMutableDictionary> userInfo = error.userInfo()->mutableCopy();
   userInfo->setObject(attempter, NSRecoveryAttempterErrorKey);
   userInfo->setObject(attempter->recoveryOptions(), NSLocalizedRecoveryOptionsErrorKey);
   return NSError::errorWithDomain(error.domain(), error.code(), userInfo);
 }
 
-/// What a window would do: show the description and the options, and try the one that was chosen.
-bool present(const Ref<NSError>& error, std::size_t chosen) {
-  const auto options =
-      dynamicCast<NSArray>(error->userInfo()->objectForKey(NSLocalizedRecoveryOptionsErrorKey));
-  const auto attempter =
-      dynamicCast<VXErrorRecoveryAttempter>(error->userInfo()->objectForKey(NSRecoveryAttempterErrorKey));
-  std::cout << *error->localizedDescription() << "\n  options: " << *options->componentsJoinedByString(", ")
-            << "\n  chosen: " << *options->objectAtIndex(chosen)->description() << '\n';
-  return attempter->attemptRecoveryFromError(error, chosen);
-}
+/// What a window would do: show the description and the options, and take the user's choice, here the first.
+class Presenter final : public NSErrorPresenter {
+  std::optional<std::size_t> choose(const NSError& error, const NSArray& localizedOptions) override {
+    std::cout << *error.localizedDescription()
+              << "\n  options: " << *localizedOptions.componentsJoinedByString(", ")
+              << "\n  chosen: " << *localizedOptions.objectAtIndex(0)->description() << '\n';
+    return 0;
+  }
+};
 
-bool replacePassword(Text username, Text serviceName, Text password) {
+bool replacePassword(NSStringArg username, NSStringArg serviceName, NSStringArg password) {
   const auto item = VXGenericKeychainItem::findKeychainItemForUsername(username, serviceName);
   if (!item->refreshItemFromKeychainIncludePassword(false)) return false;
   item->setPassword(password);
@@ -38,7 +37,7 @@ bool replacePassword(Text username, Text serviceName, Text password) {
 }
 
 void genericPassword() {
-  RefPtr<NSError> error;
+  NSRefPtr<NSError> error;
   const auto item = VXGenericKeychainItem::keychainItemWithUsername("ann", "first secret", "Mail", "mail");
   report("add ann's password for mail", item->addItemToKeychain(&error));
 
@@ -46,9 +45,9 @@ void genericPassword() {
   report("add it again", twin->addItemToKeychain(&error));
   const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
   attempter->addRecoveryOptionWithLocalizedTitle(
-      "Replace", [](const RefPtr<NSError>&) { return replacePassword("ann", "mail", "second secret"); });
+      "Replace", [](const NSRefPtr<NSError>&) { return replacePassword("ann", "mail", "second secret"); });
   attempter->addCancelRecoveryOption();
-  report("recover", present(withRecovery(*error, attempter), 0));
+  report("recover", Presenter().presentError(withRecovery(*error, attempter)));
 
   const auto found = VXGenericKeychainItem::findKeychainItemForUsername("ann", "mail");
   report("look it up", found->refreshItemFromKeychainIncludePassword(true, &error));

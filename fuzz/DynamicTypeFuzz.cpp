@@ -1,11 +1,11 @@
 #include <Foundation/NSUnicode.h>
-#include <VXFoundation/VXUTTypeDynamicIdentifier.h>
+#include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
 
 #include <algorithm>
 #include <map>
 
-#include "fuzz/Fuzz.h"
-#include "tests/DynamicIdentifiers.h"
+#include "tests/support/DynamicIdentifiers.h"
+#include "tests/support/Fuzz.h"
 
 // Dynamic type identifiers: any two are related or not without harm, and what is packed here is unpacked
 // there. An input is two identifiers, or the texts that two pack, with a line break between them.
@@ -32,14 +32,14 @@ bool offersAll(const Pairs& offered, const Pairs& required) {
   });
 }
 
-Ref<NSString> textOf(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
+NSRef<NSString> textOf(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
 
 void unpack(std::string_view bytes) {
-  const Ref<NSString> identifier = textOf(packed(bytes));
-  const RefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(*identifier);
+  const NSRef<NSString> identifier = textOf(packed(bytes));
+  const NSRefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(*identifier);
   fuzzRequire(text ? text->UTF8String() == bytes : !NSIsASCII(bytes), "what is packed can be unpacked");
   if (!text) return;
-  const RefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*identifier);
+  const NSRefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*identifier);
   const Pairs pairs = pairsOf(bytes);
   fuzzRequire(map->count() == pairs.size(), "the map has no other pairs");
   for (const auto& [key, value] : pairs)
@@ -56,8 +56,8 @@ void relatePacked(std::string_view first, std::string_view second) {
 }
 
 void relate(std::string_view first, std::string_view second) {
-  const RefPtr<NSString> type = NSString::stringWithUTF8String(first);
-  const RefPtr<NSString> other = NSString::stringWithUTF8String(second);
+  const NSRefPtr<NSString> type = NSString::stringWithUTF8String(first);
+  const NSRefPtr<NSString> other = NSString::stringWithUTF8String(second);
   VXUTTypeConformsTo(type, other);
   fuzzRequire(!type || VXUTTypeConformsTo(type, type), "a type conforms to itself");
 }

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "VXFoundation/kernels/CodecDispatch.h"
-#include "fuzz/Fuzz.h"
+#include "tests/support/Fuzz.h"
 
 // Percent coding: every set of kernels does what the scalar one does, in buffers of exactly the room that
 // they ask for, and each direction undoes the other. The first byte of an input names the set in use.
@@ -39,11 +39,11 @@ void compareKernels(const Bytes& input) {
 }
 
 void decodeText(std::string_view input) {
-  const RefPtr<NSString> text = NSString::stringWithUTF8String(input);
+  const NSRefPtr<NSString> text = NSString::stringWithUTF8String(input);
   if (!text) return;
-  const RefPtr<NSString> encodedText = VXURLEncodeString(text);
+  const NSRefPtr<NSString> encodedText = VXURLEncodeString(text);
   fuzzRequire(text->isEqual(VXURLDecodeString(encodedText)), "an encoded text decodes to itself");
-  const RefPtr<NSString> decodedText = VXURLDecodeString(text);
+  const NSRefPtr<NSString> decodedText = VXURLDecodeString(text);
   if (!decodedText || decodedText->length() == 0) return;
   fuzzRequire(text->isASCII(), "no decoded text comes from other than ASCII");
   fuzzRequire(decodedText->isEqual(VXURLDecodeString(VXURLEncodeString(decodedText))),

@@ -1,14 +1,14 @@
 #include <Foundation/Foundation.h>
 #include <Foundation/NSPropertyList.h>
 
-#include "fuzz/Fuzz.h"
+#include "tests/support/Fuzz.h"
 
 // Property lists: any bytes give absent or an object, the same one every time, that can be described,
 // compared and let go of.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = FuzzInput(data, size).rest();
-  const RefPtr<NSObject> object = NSPropertyListWithData(fuzzBytes(text));
-  const RefPtr<NSObject> again = NSPropertyListWithData(fuzzBytes(text));
+  const NSRefPtr<NSObject> object = NSPropertyListWithData(fuzzBytes(text));
+  const NSRefPtr<NSObject> again = NSPropertyListWithData(fuzzBytes(text));
   fuzzRequire(!object == !again, "a property list is one every time");
   if (!object) return 0;
   fuzzRequire(object->isEqual(again) && object->hash() == again->hash(), "a property list is read alike");

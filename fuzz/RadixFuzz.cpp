@@ -1,6 +1,6 @@
 #include "VXFoundation/kernels/CodecDispatch.h"
-#include "fuzz/Fuzz.h"
-#include "tests/Notations.h"
+#include "tests/support/Fuzz.h"
+#include "tests/support/Notations.h"
 
 // Base 64, 32 and 16: every set of kernels does what the scalar one does, a text is decoded or refused by the
 // rules, and what decodes is encoded to its normal form. The first byte of an input says how to use it, the
@@ -32,7 +32,7 @@ void compareKernels(const Notation& notation, std::string_view input) {
 }
 
 void decodeAndEncode(const Notation& notation, const std::string& text) {
-  const RefPtr<NSData> data =
+  const NSRefPtr<NSData> data =
       notation.decode(NSString::stringWithCharacters(std::u16string(text.begin(), text.end())));
   const Bytes expected = notation.decodedByRule(text);
   fuzzRequire(bytesOf(data) == expected, "a text is decoded or refused by the rules");

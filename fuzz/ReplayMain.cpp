@@ -3,7 +3,7 @@
 #include <iostream>
 #include <iterator>
 
-#include "fuzz/Fuzz.h"
+#include "tests/support/Fuzz.h"
 
 // Runs a target without a fuzzer, on every file of the folders that are named.
 //

@@ -1,5 +1,5 @@
-#include "fuzz/Fuzz.h"
-#include "tests/SecFileTests.h"
+#include "tests/support/Fuzz.h"
+#include "tests/support/SecFileTests.h"
 
 // The store file as a whole, damaged in any way: each look-up gives what was kept or a status, a file that
 // cannot be read stays as it is, and a change is refused or loses nothing.

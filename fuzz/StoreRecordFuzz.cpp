@@ -1,8 +1,8 @@
-#include "Security/SecFileRow.h"
+#include "Security/FileStore/SecFileEntryCoding.h"
 
 #include <optional>
 
-#include "fuzz/Fuzz.h"
+#include "tests/support/Fuzz.h"
 
 // The record of one entry in a store file: any bytes are an entry or damaged, and nothing of an entry is
 // lost when it is written again.

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "fuzz/Fuzz.h"
+#include "tests/support/Fuzz.h"
 
 // Text conversions: beside those of the C library, which is strict, too, and against each other.
 namespace {
@@ -37,7 +37,7 @@ void fromUTF8(std::string_view bytes) {
   fuzzRequire(units.has_value() == theirs.has_value(), "what is UTF-8 is the same for all");
   if (!units) return;
   fuzzRequire(*units == unitsFrom(*theirs), "UTF-8 is converted alike");
-  const RefPtr<NSString> text = NSString::stringWithUTF8String(bytes);
+  const NSRefPtr<NSString> text = NSString::stringWithUTF8String(bytes);
   fuzzRequire(text->isEqual(NSString::stringWithCharacters(*units)), "both ways make one text");
   fuzzRequire(text->UTF8String() == bytes, "UTF-8 comes back as it was");
   fuzzRequire(text->isASCII() == NSIsASCII(bytes), "ASCII is kept as ASCII");
@@ -46,27 +46,27 @@ void fromUTF8(std::string_view bytes) {
 void fromUTF16(std::u16string_view units, std::string_view bytes) {
   const auto utf8 = NSUTF8FromUTF16(units);
   fuzzRequire(utf8 == converted("UTF-16LE", "UTF-8", bytes), "UTF-16 is converted alike");
-  const Ref<NSString> text = NSString::stringWithCharacters(units);
+  const NSRef<NSString> text = NSString::stringWithCharacters(units);
   fuzzRequire(std::u16string(*text) == units, "units come back as they were");
   fuzzRequire(text->UTF8String() == utf8, "a text converts as its units do");
 }
 
 /// Cut at every separator and put together again, a text is what it was.
-void takeApart(const Ref<NSString>& text, const std::u16string& separator) {
-  const Ref<NSString> mark = NSString::stringWithCharacters(separator);
-  const Ref<NSArray> pieces = text->componentsSeparatedByString(mark);
-  for (const Ref<NSObject> piece : *pieces)
+void takeApart(const NSRef<NSString>& text, const std::u16string& separator) {
+  const NSRef<NSString> mark = NSString::stringWithCharacters(separator);
+  const NSRef<NSArray> pieces = text->componentsSeparatedByString(mark);
+  for (const NSRef<NSObject> piece : *pieces)
     fuzzRequire(separator.empty() ||
-                    std::u16string(*dynamicCast<NSString>(piece)).find(separator) == std::u16string::npos,
+                    std::u16string(*NSDynamicCast<NSString>(piece)).find(separator) == std::u16string::npos,
                 "no piece has a separator");
-  const Ref<NSString> joined = pieces->componentsJoinedByString(mark);
+  const NSRef<NSString> joined = pieces->componentsJoinedByString(mark);
   fuzzRequire(text->isEqual(joined), "pieces and separators make the text");
   fuzzRequire(text->hash() == joined->hash(), "equal texts have one hash");
 }
 
-void fillIn(const Ref<NSString>& format) {
+void fillIn(const NSRef<NSString>& format) {
   try {
-    NSFormat(*format, {FormatArgument(format), FormatArgument(7)});
+    NSFormat(*format, {NSFormatArg(format), NSFormatArg(7)});
   } catch (const NSException&) {
     // a format that does not fit its arguments is refused this way
   }
@@ -79,7 +79,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fromUTF8(bytes);
   const std::u16string units = unitsFrom(bytes);
   fromUTF16(units, bytes.substr(0, units.size() * 2));
-  const Ref<NSString> text = NSString::stringWithCharacters(units);
+  const NSRef<NSString> text = NSString::stringWithCharacters(units);
   takeApart(text, units.substr(0, 1));
   takeApart(text, units.substr(0, 2));
   fillIn(text);

@@ -2,8 +2,8 @@
 #include <iostream>
 #include <sstream>
 
-#include "fuzz/Fuzz.h"
-#include "tests/SecFileTests.h"
+#include "tests/support/Fuzz.h"
+#include "tests/support/SecFileTests.h"
 
 int toolMain(int argc, char** argv);
 

@@ -1,11 +1,11 @@
-#include "Bytes.h"
-#include "Support.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/Support.h"
 
 using CXKeyValueCoding::stringByAppendingKeyPath;
 using CXKeyValueCoding::stringWithKeyPathComponents;
 
 TEST(CXKeyValueCoding, ComponentsAreJoinedUpToTheFirstNil) {
-  const RefPtr<NSString> nil;
+  const NSRefPtr<NSString> nil;
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({})), std::nullopt);
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({nil, "a"})), std::nullopt);
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a"})), "a");

@@ -1,4 +1,4 @@
-#include "KernelsTests.h"
+#include "tests/support/KernelsTests.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Bytes.h"
-#include "GuardedBuffer.h"
-#include "KernelsTests.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/GuardedBuffer.h"
+#include "tests/support/KernelsTests.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "GuardedBuffer.h"
-#include "KernelsTests.h"
-#include "Notations.h"
-#include "Support.h"
+#include "tests/support/GuardedBuffer.h"
+#include "tests/support/KernelsTests.h"
+#include "tests/support/Notations.h"
+#include "tests/support/Support.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ TEST_P(KernelsRadix, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
       std::copy_n(bytes.begin(), length, from.begin());
       text.fill('?');
       const auto written = text.last(expected.size(), gap);
-      (kernels.*notation.encodeKernel)(from.data(), length, written.data());
+      (kernels.*notation.kernel).encode(from.data(), length, written.data());
       ASSERT_EQ(std::string_view(written.data(), written.size()), expected)
           << length << " bytes, gap " << gap;
       ASSERT_TRUE(text.isFilledBeside(written, '?')) << length << " bytes, gap " << gap;
@@ -66,7 +66,7 @@ TEST_P(KernelsRadix, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
       const auto digits = text.last(notation.digits(length), gap);
       std::copy_n(expected.begin(), digits.size(), digits.begin());
       const auto back = result.last(length, gap);
-      ASSERT_TRUE((kernels.*notation.decodeKernel)(digits.data(), digits.size(), back.data()));
+      ASSERT_TRUE((kernels.*notation.kernel).decode(digits.data(), digits.size(), back.data()));
       ASSERT_EQ(asText(back), asText(from)) << length << " bytes, gap " << gap;
       ASSERT_TRUE(result.isFilledBeside(back, std::byte{0xA5})) << length << " bytes, gap " << gap;
     }

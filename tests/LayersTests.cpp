@@ -4,7 +4,7 @@
 #include <regex>
 #include <set>
 
-#include "Support.h"
+#include "tests/support/Support.h"
 
 namespace {
 
@@ -16,10 +16,11 @@ class LayersTest : public testing::TestWithParam<std::vector<std::string>> {};
 
 TEST_P(LayersTest, StandsOnWhatIsBelowItOnly) {
   static const std::regex directive(R"(\s*#\s*include\s*[<"]([^>"]+)[>"].*)");
-  const std::regex included(GetParam().at(1)), forbidden(R"(\b()" + GetParam().at(2) + R"()\b)");
+  const std::regex files(".*\\" + GetParam().at(1)), included(GetParam().at(2)),
+      forbidden(R"(\b()" + GetParam().at(3) + R"()\b)");
   int sources = 0;
   for (const auto& entry : fs::directory_iterator(fs::path(VX_SOURCES) / GetParam().at(0))) {
-    if (!isSource(entry.path())) continue;
+    if (!isSource(entry.path()) || !std::regex_match(entry.path().filename().string(), files)) continue;
     ++sources;
     std::ifstream file(entry.path());
     for (std::string line; std::getline(file, line);) {
@@ -34,7 +35,7 @@ TEST_P(LayersTest, StandsOnWhatIsBelowItOnly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Folders, LayersTest, testing::ValuesIn(vectors("layers.tsv")), [](const auto& row) {
-  return std::regex_replace(row.param[0], std::regex("/"), "_");
+  return std::regex_replace(row.param[0] + row.param[1], std::regex("[/.*]+"), "_");
 });
 
 TEST(LayersTest, EveryFolderOfSourcesHasItsRule) {

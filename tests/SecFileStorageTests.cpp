@@ -4,8 +4,8 @@
 
 #include <set>
 
-#include "SecFileTests.h"
-#include "SecStorageConformance.h"
+#include "tests/support/SecFileTests.h"
+#include "tests/support/SecStorageConformance.h"
 
 namespace {
 
@@ -69,7 +69,7 @@ struct ClosedStore {
   TemporaryPlace temporary;
 };
 
-/// Carries out store-steps.txt.
+/// Carries out SecFileStorage.txt.
 class StoreSteps {
  public:
   std::string answerTo(const std::string& step) {
@@ -211,7 +211,7 @@ TEST(SecFileStorage, DoesWhatTheScriptSays) {
     EXPECT_EQ(steps->answerTo(step), answer);
   };
   EXPECT_GT(runScript(
-                "store-steps.txt", [&] { steps.emplace(); }, expectStep),
+                "SecFileStorage.txt", [&] { steps.emplace(); }, expectStep),
             50u);
 }
 
@@ -219,12 +219,11 @@ TEST(SecFileStorage, AFailureThatTheWorkHidesUndoesItAll) {
   const TemporaryPlace temporary;
   Passwords passwords;
   ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);
-  const auto hideFailure = [](SecTransaction& store) -> OSStatus {
+  const auto hideFailure = [](SecTransaction& store) {
     store.insert(Passwords::entryOf("a", "b"));
-    store.insert(Passwords::entryOf("a", "c"));
-    return errSecSuccess;
+    EXPECT_THROW(store.insert(Passwords::entryOf("a", "c")), SecFailure);
   };
-  EXPECT_EQ(passwords.storage->transact(SecStorage::Access::change, hideFailure), errSecDuplicateItem);
+  EXPECT_EQ(passwords.storage->transact(SecStorage::Access::change, hideFailure), errSecParam);
   Passwords::Found found;
   EXPECT_EQ(passwords.look("a", found), errSecSuccess);
   EXPECT_FALSE(found);

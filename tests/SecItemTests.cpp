@@ -1,4 +1,4 @@
-#include "SecStorageConformance.h"
+#include "tests/support/SecStorageConformance.h"
 
 using SecItemTest = KeychainTest;
 
@@ -10,23 +10,23 @@ TEST_F(SecItemTest, MapsAreNeitherKeptNorChanged) {
   const auto map =
       writtenMap("class=generic account=ann valueData=secret returnAttributes=1 returnData=1")->mutableCopy();
   const std::string before = shown(map);
-  RefPtr<NSDictionary> added, found, foundAgain;
+  NSRefPtr<NSDictionary> added, found, foundAgain;
   ASSERT_EQ(SecItemAdd(map, &added), errSecSuccess);
   ASSERT_EQ(SecItemCopyMatching(map, &found), errSecSuccess);
   EXPECT_EQ(SecItemUpdate(map, map), errSecSuccess);
   EXPECT_EQ(shown(map), before);
   EXPECT_EQ(shown(added), "class=generic password account=ann");
-  dynamicCast<NSMutableDictionary>(found)->removeAllObjects();
+  NSDynamicCast<NSMutableDictionary>(found)->removeAllObjects();
   map->setObject(dataOf("other"), kSecValueData);
   ASSERT_EQ(SecItemCopyMatching(map, &foundAgain), errSecSuccess);
   EXPECT_EQ(shown(foundAgain), "class=generic password account=ann valueData=secret");
-  EXPECT_TRUE(dynamicCast<NSData>(foundAgain->objectForKey(kSecValueData))->holdsSecret());
+  EXPECT_TRUE(NSDynamicCast<NSData>(foundAgain->objectForKey(kSecValueData))->holdsSecret());
 }
 
 TEST_F(SecItemTest, AFailureOfTheStoreIsTheStatusAndLeavesTheResultAlone) {
   const auto query = writtenMap("class=generic account=ann returnAttributes=1");
-  const RefPtr<NSDictionary> untouched = NSDictionary::dictionary();
-  RefPtr<NSDictionary> result = untouched;
+  const NSRefPtr<NSDictionary> untouched = NSDictionary::dictionary();
+  NSRefPtr<NSDictionary> result = untouched;
   for (const OSStatus status : {errSecIO, errSecDiskFull, errSecBusy, errSecDecode, errSecAllocate}) {
     answerAlways(status);
     EXPECT_EQ(SecItemAdd(query, &result), status);

@@ -1,4 +1,4 @@
-// The tool as a person at a terminal meets it: vectors/terminal.txt, which says how it is written.
+// The tool as a person at a terminal meets it: scripts/ToolTerminal.txt, which says how it is written.
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <optional>
 
-#include "Files.h"
-#include "Script.h"
+#include "tests/support/Files.h"
+#include "tests/support/Script.h"
 
 namespace {
 
@@ -104,5 +104,5 @@ TEST(ToolTerminal, SaysWhatTheScriptSays) {
     setenv("XDG_CONFIG_HOME", folder->root.c_str(), 1);
     setenv("LC_ALL", "C", 1);
   };
-  EXPECT_GT(runScript("terminal.txt", begin, expectStep), 10u);
+  EXPECT_GT(runScript("ToolTerminal.txt", begin, expectStep), 10u);
 }

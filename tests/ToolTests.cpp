@@ -1,45 +1,104 @@
-// The tool as a person meets it: each line of vectors/tool.tsv is a shell command with the exit status,
-// the output and the message that it must give. $tool is the tool; the folder is empty to begin with.
+// The tool as a person at a shell meets it: scripts/Tool.txt and, for what takes one line, vectors/tool.tsv.
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <regex>
+#include <sstream>
 
-#include "Files.h"
-#include "Support.h"
+#include "tests/support/Files.h"
+#include "tests/support/Support.h"
 
 namespace {
 
-class ToolTest : public testing::TestWithParam<std::vector<std::string>> {
- protected:
-  int run(const std::string& command) {
-    setenv("tool", VX_TOOL, 1);
-    setenv("folder", folder_.root.c_str(), 1);
-    setenv("LC_ALL", "C", 1);
-    writeFile(folder_.root / "script", command + '\n');
-    const int status =
-        std::system("mkdir $folder/work; cd $folder/work && sh ../script </dev/null >../output 2>../message");
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+struct Command {
+  std::string text;
+  std::string output;   // "*\n" for any
+  std::string message;  // a regular expression
+  int status = 0;
+};
+
+struct Case {
+  std::string name;
+  std::vector<Command> commands;
+};
+
+/// The cases of vectors/tool.tsv, of one command each.
+void addTable(std::vector<Case>& cases) {
+  for (auto row : vectors("tool.tsv")) {
+    row.resize(5);
+    cases.push_back({row[0], {{row[1], row[3].empty() ? "" : row[3] + '\n', row[4], std::stoi(row[2])}}});
   }
-  std::string written(const char* name) { return readFile(folder_.root / name); }
+}
+
+void addLine(Case& current, const std::string& line) {
+  std::vector<Command>& commands = current.commands;
+  if (line.starts_with("$ "))
+    commands.push_back({line.substr(2), "", "", 0});
+  else if (line.starts_with("? "))
+    commands.back().status = std::stoi(line.substr(2));
+  else if (line.starts_with("! "))
+    commands.back().message = line.substr(2);
+  else if (line.starts_with("> "))
+    commands.back().text += '\n' + line.substr(2);
+  else
+    commands.back().output += line + '\n';
+}
+
+std::vector<Case> allCases() {
+  std::vector<Case> cases;
+  addTable(cases);
+  std::ifstream script(VX_TESTS "/scripts/Tool.txt");
+  for (std::string line; std::getline(script, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    if (line.front() == '[')
+      cases.push_back({line.substr(1, line.size() - 2), {}});
+    else
+      addLine(cases.back(), line);
+  }
+  return cases;
+}
+
+class ToolTest : public testing::TestWithParam<Case> {
+ protected:
+  /// Runs all commands in one shell, each with its output, messages and status in files of its own.
+  void run(const std::vector<Command>& commands) {
+    std::ostringstream script;
+    for (std::size_t i = 0; i < commands.size(); ++i)
+      script << "{\n"
+             << commands[i].text << "\n} >../output" << i << " 2>../message" << i << "\necho $? >../status"
+             << i << '\n';
+    setenv("tool", VX_TOOL, 1);
+    setenv("LC_ALL", "C", 1);
+    std::filesystem::create_directory(folder_.root / "work");
+    setenv("XDG_CONFIG_HOME", (folder_.root / "work").c_str(), 1);
+    writeFile(folder_.root / "script", script.str());
+    EXPECT_EQ(std::system(("cd " + (folder_.root / "work").string() + " && sh ../script </dev/null").c_str()),
+              0);
+  }
+  std::string written(const char* name, std::size_t command) {
+    return readFile(folder_.root / (name + std::to_string(command)));
+  }
 
  private:
   TemporaryFolder folder_;
 };
 
-TEST_P(ToolTest, AnswersAsTheTableSays) {
-  auto row = GetParam();
-  row.resize(5);
-  const auto& [command, status, output, message] = std::tie(row[1], row[2], row[3], row[4]);
-  EXPECT_EQ(run(command), std::stoi(status)) << written("message");
-  if (output != "*") {
-    EXPECT_EQ(written("output"), output.empty() ? "" : output + '\n');
+TEST_P(ToolTest, DoesWhatTheTranscriptSays) {
+  const auto& commands = GetParam().commands;
+  run(commands);
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    const Command& command = commands[i];
+    const std::string message = written("message", i);
+    EXPECT_EQ(written("status", i), std::to_string(command.status) + '\n') << command.text << '\n' << message;
+    if (command.output != "*\n") {
+      EXPECT_EQ(written("output", i), command.output) << command.text;
+    }
+    const std::string expected = command.message.empty() ? "" : "(vxfoundation: )?" + command.message + '\n';
+    EXPECT_TRUE(std::regex_match(message, std::regex(expected))) << command.text << '\n' << message;
   }
-  const std::string lines = message.empty() ? "" : "vxfoundation: " + message + '\n';
-  EXPECT_TRUE(std::regex_match(written("message"), std::regex(lines))) << written("message");
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, ToolTest, testing::ValuesIn(vectors("tool.tsv")),
-                         [](const auto& test) { return test.param[0]; });
+INSTANTIATE_TEST_SUITE_P(Transcripts, ToolTest, testing::ValuesIn(allCases()),
+                         [](const auto& test) { return test.param.name; });
 
 }  // namespace

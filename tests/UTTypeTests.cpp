@@ -8,7 +8,7 @@
 #include <set>
 #include <thread>
 
-#include "Support.h"
+#include "tests/support/Support.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ struct BuiltInType {
 };
 
 const std::vector<BuiltInType> builtInTypes = {
-#include <CoreServices/UTBuiltInTypes.inc>
+#include <CoreServices/Internal/UTBuiltInTypes.inc>
 };
 
 bool conforms(std::string_view type, std::string_view other) {
@@ -35,7 +35,7 @@ std::int64_t declare(const std::string& exported) {
   const auto path = std::filesystem::temp_directory_path() / ("vxfoundation-" + std::to_string(getpid()));
   std::ofstream(path) << "<plist version=\"1.0\"><dict><key>UTExportedTypeDeclarations</key>" << exported
                       << "</dict></plist>";
-  RefPtr<NSError> error;
+  NSRefPtr<NSError> error;
   const bool done = UTTypeDeclareTypesInFile(text(path.string()), &error);
   std::filesystem::remove(path);
   EXPECT_NE(done, bool(error));
@@ -84,8 +84,8 @@ TEST(UTType, RefusedDeclarationsChangeNothing) {
     EXPECT_EQ(declare(row.at(1)), std::stoi(row.at(0))) << row[1];
     EXPECT_FALSE(conforms("org.example.good", "public.png")) << row[1];
   }
-  RefPtr<NSError> error;
-  for (const Text path : {Text("/nonexistent"), Text("/"), Text(nullptr)}) {
+  NSRefPtr<NSError> error;
+  for (const NSStringArg path : {NSStringArg("/nonexistent"), NSStringArg("/"), NSStringArg(nullptr)}) {
     EXPECT_FALSE(UTTypeDeclareTypesInFile(path) || UTTypeDeclareTypesInFile(path, &error));
     EXPECT_EQ(error->code(), UTTypeErrorUnreadable);
   }

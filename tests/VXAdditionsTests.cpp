@@ -1,7 +1,7 @@
 #include <random>
 
-#include "Bytes.h"
-#include "RecordedAssertions.h"
+#include "tests/support/Bytes.h"
+#include "tests/support/RecordedAssertions.h"
 
 using VXAdditions::vxfoundation_arrayByRemovingObjectsInArray;
 using VXAdditions::vxfoundation_combinationsJoined;
@@ -9,13 +9,13 @@ using VXAdditions::vxfoundation_map;
 
 namespace {
 
-using Mapping = Ref<NSObject>(const Ref<NSObject>&, std::size_t, bool*);
+using Mapping = NSRef<NSObject>(const NSRef<NSObject>&, std::size_t, bool*);
 
 std::string joined(const NSArray& list) { return *bytesOf(list.componentsJoinedByString("|")); }
 
-const Ref<NSArray> letters = NSArray::arrayWithObjects({"a", "b", "c"});
+const NSRef<NSArray> letters = NSArray::arrayWithObjects({"a", "b", "c"});
 
-Ref<NSObject> numbered(const Ref<NSObject>& element, std::size_t index, bool*) {
+NSRef<NSObject> numbered(const NSRef<NSObject>& element, std::size_t index, bool*) {
   return NSString::stringWithFormat("%@%lu", element, index);
 }
 
@@ -37,12 +37,12 @@ TEST(VXAdditions, CombinationsCountLikeAnOdometer) {
     ASSERT_EQ(results->count(), product);
     for (std::size_t k = 0, place = k; k < product; place = ++k) {
       std::string expected;
-      for (const Ref<NSObject> each : *lists) {
-        const RefPtr<NSArray> list = dynamicCast<NSArray>(each);
+      for (const NSRef<NSObject> each : *lists) {
+        const NSRefPtr<NSArray> list = NSDynamicCast<NSArray>(each);
         expected += *bytesOf(list->objectAtIndex(place % list->count())->description());
         place /= list->count();
       }
-      ASSERT_EQ(bytesOf(dynamicCast<NSMutableString>(results->objectAtIndex(k))), expected);
+      ASSERT_EQ(bytesOf(NSDynamicCast<NSMutableString>(results->objectAtIndex(k))), expected);
     }
   }
 }
@@ -50,7 +50,7 @@ TEST(VXAdditions, CombinationsCountLikeAnOdometer) {
 TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
   const auto number = NSNumber::numberWithInteger(1);
   const auto numbers = NSArray::arrayWithObject(number);
-  const auto combine = [](std::initializer_list<Object> lists) {
+  const auto combine = [](std::initializer_list<NSObjectArg> lists) {
     return raised([&] { vxfoundation_combinationsJoined(NSArray::arrayWithObjects(lists)); });
   };
   EXPECT_EQ(combine({numbers}), "NSInvalidArgumentException");
@@ -60,10 +60,11 @@ TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
 
 TEST(VXAdditions, MapEndsWithTheElementThatSetsTheStopFlag) {
   for (std::size_t last = 0; last < 5; ++last) {
-    const auto mapped = vxfoundation_map(*letters, [&](const Ref<NSObject>& element, auto index, bool* stop) {
-      *stop = index == last;
-      return numbered(element, index, stop);
-    });
+    const auto mapped =
+        vxfoundation_map(*letters, [&](const NSRef<NSObject>& element, auto index, bool* stop) {
+          *stop = index == last;
+          return numbered(element, index, stop);
+        });
     EXPECT_EQ(joined(*mapped), std::string("a0|b1|c2").substr(0, 3 * std::min<std::size_t>(last, 2) + 2));
   }
 }
@@ -73,12 +74,12 @@ TEST(VXAdditions, MapTakesAnythingCallable) {
   auto counting = [count = std::make_unique<int>(0)](const auto& element, auto...) {
     return NSString::stringWithFormat("%@%d", element, (*count)++);
   };
-  const RefPtr<NSBlock<Mapping>> block(numbered);
+  const NSRefPtr<NSBlock<Mapping>> block(numbered);
   EXPECT_EQ(map(numbered), "a0|b1|c2");
   EXPECT_EQ(map(&numbered), "a0|b1|c2");
   EXPECT_EQ(map(counting), "a0|b1|c2");
   EXPECT_EQ(map(block), "a0|b1|c2");
-  EXPECT_EQ(map([](const Ref<NSObject>& element, auto...) { return element; }), "a|b|c");
+  EXPECT_EQ(map([](const NSRef<NSObject>& element, auto...) { return element; }), "a|b|c");
 }
 
 TEST(VXAdditions, MapAssertsItsCallableAndWhatThatMakes) {
@@ -96,20 +97,20 @@ TEST(VXAdditions, MapAssertsItsCallableAndWhatThatMakes) {
   check(nullptr, noCallable, 1);
   check(static_cast<Mapping*>(nullptr), noCallable, 1);
   check(std::function<Mapping>(), noCallable, 1);
-  check(RefPtr<NSBlock<Mapping>>(), noCallable, 1);
-  check([](auto...) { return RefPtr<NSString>(); },
+  check(NSRefPtr<NSBlock<Mapping>>(), noCallable, 1);
+  check([](auto...) { return NSRefPtr<NSString>(); },
         "88 Invalid parameter not satisfying: mappedObject != nil", 0);
 }
 
 TEST(VXAdditions, MapRaisesWhenTheReceiverChanges) {
   const auto list = letters->mutableCopy();
-  const auto grow = [&](const Ref<NSObject>& element, auto...) { return list->addObject("d"), element; };
+  const auto grow = [&](const NSRef<NSObject>& element, auto...) { return list->addObject("d"), element; };
   EXPECT_EQ(raised([&] { vxfoundation_map(*list, grow); }), "NSGenericException");
 }
 
 TEST(VXAdditions, RemovalTakesAllThatEqualAndLeavesTheReceiver) {
   const auto list = NSArray::arrayWithObjects({"a", "b", "a", "c"});
-  const auto without = [&](const RefPtr<NSArray>& objects) {
+  const auto without = [&](const NSRefPtr<NSArray>& objects) {
     return joined(*vxfoundation_arrayByRemovingObjectsInArray(*list, objects));
   };
   EXPECT_EQ(without(NSArray::arrayWithObjects({"a"})), "b|c");

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "CodecTests.h"
-#include "Notations.h"
+#include "tests/support/CodecTests.h"
+#include "tests/support/Notations.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ TEST_P(VXBaseConversionTests, GoBothWaysWithTheVectorsOfTheStandard) {
 TEST_P(VXBaseConversionTests, DecodeOrRefuseAsTheTableSays) {
   for (const auto& row : byteVectors("base-decoding.tsv")) {
     const auto fixed = text(row[1]);
-    for (const Ref<NSString>& each : {fixed, Ref<NSString>(fixed->mutableCopy())})
+    for (const NSRef<NSString>& each : {fixed, NSRef<NSString>(fixed->mutableCopy())})
       EXPECT_EQ(bytesOf(notationNamed(row[0]).decode(each)), resultIn(row[2])) << row[0] << " " << row[1];
   }
   for (const Notation& notation : notations) EXPECT_FALSE(notation.decode(nullptr));

@@ -1,10 +1,10 @@
 #include <cstdlib>
 
-#include "RecordedAssertions.h"
+#include "tests/support/RecordedAssertions.h"
 
 namespace {
 
-const Ref<NSError> failure = NSError::errorWithDomain("domain", 3, nullptr);
+const NSRef<NSError> failure = NSError::errorWithDomain("domain", 3, nullptr);
 
 struct Listener : NSObject::Subclass<Listener> {
   void didRecover(bool recovered, void* contextInfo) {
@@ -33,15 +33,15 @@ class VXErrorRecovery : public testing::Test {
       attempter->addRecoveryOptionWithLocalizedTitle(text(result ? "yes" : "no"),
                                                      [result](const auto&) { return result; });
   }
-  std::string add(Text title, const RefPtr<VXErrorRecoveryBlock>& block) {
+  std::string add(NSStringArg title, const NSRefPtr<VXErrorRecoveryBlock>& block) {
     return raised([&] { attempter->addRecoveryOptionWithLocalizedTitle(title, block); });
   }
   std::string attempt(std::size_t index) {
     return raised([&] { attempter->attemptRecoveryFromError(failure, index, listener, selector, &context); });
   }
 
-  const Ref<VXErrorRecoveryAttempter> attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
-  const RefPtr<Listener> listener = Listener::alloc();
+  const NSRef<VXErrorRecoveryAttempter> attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
+  const NSRefPtr<Listener> listener = Listener::alloc();
   void (Listener::*selector)(bool, void*) = &Listener::didRecover;
   int context = 0;
 };
@@ -61,13 +61,13 @@ TEST_F(VXErrorRecovery, OptionsKeepTheirOrderInAListOfTheirOwn) {
 TEST_F(VXErrorRecovery, TheActionAtTheIndexGetsTheVeryErrorWithoutADelegateToo) {
   addOptions({false});
   std::vector<NSError*> told;
-  const RefPtr<VXErrorRecoveryBlock> action = [&](const auto& error) {
+  const NSRefPtr<VXErrorRecoveryBlock> action = [&](const auto& error) {
     return told.push_back(error.get()), true;
   };
   EXPECT_EQ(add("once", action) + add("again", action), "nothingnothing");
   EXPECT_FALSE(attempter->attemptRecoveryFromError(failure, 0));
   EXPECT_TRUE(attempter->attemptRecoveryFromError(failure, 2));
-  attempter->attemptRecoveryFromError(failure, 1, RefPtr<Listener>(), selector, nullptr);
+  attempter->attemptRecoveryFromError(failure, 1, NSRefPtr<Listener>(), selector, nullptr);
   attempter->attemptRecoveryFromError(failure, 1, nullptr, nullptr);
   EXPECT_EQ(told, std::vector(3, failure.get()));
 }
@@ -116,7 +116,7 @@ TEST_F(VXErrorRecovery, TitleAndActionAreAsserted) {
   EXPECT_EQ(add("title", nullptr), "NSInternalInconsistencyException");
   EXPECT_EQ(attempter->titles()->count(), 0U);
   RecordedAssertions assertions;
-  EXPECT_EQ(add(nullptr, std::function<bool(const RefPtr<NSError>&)>()), "NSInvalidArgumentException");
+  EXPECT_EQ(add(nullptr, std::function<bool(const NSRefPtr<NSError>&)>()), "NSInvalidArgumentException");
   EXPECT_EQ(assertions.take(), (std::vector{noTitle, noAction}));
   EXPECT_EQ(add("title", nullptr), "NSInvalidArgumentException");
   EXPECT_EQ(assertions.take(), std::vector{noAction});
@@ -140,6 +140,6 @@ TEST_F(VXErrorRecovery, AHostsSubclassMakesItsOwn) {
   struct Refusing : Special::Subclass<Refusing> {
     bool init() override { return false; }
   };
-  EXPECT_EQ(RefPtr<Special>(Special::errorRecoveryAttempter())->isa().name(), "Special");
+  EXPECT_EQ(NSRefPtr<Special>(Special::errorRecoveryAttempter())->isa().name(), "Special");
   EXPECT_FALSE(Refusing::errorRecoveryAttempter());
 }

@@ -1,7 +1,7 @@
 #include <thread>
 
-#include "KeychainSupport.h"
-#include "RecordedAssertions.h"
+#include "tests/support/KeychainSupport.h"
+#include "tests/support/RecordedAssertions.h"
 
 namespace {
 
@@ -9,39 +9,39 @@ namespace {
 class MailItem : public VXGenericKeychainItem::Subclass<MailItem> {
  public:
   using VXGenericKeychainItem::initWithUsername;
-  bool initWithUsername(Text username, Text password, Text label) override {
+  bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label) override {
     return username && VXGenericKeychainItem::initWithUsername(username, password, label);
   }
-  bool dictHasVaildKeychainData(const RefPtr<NSDictionary>& map) const override {
+  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const override {
     validated.push_back(shown(map));
     return !refusing && VXGenericKeychainItem::dictHasVaildKeychainData(map);
   }
-  Ref<NSMutableDictionary> _createAttributesDictionary() const override {
+  NSRef<NSMutableDictionary> _createAttributesDictionary() const override {
     const auto attributes = VXGenericKeychainItem::_createAttributesDictionary();
     attributes->setObject("Mail account", kSecAttrLabel);
     return *(created = attributes);
   }
-  void populateKeychainItemWithKeychainResponse(const RefPtr<NSDictionary>& response) override {
+  void populateKeychainItemWithKeychainResponse(const NSRefPtr<NSDictionary>& response) override {
     populated = response;
     VXGenericKeychainItem::populateKeychainItemWithKeychainResponse(response);
   }
-  static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text) {
+  static NSRef<NSMutableDictionary> queryDictionaryWithUsername(NSStringArg username, NSStringArg) {
     return VXGenericKeychainItem::queryDictionaryWithUsername(username, "mail.example");
   }
 
   bool refusing = false;
   mutable std::vector<std::string> validated;
-  mutable RefPtr<NSMutableDictionary> created;
-  RefPtr<NSDictionary> populated;
+  mutable NSRefPtr<NSMutableDictionary> created;
+  NSRefPtr<NSDictionary> populated;
 };
 
 class SharedMailItem : public MailItem::Subclass<SharedMailItem> {};
 
 class SiteItem : public VXInternetKeychainItem::Subclass<SiteItem> {
  public:
-  static Ref<NSMutableDictionary> queryDictionaryWithUsername(Text username, Text server, Text,
-                                                              std::int64_t port,
-                                                              VXInternetKeychainItemProtocol protocol) {
+  static NSRef<NSMutableDictionary> queryDictionaryWithUsername(NSStringArg username, NSStringArg server,
+                                                                NSStringArg, std::int64_t port,
+                                                                VXInternetKeychainItemProtocol protocol) {
     return VXInternetKeychainItem::queryDictionaryWithUsername(username, server, "/site", port, protocol);
   }
 };
@@ -100,13 +100,13 @@ TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations)
   EXPECT_EQ(item->validated.size(), 2u);
   EXPECT_EQ(shown(item->keychainItemResponse()->objectForKey(kSecValueData)), "secret");
 
-  const RefPtr<NSMutableDictionary> asked = item->created;
+  const NSRefPtr<NSMutableDictionary> asked = item->created;
   ASSERT_TRUE(item->updateItemInKeychain());
   EXPECT_EQ(item->keychainItemRequest().get(), asked.get());
   EXPECT_EQ(shown(item->created), attributes) << "no flag in the changes";
 
   item->refusing = true;
-  RefPtr<NSError> error;
+  NSRefPtr<NSError> error;
   EXPECT_FALSE(item->refreshItemFromKeychainIncludePassword(true, &error));
   EXPECT_FALSE(item->deleteItemFromKeychain());
   EXPECT_EQ(error->code(), 0);
@@ -148,7 +148,7 @@ TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
       for (int round = 0; round < 50; ++round) {
         const auto own = VXGenericKeychainItem::keychainItemWithUsername(name, name, nullptr, "own");
         const auto shared = VXGenericKeychainItem::keychainItemWithUsername("all", name, nullptr, "shared");
-        RefPtr<NSError> error;
+        NSRefPtr<NSError> error;
         EXPECT_TRUE(own->addItemToKeychain(&error));
         shared->addItemToKeychain(&error);
         own->setPassword("changed");

@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "KeychainSupport.h"
-#include "RecordedAssertions.h"
+#include "tests/support/KeychainSupport.h"
+#include "tests/support/RecordedAssertions.h"
 
 namespace {
 
@@ -13,20 +13,20 @@ class Fields {
  public:
   explicit Fields(const std::string& written) : map_(writtenMap(written)) {}
 
-  Ref<VXPasswordKeychainItem> item() const {
-    const Ref<VXPasswordKeychainItem> made = itemWithPassword();
+  NSRef<VXPasswordKeychainItem> item() const {
+    const NSRef<VXPasswordKeychainItem> made = itemWithPassword();
     if (!made->data()) made->setData(value<NSData>(kSecValueData));
     return made;
   }
 
-  Ref<VXPasswordKeychainItem> finder() const {
+  NSRef<VXPasswordKeychainItem> finder() const {
     if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
     return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
                                                                protocol());
   }
 
  private:
-  Ref<VXPasswordKeychainItem> itemWithPassword() const {
+  NSRef<VXPasswordKeychainItem> itemWithPassword() const {
     if (isGeneric())
       return VXGenericKeychainItem::keychainItemWithUsername(account(), password(), label(), service());
     if (text(kSecClass))
@@ -38,30 +38,30 @@ class Fields {
   }
 
   template <class Kind>
-  RefPtr<Kind> value(const Ref<NSString>& key) const {
-    return dynamicCast<Kind>(map_->objectForKey(key));
+  NSRefPtr<Kind> value(const NSRef<NSString>& key) const {
+    return NSDynamicCast<Kind>(map_->objectForKey(key));
   }
-  RefPtr<NSString> text(const Ref<NSString>& key) const { return value<NSString>(key); }
-  std::int64_t number(const Ref<NSString>& key) const {
+  NSRefPtr<NSString> text(const NSRef<NSString>& key) const { return value<NSString>(key); }
+  std::int64_t number(const NSRef<NSString>& key) const {
     const auto written = value<NSNumber>(key);
     return written ? written->integerValue() : 0;
   }
   bool isGeneric() const { return kSecClassGenericPassword->isEqual(text(kSecClass)); }
-  RefPtr<NSString> account() const { return text(kSecAttrAccount); }
-  RefPtr<NSString> label() const { return text(kSecAttrLabel); }
-  RefPtr<NSString> service() const { return text(kSecAttrService); }
-  RefPtr<NSString> server() const { return text(kSecAttrServer); }
-  RefPtr<NSString> path() const { return text(kSecAttrPath); }
+  NSRefPtr<NSString> account() const { return text(kSecAttrAccount); }
+  NSRefPtr<NSString> label() const { return text(kSecAttrLabel); }
+  NSRefPtr<NSString> service() const { return text(kSecAttrService); }
+  NSRefPtr<NSString> server() const { return text(kSecAttrServer); }
+  NSRefPtr<NSString> path() const { return text(kSecAttrPath); }
   std::int64_t port() const { return number(kSecAttrPort); }
   VXInternetKeychainItemProtocol protocol() const {
     return VXInternetKeychainItemProtocol(number(kSecAttrProtocol));
   }
-  RefPtr<NSString> password() const {
+  NSRefPtr<NSString> password() const {
     const auto secret = value<NSData>(kSecValueData);
     return secret ? NSString::stringWithData(secret, NSUTF8StringEncoding) : nullptr;
   }
 
-  RefPtr<NSDictionary> map_;
+  NSRefPtr<NSDictionary> map_;
 };
 
 void share(VXKeychainItem& item, const VXKeychainItem& other) {
@@ -70,7 +70,7 @@ void share(VXKeychainItem& item, const VXKeychainItem& other) {
 }
 
 /// An item that has both maps, without a store having been asked.
-Ref<VXPasswordKeychainItem> boundItem(const std::string& fields) {
+NSRef<VXPasswordKeychainItem> boundItem(const std::string& fields) {
   const auto item = Fields(fields).item();
   item->setKeychainItemRequest(NSDictionary::dictionaryWithObject(kSecClassGenericPassword, kSecClass));
   item->setKeychainItemResponse(NSDictionary::dictionary());
@@ -83,7 +83,7 @@ State stateOf(const VXKeychainItem& item) {
           item.keychainItemResponse().get()};
 }
 
-bool perform(const std::string& operation, VXKeychainItem& item, RefPtr<NSError>* error) {
+bool perform(const std::string& operation, VXKeychainItem& item, NSRefPtr<NSError>* error) {
   if (operation == "add") return item.addItemToKeychain(error);
   if (operation == "refresh") return item.refreshItemFromKeychainIncludeData(false, error);
   if (operation == "refreshWithData") return item.refreshItemFromKeychainIncludeData(true, error);
@@ -94,8 +94,8 @@ bool perform(const std::string& operation, VXKeychainItem& item, RefPtr<NSError>
 
 /// Whether the operation was done, and the code of the error where it gave one.
 std::string outcome(const std::string& operation, VXKeychainItem& item) {
-  const RefPtr<NSError> untouched = NSError::errorWithDomain("host", 7, nullptr);
-  RefPtr<NSError> error = untouched;
+  const NSRefPtr<NSError> untouched = NSError::errorWithDomain("host", 7, nullptr);
+  NSRefPtr<NSError> error = untouched;
   const State before = stateOf(item);
   const bool done = perform(operation, item, &error);
   const bool fills = done && operation != "update" && operation != "delete";
@@ -136,7 +136,7 @@ std::string equality(const std::string& first, const std::string& second) {
 
 class VXKeychainItemTest : public KeychainTest {
  protected:
-  /// Does what a step of keychain-items.txt says, and gives what it answers.
+  /// Does what a step of VXKeychainItem.txt says, and gives what it answers.
   std::string answerTo(const std::string& step) {
     const auto [operation, rest] = cut(step, " ");
     const auto [name, detail] = cut(rest, " ");
@@ -175,11 +175,11 @@ class VXKeychainItemTest : public KeychainTest {
     return "";
   }
 
-  std::map<std::string, Ref<VXPasswordKeychainItem>> items_;
+  std::map<std::string, NSRef<VXPasswordKeychainItem>> items_;
   std::shared_ptr<AnsweringStorage> answering_;
 };
 
-Ref<VXGenericKeychainItem> genericItem(Text password = "secret") {
+NSRef<VXGenericKeychainItem> genericItem(NSStringArg password = "secret") {
   return VXGenericKeychainItem::keychainItemWithUsername("ann", password, "Mail", "mail");
 }
 
@@ -191,7 +191,7 @@ TEST_F(VXKeychainItemTest, DoesWhatTheScriptSays) {
   };
   const auto begin = [] { secSetDefaultStorage(std::make_shared<SecMemoryStorage>()); };
   const RecordedAssertions finderMayBeAskedWithLess;
-  EXPECT_GT(runScript("keychain-items.txt", begin, expectStep), 100u);
+  EXPECT_GT(runScript("VXKeychainItem.txt", begin, expectStep), 100u);
 }
 
 TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAsked) {
@@ -205,7 +205,7 @@ TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAske
       logged.clear();
       EXPECT_EQ(perform(operation, *item, nullptr), expected);
       EXPECT_TRUE(logged.empty());
-      RefPtr<NSError> error;
+      NSRefPtr<NSError> error;
       const State before = stateOf(*item);
       EXPECT_EQ(perform(operation, *item, &error), expected);
       EXPECT_EQ(stateOf(*item), before);
@@ -220,7 +220,7 @@ TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAske
 }
 
 TEST_F(VXKeychainItemTest, IncompleteAttributesAreAnErrorWithoutAStatus) {
-  RefPtr<NSError> error;
+  NSRefPtr<NSError> error;
   EXPECT_FALSE(genericItem(nullptr)->addItemToKeychain(&error));
   EXPECT_EQ(shown(error), shown(VXFoundationBundleIdentifier) + " 0: The keychain attributes are invalid");
   EXPECT_EQ(error->userInfo()->count(), 1u);
@@ -256,8 +256,8 @@ TEST_F(VXKeychainItemTest, APasswordIsTheUTF8OfItsText) {
   EXPECT_EQ(shown(item->password()), "\xc3\xa9\xf0\x9f\x94\x91");
   item->setData(dataOf("\xff"));
   EXPECT_FALSE(item->password());
-  for (const RefPtr<NSString>& none :
-       {RefPtr<NSString>(), RefPtr<NSString>(NSString::stringWithCharacters(u"\xd800"))}) {
+  for (const NSRefPtr<NSString>& none :
+       {NSRefPtr<NSString>(), NSRefPtr<NSString>(NSString::stringWithCharacters(u"\xd800"))}) {
     item->setPassword("x");
     item->setPassword(none);
     EXPECT_FALSE(item->data());

@@ -1,28 +1,28 @@
 #include <random>
 #include <sstream>
 
-#include "Support.h"
+#include "tests/support/Support.h"
 
 namespace {
 
 // What the graphs of these tests are made of: identity equality.
 struct Node : NSObject::Subclass<Node> {
   explicit Node(int number) : value(number) {}
-  RefPtr<NSFastEnumeration> descendants() const { return children; }
+  NSRefPtr<NSFastEnumeration> descendants() const { return children; }
   int value;
-  RefPtr<NSMutableArray> children;
-  RefPtr<Node> next;
+  NSRefPtr<NSMutableArray> children;
+  NSRefPtr<Node> next;
 };
 
-int valueOf(const RefPtr<NSObject>& node) { return dynamicCast<Node>(node)->value; }
+int valueOf(const NSRefPtr<NSObject>& node) { return NSDynamicCast<Node>(node)->value; }
 
 // Equal by value, with a hash that agrees and collides; it counts how often it is asked.
 struct Hashed : Node::Subclass<Hashed> {
   using HashAgreesWithEquality = Hashed;
   using Layer = Node::Subclass<Hashed>;
   using Layer::Layer;
-  bool isEqual(const RefPtr<NSObject>& other) const override {
-    return ++asked, dynamicCast<Hashed>(other) && valueOf(other) == value;
+  bool isEqual(const NSRefPtr<NSObject>& other) const override {
+    return ++asked, NSDynamicCast<Hashed>(other) && valueOf(other) == value;
   }
   std::size_t hash() const override { return static_cast<std::size_t>(value / 2); }
   static inline std::size_t asked = 0;
@@ -37,13 +37,21 @@ struct Rehashed : Hashed::Subclass<Rehashed> {
 struct Greedy : Node::Subclass<Greedy> {
   using Layer = Node::Subclass<Greedy>;
   using Layer::Layer;
-  bool isEqual(const RefPtr<NSObject>& other) const override { return valueOf(other) < value; }
+  bool isEqual(const NSRefPtr<NSObject>& other) const override { return valueOf(other) < value; }
+};
+// Equal to itself alone, with a hash that is another each time.
+struct Drifting : Node::Subclass<Drifting> {
+  using Layer = Node::Subclass<Drifting>;
+  using Layer::Layer;
+  std::size_t hash() const override { return ++drift; }
+  static inline std::size_t drift = 0;
 };
 
-Ref<Node> anyNode(std::mt19937& random, bool finite) {
+NSRef<Node> anyNode(std::mt19937& random, bool finite) {
   const int value = static_cast<int>(random() % 6);
   const auto kind = random() % (finite ? 6 : 5);
-  if (kind < 2) return Node::alloc(value);
+  if (kind < 1) return Node::alloc(value);
+  if (kind < 2) return Drifting::alloc(value);
   if (kind < 4) return Hashed::alloc(value);
   if (kind < 5) return Rehashed::alloc(value);
   return Greedy::alloc(random() % 3 ? 0 : value);
@@ -60,30 +68,30 @@ struct Graph {
     }
   }
   ~Graph() {
-    for (const Ref<Node>& node : nodes) node->children = nullptr;
+    for (const NSRef<Node>& node : nodes) node->children = nullptr;
   }
-  std::vector<Ref<Node>> nodes;
+  std::vector<NSRef<Node>> nodes;
 };
 
 // The walk as it is defined, by recursion; a union leaves out what equals a node that it has.
-void walk(const Ref<NSObject>& node, NSMutableArray& list, bool isUnion) {
+void walk(const NSRef<NSObject>& node, NSMutableArray& list, bool isUnion) {
   if (isUnion && list.containsObject(node)) return;
   list.addObject(node);
-  const RefPtr<NSArray> children = dynamicCast<Node>(node)->children;
+  const NSRefPtr<NSArray> children = NSDynamicCast<Node>(node)->children;
   for (std::size_t i = 0; children && i < children->count(); ++i)
     walk(children->objectAtIndex(i), list, isUnion);
 }
 
 std::string addresses(const NSArray& list) {
   std::ostringstream text;
-  for (const Ref<NSObject> each : list) text << each.get() << ' ';
+  for (const NSRef<NSObject> each : list) text << each.get() << ' ';
   return text.str();
 }
 
-Ref<Node> chain(int count) {
-  Ref<Node> first = Node::alloc(--count);
+NSRef<Node> chain(int count) {
+  NSRef<Node> first = Node::alloc(--count);
   while (count > 0) {
-    const Ref<Node> after = std::exchange(first, Node::alloc(--count));
+    const NSRef<Node> after = std::exchange(first, Node::alloc(--count));
     first->next = after;
     first->children = NSMutableArray::arrayWithObjects({after});
   }
@@ -99,7 +107,7 @@ TEST(VXTreeUnion, UnionAndVisitFollowTheDefinitionOnRandomGraphs) {
   for (int round = 0; round < 20000; ++round) {
     const bool finite = round % 2 == 0;  // cycles never end for a visit, and for a node that equals nothing
     const Graph graph(random, finite);
-    const Ref<Node> root = graph.nodes[0];
+    const NSRef<Node> root = graph.nodes[0];
     const auto united = NSMutableArray::array(), walked = NSMutableArray::array();
     walk(root, *united, true);
     ASSERT_EQ(addresses(*VXFoundationUnionOfTree(descendants, root)), addresses(*united)) << round;
@@ -119,9 +127,9 @@ TEST(VXTreeUnion, RemovalFollowsTheLinearSearchOnRandomNodes) {
     for (std::size_t i = 0; i < 8; ++i) list->addObject(anyNode(random, true));
     for (std::size_t i = random() % 5; i > 0; --i)
       unwanted->addObject(random() % 2 ? anyNode(random, true) : list->objectAtIndex(random() % 8));
-    for (const Ref<NSObject> element : *list) {
+    for (const NSRef<NSObject> element : *list) {
       bool goes = false;
-      for (const Ref<NSObject> each : *unwanted) goes = goes || element->isEqual(each);
+      for (const NSRef<NSObject> each : *unwanted) goes = goes || element->isEqual(each);
       if (!goes) kept->addObject(element);
     }
     list->removeObjectsInArray(unwanted);
@@ -131,10 +139,10 @@ TEST(VXTreeUnion, RemovalFollowsTheLinearSearchOnRandomNodes) {
 
 TEST(VXTreeUnion, CostGrowsWithNodesAndEdges) {
   std::mt19937 random(65);
-  std::vector<Ref<Node>> nodes;
+  std::vector<NSRef<Node>> nodes;
   const auto equals = NSMutableArray::array();
   for (int i = 0; i < 200'000; ++i) {
-    nodes.push_back(i % 2 ? Node::alloc(i) : Ref<Node>(Hashed::alloc(i)));
+    nodes.push_back(i % 2 ? Node::alloc(i) : NSRef<Node>(Hashed::alloc(i)));
     if (i % 2 == 0) equals->addObject(Hashed::alloc(i));
   }
   for (std::size_t i = 0; i < nodes.size(); ++i)
@@ -148,12 +156,12 @@ TEST(VXTreeUnion, CostGrowsWithNodesAndEdges) {
   found->removeObjectsInArray(equals);
   EXPECT_EQ(found->count(), nodes.size() / 2);
   EXPECT_LE(Hashed::asked, 3 * nodes.size());
-  for (const Ref<Node>& node : nodes) node->children = nullptr;
+  for (const NSRef<Node>& node : nodes) node->children = nullptr;
 }
 
 TEST(VXTreeUnion, DepthDoesNotExhaustTheStack) {
   const int depth = 1'000'000;
-  const Ref<Node> root = chain(depth);
+  const NSRef<Node> root = chain(depth);
   int visits = 0;
   VXFoundationVisitTree(descendants, root, [&](const auto& node) { visits += valueOf(node) == visits; });
   EXPECT_EQ(visits, depth);
@@ -164,9 +172,9 @@ TEST(VXTreeUnion, DepthDoesNotExhaustTheStack) {
 }
 
 TEST(VXTreeUnion, RootsAndCollectionsOfEveryKind) {
-  const Ref<Node> a = Node::alloc(1), b = Node::alloc(2), root = Node::alloc(0);
-  const RefPtr<NSSet> set = NSSet::setWithObjects({b, a, b});
-  const auto children = [&](const auto& node) { return node == root ? set : RefPtr<NSSet>(); };
+  const NSRef<Node> a = Node::alloc(1), b = Node::alloc(2), root = Node::alloc(0);
+  const NSRefPtr<NSSet> set = NSSet::setWithObjects({b, a, b});
+  const auto children = [&](const auto& node) { return node == root ? set : NSRefPtr<NSSet>(); };
   EXPECT_EQ(addresses(*VXFoundationUnionOfTree(children, root)),
             addresses(*NSArray::arrayWithObjects({root, b, a})));
   EXPECT_EQ(VXFoundationUnionOfTree(nullptr, nullptr)->count(), 0U);
@@ -175,8 +183,8 @@ TEST(VXTreeUnion, RootsAndCollectionsOfEveryKind) {
 }
 
 TEST(VXTreeUnion, NodesThatDoNotAnswerRaise) {
-  const Ref<Node> node = Node::alloc(1);
-  const Ref<NSObject> stranger = text("x");
+  const NSRef<Node> node = Node::alloc(1);
+  const NSRef<NSObject> stranger = text("x");
   const std::string invalid = "NSInvalidArgumentException";
   EXPECT_EQ(raised([&] { VXFoundationUnionOfTree(descendants, stranger); }), invalid);
   EXPECT_EQ(raised([&] { VXFoundationUnionOfList(&Node::next, stranger); }), invalid);
@@ -186,9 +194,9 @@ TEST(VXTreeUnion, NodesThatDoNotAnswerRaise) {
 
 TEST(VXTreeUnion, ChildrenThatChangeDuringTheirWalkRaise) {
   for (int changed = 0; changed < 3; ++changed) {
-    const Ref<Node> root = chain(3), middle = root->next, last = middle->next;
+    const NSRef<Node> root = chain(3), middle = root->next, last = middle->next;
     last->children = NSMutableArray::array();
-    const Ref<NSMutableArray> lists[] = {root->children, middle->children, last->children};
+    const NSRef<NSMutableArray> lists[] = {root->children, middle->children, last->children};
     const auto visit = [&](const auto& node) {
       if (node == last) lists[changed]->addObject(Node::alloc(9));
     };

@@ -1,4 +1,4 @@
-#include "CodecTests.h"
+#include "tests/support/CodecTests.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ TEST_P(VXURLCodingTests, GoBothWaysWithEveryCodeUnit) {
 }
 
 TEST_P(VXURLCodingTests, KeepSecretsSecret) {
-  const RefPtr<NSData> secret = NSData::dataWithBytes(std::as_bytes(std::span("p%w d", 5)), true);
+  const NSRefPtr<NSData> secret = NSData::dataWithBytes(std::as_bytes(std::span("p%w d", 5)), true);
   EXPECT_TRUE(VXURLEncodeData(secret)->holdsSecret());
   EXPECT_TRUE(VXURLDecodeData(VXURLEncodeData(secret))->holdsSecret());
   EXPECT_FALSE(VXURLEncodeData(dataOf("plain"))->holdsSecret());

@@ -1,13 +1,13 @@
-#include <VXFoundation/VXUTTypeDynamicIdentifier.h>
+#include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
 
 #include <algorithm>
 #include <map>
 #include <random>
 
-#include "DynamicIdentifiers.h"
-#include "Support.h"
-#include "fuzz/Fuzz.h"
 #include "host/CountedAllocations.h"
+#include "tests/support/DynamicIdentifiers.h"
+#include "tests/support/Fuzz.h"
+#include "tests/support/Support.h"
 
 namespace {
 
@@ -22,12 +22,12 @@ std::string textByDefinition(std::string body) {
 }
 
 std::string decoded(std::string_view identifier) {
-  const RefPtr<NSString> result = VXUTTypeDecodeDynamicIdentifier(*text(identifier));
+  const NSRefPtr<NSString> result = VXUTTypeDecodeDynamicIdentifier(*text(identifier));
   return bytesOf(result).value_or("absent");
 }
 
 std::string shownMap(std::string_view identifier) {
-  const RefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*text(identifier));
+  const NSRefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*text(identifier));
   return map ? *bytesOf(map->description()) : "absent";
 }
 
@@ -38,8 +38,10 @@ bool conforms(std::string_view type, std::string_view other) {
 // A collection of texts that counts how many were asked for.
 struct Asked : NSFastEnumeration::Subclass<Asked> {
   std::size_t count() const override { return members.size(); }
-  Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const override { return ++asked, members[index]; }
-  std::vector<Ref<NSObject>> members;
+  NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const override {
+    return ++asked, members[index];
+  }
+  std::vector<NSRef<NSObject>> members;
   mutable std::size_t asked = 0;
 };
 
@@ -95,7 +97,8 @@ TEST(VXUTType, ConformanceIsAsTold) {
   }
   for (const auto& row : vectors("declared-facts.tsv"))
     EXPECT_EQ(conforms(row.at(0), row.at(1)) ? "yes" : "no", row.at(2)) << row[0] << " to " << row[1];
-  for (const Text other : {Text("public.item"), Text("dyn.aqe8xc"), Text(nullptr)})
+  for (const NSStringArg other :
+       {NSStringArg("public.item"), NSStringArg("dyn.aqe8xc"), NSStringArg(nullptr)})
     EXPECT_FALSE(VXUTTypeConformsTo(nullptr, other) || VXUTTypeConformsTo(other, nullptr));
 }
 
@@ -115,8 +118,8 @@ TEST(VXUTType, ACollectionIsAskedUpToTheFirstYes) {
 }
 
 TEST(VXUTType, DeclaredTypesAreComparedWithoutAllocation) {
-  const Ref<NSString> script = text("public.python-script"), item = text("public.item"),
-                      image = text("public.image");
+  const NSRef<NSString> script = text("public.python-script"), item = text("public.item"),
+                        image = text("public.image");
   EXPECT_TRUE(VXUTTypeConformsTo(script, item));
   bool yes = false, no = true;
   EXPECT_EQ(allocationsOf([&] {

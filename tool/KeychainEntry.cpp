@@ -6,8 +6,8 @@ namespace {
 
 const char* const protocols[] = {"", "http", "https", "ftp", "ssh"};  // in the order of the enumeration
 
-RefPtr<NSString> textOf(const std::optional<std::string>& argument) {
-  return argument ? RefPtr<NSString>(textOfArgument(*argument)) : nullptr;
+NSRefPtr<NSString> textOf(const std::optional<std::string>& argument) {
+  return argument ? NSRefPtr<NSString>(textOfArgument(*argument)) : nullptr;
 }
 
 VXInternetKeychainItemProtocol protocolNamed(const std::string& name) {
@@ -23,7 +23,9 @@ const CLI::Validator isText(
     },
     "", "UTF-8");
 
-Ref<NSString> textOfArgument(const std::string& argument) { return NSString::stringWithUTF8String(argument); }
+NSRef<NSString> textOfArgument(const std::string& argument) {
+  return NSString::stringWithUTF8String(argument);
+}
 
 std::string nameOfProtocol(VXInternetKeychainItemProtocol protocol) { return protocols[protocol]; }
 
@@ -41,8 +43,8 @@ void KeychainEntry::addOptions(CLI::App& command) {
       ->needs(host);
 }
 
-Ref<VXPasswordKeychainItem> KeychainEntry::makeItem(const RefPtr<NSString>& password,
-                                                    const RefPtr<NSString>& label) const {
+NSRef<VXPasswordKeychainItem> KeychainEntry::makeItem(const NSRefPtr<NSString>& password,
+                                                      const NSRefPtr<NSString>& label) const {
   if (service)
     return VXGenericKeychainItem::keychainItemWithUsername(textOfArgument(account), password, label,
                                                            textOf(service));
@@ -50,7 +52,7 @@ Ref<VXPasswordKeychainItem> KeychainEntry::makeItem(const RefPtr<NSString>& pass
       textOfArgument(account), password, label, textOf(server), textOf(path), port, protocolNamed(protocol));
 }
 
-Ref<VXPasswordKeychainItem> KeychainEntry::findItem() const {
+NSRef<VXPasswordKeychainItem> KeychainEntry::findItem() const {
   if (service)
     return VXGenericKeychainItem::findKeychainItemForUsername(textOfArgument(account), textOf(service));
   return VXInternetKeychainItem::findKeychainItemForUsername(textOfArgument(account), textOf(server),

@@ -20,15 +20,16 @@ struct KeychainEntry {
   void addOptions(CLI::App& command);
 
   /// A new item, not yet in the keychain.
-  Ref<VXPasswordKeychainItem> makeItem(const RefPtr<NSString>& password, const RefPtr<NSString>& label) const;
+  NSRef<VXPasswordKeychainItem> makeItem(const NSRefPtr<NSString>& password,
+                                         const NSRefPtr<NSString>& label) const;
   /// An item that has yet to be refreshed from the keychain.
-  Ref<VXPasswordKeychainItem> findItem() const;
+  NSRef<VXPasswordKeychainItem> findItem() const;
 };
 
 /// The protocol as its option spells it; empty for none.
 std::string nameOfProtocol(VXInternetKeychainItemProtocol protocol);
 
 /// The text of an argument, which was checked to be UTF-8.
-Ref<NSString> textOfArgument(const std::string& argument);
+NSRef<NSString> textOfArgument(const std::string& argument);
 /// Accepts arguments that are UTF-8.
 extern const CLI::Validator isText;

@@ -2,9 +2,9 @@
 
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecFileStorage.h>
-#include <Security/SecItem.h>
 #include <Security/SecMemoryStorage.h>
 
+#include "tool/Failure.h"
 #include "tool/KeychainEntry.h"
 #include "tool/StandardStreams.h"
 #include "tool/Terminal.h"
@@ -14,13 +14,13 @@ namespace {
 constexpr char inMemory[] = ":memory:";
 
 /// From the descriptor where one was named, else from the person; absent when there is neither.
-RefPtr<NSData> passphrase(const KeychainStore& store, const std::string& question) {
+NSRefPtr<NSData> passphrase(const KeychainStore& store, const std::string& question) {
   if (store.passphraseDescriptor) {
-    const RefPtr<NSData> line = readSecretLine(*store.passphraseDescriptor);
+    const NSRefPtr<NSData> line = readSecretLine(*store.passphraseDescriptor);
     if (!line) throw Failure("there is no passphrase to read");
     return line;
   }
-  return isOnTerminal() ? RefPtr<NSData>(askSecret(question)) : nullptr;
+  return isOnTerminal() ? NSRefPtr<NSData>(askSecret(question)) : nullptr;
 }
 
 std::unique_ptr<SecFileStorage> openFile(const KeychainStore& store) {
@@ -42,7 +42,7 @@ SecFileInfo infoOf(SecFileStorage& file) {
 void unlock(SecFileStorage& file, const KeychainStore& store) {
   const SecFileInfo info = infoOf(file);
   if (!info.locked || info.protection != SecFileProtection::passphrase) return;
-  const RefPtr<NSData> entered = passphrase(store, "Passphrase of " + info.path);
+  const NSRefPtr<NSData> entered = passphrase(store, "Passphrase of " + info.path);
   if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain stays locked");
 }
 
@@ -74,8 +74,8 @@ int verify(const KeychainStore& store) {
   return 0;
 }
 
-RefPtr<NSData> newPassphrase(const KeychainStore& store) {
-  const RefPtr<NSData> entered = passphrase(store, "New passphrase");
+NSRefPtr<NSData> newPassphrase(const KeychainStore& store) {
+  const NSRefPtr<NSData> entered = passphrase(store, "New passphrase");
   if (!entered) throw Failure("a passphrase is read from a terminal or with --passphrase-fd");
   if (entered->length() == 0) throw Failure("the new passphrase is empty");
   if (store.passphraseDescriptor) return entered;
@@ -122,12 +122,4 @@ void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<
   command->callback([store, removing, &action] {
     action = [store, removing] { return changePassphrase(*store, *removing); };
   });
-}
-
-std::string messageOf(OSStatus status) {
-  return std::to_string(status) + ": " + std::string(*SecCopyErrorMessageString(status));
-}
-
-void requireSuccess(OSStatus status, const std::string& what) {
-  if (status != errSecSuccess) throw Failure(what + " (" + messageOf(status) + ')');
 }

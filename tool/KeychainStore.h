@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Security/SecBase.h>
-
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
@@ -23,8 +21,3 @@ struct KeychainStore {
 
 /// Adds `keychain info`, `keychain verify` and `keychain passphrase`.
 void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store);
-
-/// The number of a status, and the platform's message for it.
-std::string messageOf(OSStatus status);
-/// Throws Failure with that, after `what`, unless it is errSecSuccess.
-void requireSuccess(OSStatus status, const std::string& what);

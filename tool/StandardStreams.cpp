@@ -8,7 +8,7 @@
 #include <csignal>
 #include <cstring>
 
-#include "tool/Subcommands.h"
+#include "tool/Failure.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ ssize_t retried(auto transfer) {
   return count;
 }
 
-Ref<NSData> readAll(int descriptor, bool secret, const std::string& name) {
-  const Ref<NSMutableData> content = NSMutableData::data();
+NSRef<NSData> readAll(int descriptor, bool secret, const std::string& name) {
+  const NSRef<NSMutableData> content = NSMutableData::data();
   content->setHoldsSecret(secret);
   std::array<std::byte, 1 << 16> block;
   for (;;) {
@@ -46,19 +46,19 @@ void guardStandardStreams() {
   std::signal(SIGPIPE, SIG_IGN);
 }
 
-Ref<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }
+NSRef<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }
 
-Ref<NSData> readSecretInput() {
-  const Ref<NSData> input = readAll(STDIN_FILENO, true, "the input");
+NSRef<NSData> readSecretInput() {
+  const NSRef<NSData> input = readAll(STDIN_FILENO, true, "the input");
   const auto content = input->bytes();
   if (content.empty() || content.back() != std::byte{'\n'}) return input;
   return NSData::dataWithBytes(content.first(content.size() - 1), true);
 }
 
-Ref<NSData> readSecretFile(const std::string& path) {
+NSRef<NSData> readSecretFile(const std::string& path) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) fail("cannot read " + path);
-  const Ref<NSData> content = readAll(descriptor, true, path);
+  const NSRef<NSData> content = readAll(descriptor, true, path);
   close(descriptor);
   return content;
 }

@@ -11,13 +11,13 @@
 void guardStandardStreams();
 
 /// The whole content of a file, to be cleansed from memory after use. Throws Failure when it cannot be read.
-Ref<NSData> readSecretFile(const std::string& path);
+NSRef<NSData> readSecretFile(const std::string& path);
 
 /// All of standard input, to its end. Throws Failure when it cannot be read.
-Ref<NSData> readStandardInput();
+NSRef<NSData> readStandardInput();
 
 /// The same without one final newline, to be cleansed from memory after use.
-Ref<NSData> readSecretInput();
+NSRef<NSData> readSecretInput();
 
 /// Writes to standard output, all of it. Throws Failure when that is not possible.
 void writeStandardOutput(std::span<const std::byte> bytes);

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "tool/Subcommands.h"
+#include "tool/Failure.h"
 
 namespace {
 
@@ -61,19 +61,19 @@ void tell(std::string_view text) {
   if (terminal >= 0) close(terminal);
 }
 
-std::size_t optionOf(const NSData& line, std::size_t count) {
+std::optional<std::size_t> optionOf(const NSData& line, std::size_t count) {
   const auto digits = line.bytes();
-  if (digits.size() != 1) return NSNotFound;
+  if (digits.size() != 1) return std::nullopt;
   const auto number = static_cast<std::size_t>(digits[0]) - '0';
-  return number >= 1 && number <= count ? number - 1 : NSNotFound;
+  return number >= 1 && number <= count ? std::optional(number - 1) : std::nullopt;
 }
 
 }  // namespace
 
 bool isOnTerminal() { return isatty(STDIN_FILENO) == 1; }
 
-RefPtr<NSData> readSecretLine(int descriptor) {
-  const Ref<NSMutableData> line = NSMutableData::data();
+NSRefPtr<NSData> readSecretLine(int descriptor) {
+  const NSRef<NSMutableData> line = NSMutableData::data();
   line->setHoldsSecret(true);
   for (;;) {
     // One at a time: what follows the line may be for somebody else.
@@ -81,15 +81,15 @@ RefPtr<NSData> readSecretLine(int descriptor) {
     const ssize_t count = read(descriptor, &byte, 1);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) throw Failure(std::string("cannot read the secret: ") + std::strerror(errno));
-    if (count == 0) return line->length() > 0 ? RefPtr<NSData>(line) : nullptr;
+    if (count == 0) return line->length() > 0 ? NSRefPtr<NSData>(line) : nullptr;
     if (byte == std::byte{'\n'}) return line;
     line->appendBytes(&byte, 1);
     explicit_bzero(&byte, 1);
   }
 }
 
-Ref<NSData> askSecret(const std::string& question) {
-  RefPtr<NSData> answer;
+NSRef<NSData> askSecret(const std::string& question) {
+  NSRefPtr<NSData> answer;
   {
     const HiddenEcho hidden;
     tell(question + ": ");
@@ -100,16 +100,15 @@ Ref<NSData> askSecret(const std::string& question) {
   return answer;
 }
 
-std::size_t choose(const std::string& question, const NSArray& options) {
+std::optional<std::size_t> TerminalPresenter::choose(const NSError& error, const NSArray& localizedOptions) {
   for (;;) {
-    tell(question + '\n');
-    for (std::size_t index = 0; index < options.count(); ++index)
+    tell(explain(error) + '\n');
+    for (std::size_t index = 0; index < localizedOptions.count(); ++index)
       tell("  " + std::to_string(index + 1) + "  " +
-           std::string(*options.objectAtIndex(index)->description()) + '\n');
+           std::string(*localizedOptions.objectAtIndex(index)->description()) + '\n');
     tell("Number: ");
-    const RefPtr<NSData> answer = readSecretLine(STDIN_FILENO);
-    if (!answer) return tell("\n"), NSNotFound;
-    const std::size_t option = optionOf(*answer, options.count());
-    if (option != NSNotFound) return option;
+    const NSRefPtr<NSData> answer = readSecretLine(STDIN_FILENO);
+    if (!answer) return tell("\n"), std::nullopt;
+    if (const auto option = optionOf(*answer, localizedOptions.count())) return option;
   }
 }

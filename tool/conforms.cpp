@@ -14,7 +14,7 @@ std::string complaintAbout(const std::string& identifier) {
 }
 
 int conforms(const std::string& type, const std::vector<std::string>& others) {
-  const Ref<NSMutableArray> collection = NSMutableArray::arrayWithCapacity(others.size());
+  const NSRef<NSMutableArray> collection = NSMutableArray::arrayWithCapacity(others.size());
   for (const std::string& other : others) collection->addObject(NSString::stringWithUTF8String(other));
   const bool yes = VXUTTypeConformsToAnyInCollection(NSString::stringWithUTF8String(type), collection);
   writeStandardOutput(yes ? "yes\n" : "no\n");

@@ -4,20 +4,21 @@
 #include <memory>
 #include <string>
 
+#include "tool/Failure.h"
 #include "tool/StandardStreams.h"
 #include "tool/Subcommands.h"
 
 namespace {
 
-using Decoder = RefPtr<NSData> (*)(const Ref<NSData>&);
+using Decoder = NSRefPtr<NSData> (*)(const NSRef<NSData>&);
 
-template <RefPtr<NSData> (*decode)(Text)>
-RefPtr<NSData> decodeASCII(const Ref<NSData>& bytes) {
-  const RefPtr<NSString> text = NSString::stringWithData(bytes, NSASCIIStringEncoding);
+template <NSRefPtr<NSData> (*decode)(NSStringArg)>
+NSRefPtr<NSData> decodeASCII(const NSRef<NSData>& bytes) {
+  const NSRefPtr<NSString> text = NSString::stringWithData(bytes, NSASCIIStringEncoding);
   return text ? decode(text) : nullptr;
 }
 
-RefPtr<NSData> decodeURL(const Ref<NSData>& bytes) { return VXURLDecodeData(bytes); }
+NSRefPtr<NSData> decodeURL(const NSRef<NSData>& bytes) { return VXURLDecodeData(bytes); }
 
 const std::map<std::string, Decoder> decoders = {
     {"base64", decodeASCII<VXBaseConversion::dataWithBase64String>},
@@ -27,14 +28,14 @@ const std::map<std::string, Decoder> decoders = {
 };
 
 /// What `encode` and echo add to a text is not part of it.
-Ref<NSData> withoutFinalNewline(Ref<NSData> bytes) {
+NSRef<NSData> withoutFinalNewline(NSRef<NSData> bytes) {
   const auto content = bytes->bytes();
   if (content.empty() || content.back() != std::byte{'\n'}) return bytes;
   return NSData::dataWithBytes(content.first(content.size() - 1));
 }
 
 int decode(const std::string& form) {
-  const RefPtr<NSData> bytes = decoders.at(form)(withoutFinalNewline(readStandardInput()));
+  const NSRefPtr<NSData> bytes = decoders.at(form)(withoutFinalNewline(readStandardInput()));
   if (!bytes) throw Failure("the input is not " + form + " text");
   writeStandardOutput(bytes->bytes());
   return 0;

@@ -8,7 +8,7 @@
 
 namespace {
 
-int writeDigest(const Ref<NSData>& digest) {
+int writeDigest(const NSRef<NSData>& digest) {
   auto text = std::string(*VXBaseConversion::base16String(*digest));
   for (char& digit : text) {
     if (digit >= 'A') digit |= 0x20;  // to lower case, as other digest tools write it
@@ -17,13 +17,13 @@ int writeDigest(const Ref<NSData>& digest) {
   return 0;
 }
 
-template <Ref<NSData> (*digest)(const NSData&)>
+template <NSRef<NSData> (*digest)(const NSData&)>
 int digestInput() {
   return writeDigest(digest(*readStandardInput()));
 }
 
 int authenticateInput(const std::string& keyFile) {
-  const Ref<NSData> key = readSecretFile(keyFile);
+  const NSRef<NSData> key = readSecretFile(keyFile);
   return writeDigest(CXHashing::HMAC_SHA1_WithSecretKey(*readStandardInput(), key));
 }
 

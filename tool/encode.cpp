@@ -9,14 +9,14 @@
 
 namespace {
 
-using Encoder = void (*)(const Ref<NSData>& bytes);
+using Encoder = void (*)(const NSRef<NSData>& bytes);
 
-template <Ref<NSString> (*encode)(const NSData&)>
-void writeText(const Ref<NSData>& bytes) {
+template <NSRef<NSString> (*encode)(const NSData&)>
+void writeText(const NSRef<NSData>& bytes) {
   encode(*bytes)->visit([](auto units) { writeStandardOutput(std::as_bytes(std::span(units))); });
 }
 
-void writeURLText(const Ref<NSData>& bytes) { writeStandardOutput(VXURLEncodeData(bytes)->bytes()); }
+void writeURLText(const NSRef<NSData>& bytes) { writeStandardOutput(VXURLEncodeData(bytes)->bytes()); }
 
 const std::map<std::string, Encoder> encoders = {
     {"base64", writeText<VXBaseConversion::base64String>},

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 
+#include "tool/Failure.h"
 #include "tool/KeychainEntry.h"
 #include "tool/KeychainStore.h"
 #include "tool/StandardStreams.h"
@@ -17,32 +18,27 @@ struct Request {
   std::optional<std::string> label;
   bool password = false;
 
-  RefPtr<NSString> labelText() const { return label ? RefPtr<NSString>(textOfArgument(*label)) : nullptr; }
+  NSRefPtr<NSString> labelText() const {
+    return label ? NSRefPtr<NSString>(textOfArgument(*label)) : nullptr;
+  }
 };
-
-std::string explain(const NSError& error) {
-  const std::string description(*error.localizedDescription());
-  const auto underlying = dynamicCast<NSError>(error.userInfo()->objectForKey(NSUnderlyingErrorKey));
-  return underlying ? description + " (" + messageOf(static_cast<OSStatus>(underlying->code())) + ')'
-                    : description;
-}
 
 /// Does something with an item, and throws Failure with its error when it could not be done.
 template <class Operation>
 void require(Operation&& operation) {
-  RefPtr<NSError> error;
+  NSRefPtr<NSError> error;
   if (!operation(&error)) throw Failure(explain(*error));
 }
 
-RefPtr<NSString> readPassword() {
-  const Ref<NSData> entered = isOnTerminal() ? askSecret("Password") : readSecretInput();
-  const RefPtr<NSString> password = NSString::stringWithData(entered, NSUTF8StringEncoding);
+NSRefPtr<NSString> readPassword() {
+  const NSRef<NSData> entered = isOnTerminal() ? askSecret("Password") : readSecretInput();
+  const NSRefPtr<NSString> password = NSString::stringWithData(entered, NSUTF8StringEncoding);
   if (!password) throw Failure("the password is not UTF-8");
   return password;
 }
 
-void update(const Request& request, const RefPtr<NSString>& password) {
-  const Ref<VXPasswordKeychainItem> item = request.entry.findItem();
+void update(const Request& request, const NSRefPtr<NSString>& password) {
+  const NSRef<VXPasswordKeychainItem> item = request.entry.findItem();
   require([&](auto* error) { return item->refreshItemFromKeychainIncludePassword(false, error); });
   item->setPassword(password);
   if (request.label) item->setLabel(request.labelText());
@@ -50,39 +46,41 @@ void update(const Request& request, const RefPtr<NSString>& password) {
 }
 
 /// Lets the person at the terminal choose a way out of the error; whether that recovered from it.
-bool recover(const RefPtr<NSError>& error, const Request& request, const RefPtr<NSString>& password) {
+bool recover(const NSError& error, const Request& request, const NSRefPtr<NSString>& password) {
   const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
   attempter->addRecoveryOptionWithLocalizedTitle(
-      "Replace", [&](const RefPtr<NSError>&) { return update(request, password), true; });
+      "Replace", [&](const NSRefPtr<NSError>&) { return update(request, password), true; });
   attempter->addCancelRecoveryOption();
-  const std::size_t option = choose(explain(*error), *attempter->recoveryOptions());
-  return option != NSNotFound && attempter->attemptRecoveryFromError(error, option);
+  const NSRef<NSMutableDictionary> userInfo = error.userInfo()->mutableCopy();
+  userInfo->setObject(attempter, NSRecoveryAttempterErrorKey);
+  userInfo->setObject(attempter->recoveryOptions(), NSLocalizedRecoveryOptionsErrorKey);
+  return TerminalPresenter().presentError(NSError::errorWithDomain(error.domain(), error.code(), userInfo));
 }
 
 bool isDuplicate(const NSError& error) {
-  const auto underlying = dynamicCast<NSError>(error.userInfo()->objectForKey(NSUnderlyingErrorKey));
+  const auto underlying = NSDynamicCast<NSError>(error.userInfo()->objectForKey(NSUnderlyingErrorKey));
   return underlying && underlying->code() == errSecDuplicateItem;
 }
 
 int add(const Request& request) {
-  const RefPtr<NSString> password = readPassword();
-  RefPtr<NSError> error;
+  const NSRefPtr<NSString> password = readPassword();
+  NSRefPtr<NSError> error;
   if (request.entry.makeItem(password, request.labelText())->addItemToKeychain(&error)) return 0;
-  const bool recovered = isOnTerminal() && isDuplicate(*error) && recover(error, request, password);
+  const bool recovered = isOnTerminal() && isDuplicate(*error) && recover(*error, request, password);
   if (!recovered) throw Failure(explain(*error));
   return 0;
 }
 
-void line(std::string& all, const char* name, const RefPtr<NSString>& value) {
+void line(std::string& all, const char* name, const NSRefPtr<NSString>& value) {
   if (value) all += std::string(name) + ": " + std::string(*value) + '\n';
 }
 
 std::string fieldsOf(const VXPasswordKeychainItem& item) {
   std::string all;
   line(all, "account", item.username());
-  if (const auto* generic = dynamicCast<VXGenericKeychainItem>(&item))
+  if (const auto* generic = NSDynamicCast<VXGenericKeychainItem>(&item))
     line(all, "service", generic->serviceName());
-  const auto* internet = dynamicCast<VXInternetKeychainItem>(&item);
+  const auto* internet = NSDynamicCast<VXInternetKeychainItem>(&item);
   if (internet) line(all, "server", internet->server());
   line(all, "label", item.label());
   if (!internet) return all;
@@ -93,7 +91,7 @@ std::string fieldsOf(const VXPasswordKeychainItem& item) {
 }
 
 int show(const Request& request) {
-  const Ref<VXPasswordKeychainItem> item = request.entry.findItem();
+  const NSRef<VXPasswordKeychainItem> item = request.entry.findItem();
   require([&](auto* error) { return item->refreshItemFromKeychainIncludePassword(request.password, error); });
   if (request.password) {
     writeStandardOutput(item->data()->bytes());

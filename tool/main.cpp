@@ -45,9 +45,16 @@ int finish(CLI::App& app, const CLI::ParseError& error) {
   return 0;
 }
 
+std::string version(bool verbose) {
+  const std::string text = "vxfoundation " VX_VERSION;
+  return verbose ? text + "\nkernels: " + VXCodecKernelsInUse() : text;
+}
+
 int run(int argc, char** argv) {
   CLI::App app("Codecs, digests, type conformance and the keychain on the command line", "vxfoundation");
-  app.set_version_flag("--version", "vxfoundation " VX_VERSION);
+  app.set_version_flag(
+      "--version", [&app] { return version(app.count("--verbose") > 0); },
+      "Print the version; with --verbose, the kernels of the codecs in use, too");
   app.require_subcommand(1);
   app.fallthrough();  // --verbose may stand anywhere
   app.add_flag_callback(

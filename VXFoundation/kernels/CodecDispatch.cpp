@@ -1,24 +1,13 @@
-#include "VXFoundation/kernels/CodecDispatch.h"
+#include <VXFoundation/kernels/CodecDispatch.h>
 
 #include <algorithm>
 #include <atomic>
 #include <vector>
 
-#define KERNELS(set)                                                                                     \
-  {                                                                                                      \
-#set, set::base64Encode, set::base64Decode, set::base32Encode, set::base32Decode, set::base16Encode, \
-        set::base16Decode, set::percentEncode, set::percentDecode                                        \
-  }
-
 namespace VXKernels {
 namespace {
 
-constexpr CodecKernels scalarKernels KERNELS(scalar);
-
 #if defined(__x86_64__)
-constexpr CodecKernels avx2Kernels KERNELS(avx2);
-constexpr CodecKernels avx512vbmiKernels KERNELS(avx512vbmi);
-
 bool hasAVX2() { return __builtin_cpu_supports("avx2"); }
 
 bool hasAVX512VBMI() {
@@ -26,8 +15,6 @@ bool hasAVX512VBMI() {
          __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2") &&
          __builtin_cpu_supports("bmi2");
 }
-#elif defined(__aarch64__)
-constexpr CodecKernels neonKernels KERNELS(neon);
 #endif
 
 std::vector<const CodecKernels*> detectKernels() {

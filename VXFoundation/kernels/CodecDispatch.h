@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "VXFoundation/kernels/CodecKernels.h"
+#include <VXFoundation/kernels/CodecKernels.h>
 
 namespace VXKernels {
 

@@ -25,48 +25,33 @@ using PercentEncode = std::size_t(const std::byte* bytes, std::size_t count, std
 using PercentDecode = std::size_t(const std::byte* text, std::size_t count, std::byte* bytes);
 inline constexpr std::size_t malformed = static_cast<std::size_t>(-1);
 
+/// The two directions of one notation.
+struct RadixKernels {
+  Encode* encode;
+  Decode* decode;
+};
+
+/// All that one instruction set offers.
 struct CodecKernels {
   const char* name;
-  Encode* base64Encode;
-  Decode* base64Decode;
-  Encode* base32Encode;
-  Decode* base32Decode;
-  Encode* base16Encode;
-  Decode* base16Decode;
+  RadixKernels base64;
+  RadixKernels base32;
+  RadixKernels base16;
   PercentEncode* percentEncode;
   PercentDecode* percentDecode;
 };
 
-/// The definition: what every other set must equal, byte for byte and refusal for refusal.
-namespace scalar {
-Encode base64Encode, base32Encode, base16Encode;
-Decode base64Decode, base32Decode, base16Decode;
-PercentEncode percentEncode;
-PercentDecode percentDecode;
+/// The definition: every other set equals it, byte for byte and refusal for refusal.
+extern const CodecKernels scalarKernels;
+
+/// The sets for particular instruction sets. Only those of the processor that the library is built for exist.
+///@{
+extern const CodecKernels avx2Kernels;
+extern const CodecKernels avx512vbmiKernels;
+extern const CodecKernels neonKernels;
+///@}
 
 /// Writes each byte as eight binary digits and a space, nine characters in all.
 Encode base2Encode;
-}  // namespace scalar
-
-namespace avx2 {
-Encode base64Encode, base32Encode, base16Encode;
-Decode base64Decode, base32Decode, base16Decode;
-PercentEncode percentEncode;
-PercentDecode percentDecode;
-}  // namespace avx2
-
-namespace avx512vbmi {
-Encode base64Encode, base32Encode, base16Encode;
-Decode base64Decode, base32Decode, base16Decode;
-PercentEncode percentEncode;
-PercentDecode percentDecode;
-}  // namespace avx512vbmi
-
-namespace neon {
-Encode base64Encode, base32Encode, base16Encode;
-Decode base64Decode, base32Decode, base16Decode;
-PercentEncode percentEncode;
-PercentDecode percentDecode;
-}  // namespace neon
 
 }  // namespace VXKernels

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include <VXFoundation/kernels/CodecKernels.h>
+
 namespace VXKernels {
 
 inline constexpr char _base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -24,6 +26,18 @@ struct Radix {
 inline constexpr Radix base64{6, 3, 4, _base64Alphabet, false};
 inline constexpr Radix base32{5, 5, 8, _base32Alphabet, false};
 inline constexpr Radix base16{4, 1, 2, _base16Alphabet, true};
+
+/// Where a set of kernels keeps those of a notation.
+///@{
+template <const Radix& radix>
+inline constexpr RadixKernels CodecKernels::*kernelsOf = nullptr;
+template <>
+inline constexpr RadixKernels CodecKernels::*kernelsOf<base64> = &CodecKernels::base64;
+template <>
+inline constexpr RadixKernels CodecKernels::*kernelsOf<base32> = &CodecKernels::base32;
+template <>
+inline constexpr RadixKernels CodecKernels::*kernelsOf<base16> = &CodecKernels::base16;
+///@}
 
 /// The value of every character, `notADigit` for those that are none.
 struct DigitValues {

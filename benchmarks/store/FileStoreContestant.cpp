@@ -37,15 +37,12 @@ class FileStore final : public Contestant {
 
   void fill(std::size_t count) override {
     change([&](SecTransaction& store) {
-      OSStatus status = errSecSuccess;
-      for (std::size_t account = 0; account < count && status == errSecSuccess; ++account)
-        status = store.insert(entryOf(account, "password"));
-      return status;
+      for (std::size_t account = 0; account < count; ++account) store.insert(entryOf(account, "password"));
     });
   }
 
   void add(std::size_t account) override {
-    change([&](SecTransaction& store) { return store.insert(entryOf(account, "password")); });
+    change([&](SecTransaction& store) { store.insert(entryOf(account, "password")); });
   }
 
   bool look(std::size_t account) override {
@@ -55,18 +52,18 @@ class FileStore final : public Contestant {
       return false;
     };
     run(SecStorage::Access::read,
-        [&](SecTransaction& store) { return store.find(entryOf(account, "").attributes, take); });
+        [&](SecTransaction& store) { store.find(entryOf(account, "").attributes, take); });
     return found;
   }
 
   void update(std::size_t account) override {
     changeFound(account, [&](SecTransaction& store, std::int64_t number) {
-      return store.replace(number, entryOf(account, "new password"));
+      store.replace(number, entryOf(account, "new password"));
     });
   }
 
   void remove(std::size_t account) override {
-    changeFound(account, [](SecTransaction& store, std::int64_t number) { return store.remove(number); });
+    changeFound(account, [](SecTransaction& store, std::int64_t number) { store.remove(number); });
   }
 
  private:
@@ -86,11 +83,11 @@ class FileStore final : public Contestant {
   void changeFound(std::size_t account, Action action) {
     change([&](SecTransaction& store) {
       std::int64_t number = 0;
-      const OSStatus status = store.find(entryOf(account, "").attributes, [&](const SecRow& row) {
+      store.find(entryOf(account, "").attributes, [&](const SecRow& row) {
         number = row.number;
         return false;
       });
-      return status == errSecSuccess ? action(store, number) : status;
+      action(store, number);
     });
   }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -22,8 +22,8 @@ inline constexpr std::size_t CC_SHA1_BLOCK_BYTES = 64;
 
 /// Writes the MD5 digest (RFC 1321) of `length` bytes to `digest`, 16 bytes, and answers it. `data` may be
 /// null for a length of 0.
-FOUNDATION_EXPORT unsigned char* CC_MD5(const void* data, CC_LONG length, unsigned char* digest);
+NS_EXPORT unsigned char* CC_MD5(const void* data, CC_LONG length, unsigned char* digest);
 
 /// Writes the SHA-1 digest (FIPS 180) of `length` bytes to `digest`, 20 bytes, and answers it. `data` may be
 /// null for a length of 0.
-FOUNDATION_EXPORT unsigned char* CC_SHA1(const void* data, CC_LONG length, unsigned char* digest);
+NS_EXPORT unsigned char* CC_SHA1(const void* data, CC_LONG length, unsigned char* digest);

@@ -1,4 +1,4 @@
-#include "CommonCrypto/CommonHMAC.h"
+#include <CommonCrypto/CommonHMAC.h>
 
 #include <openssl/crypto.h>
 
@@ -6,18 +6,18 @@
 #include <array>
 #include <cstring>
 
-#include "CommonCrypto/CommonDigest.h"
-#include "CommonCrypto/Digest.h"
+#include <CommonCrypto/CommonDigest.h>
+#include <CommonCrypto/Internal/CCDigest.h>
 
 namespace {
 
 using Block = std::array<unsigned char, CC_SHA1_BLOCK_BYTES>;
 
 /// The key as a block: a longer one is digested first (RFC 2104, section 2).
-void keyBlock(Block& block, const Digest::Part& key) {
+void keyBlock(Block& block, const CCDigest::Part& key) {
   block.fill(0);
   if (key.length > block.size())
-    Digest::SHA1().of(block.data(), key);
+    CCDigest::SHA1().of(block.data(), key);
   else if (key.length > 0)
     std::memcpy(block.data(), key.bytes, key.length);
 }
@@ -37,9 +37,9 @@ void CCHmac(CCHmacAlgorithm, const void* key, std::size_t keyLength, const void*
   Block block;
   keyBlock(block, {key, keyLength});
   flip(block, inner);
-  Digest::SHA1().of(digest, Digest::Part{block.data(), block.size()}, Digest::Part{data, dataLength});
+  CCDigest::SHA1().of(digest, CCDigest::Part{block.data(), block.size()}, CCDigest::Part{data, dataLength});
   flip(block, inner ^ outer);
-  Digest::SHA1().of(digest, Digest::Part{block.data(), block.size()},
-                    Digest::Part{digest, CC_SHA1_DIGEST_LENGTH});
+  CCDigest::SHA1().of(digest, CCDigest::Part{block.data(), block.size()},
+                      CCDigest::Part{digest, CC_SHA1_DIGEST_LENGTH});
   OPENSSL_cleanse(block.data(), block.size());
 }

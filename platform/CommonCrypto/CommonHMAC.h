@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,5 +12,5 @@ enum CCHmacAlgorithm : std::uint32_t {
 
 /// Writes the HMAC (RFC 2104) of the data under the key, of any length, to `mac`: 20 bytes for SHA-1, the
 /// only algorithm there is. Nothing of the key stays in memory. Safe on any thread.
-FOUNDATION_EXPORT void CCHmac(CCHmacAlgorithm algorithm, const void* key, std::size_t keyLength,
-                              const void* data, std::size_t dataLength, void* mac);
+NS_EXPORT void CCHmac(CCHmacAlgorithm algorithm, const void* key, std::size_t keyLength, const void* data,
+                      std::size_t dataLength, void* mac);

@@ -5,19 +5,19 @@
 #include <mutex>
 #include <vector>
 
-#include <CoreServices/UTTypeDeclarations.h>
+#include <CoreServices/Internal/UTTypeDeclarations.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSLog.h>
 #include <Foundation/NSPropertyList.h>
 #include <Foundation/NSSet.h>
 
-const Ref<NSString> UTTypeErrorDomain = NSString::stringWithString("UTTypeErrorDomain");
+const NSRef<NSString> UTTypeErrorDomain = NSString::stringWithString("UTTypeErrorDomain");
 
 namespace {
 
 struct Snapshot {
   UTTypeDeclarations declarations;
-  Ref<NSDictionary> supertypes;
+  NSRef<NSDictionary> supertypes;
 };
 
 // Queries read the current snapshot without a lock. A replaced one is kept, since a query may still be at
@@ -32,7 +32,7 @@ class DeclaredTypes {
 
   const NSDictionary& supertypes() const { return *current_.load(std::memory_order_acquire)->supertypes; }
 
-  bool declare(const NSDictionary& information, RefPtr<NSError>* error) {
+  bool declare(const NSDictionary& information, NSRefPtr<NSError>* error) {
     const std::lock_guard lock(mutex_);
     const UTTypeDeclarations& declared = snapshots_.back()->declarations;
     UTTypeDeclarations extended = declared;
@@ -42,14 +42,14 @@ class DeclaredTypes {
 
  private:
   DeclaredTypes() {
-    RefPtr<NSError> error;
+    NSRefPtr<NSError> error;
     replace(UTBuiltInTypes(), nullptr);
     if (!declare(*NSBundle::mainBundle()->infoDictionary(), &error))
       NSLog("The program's type declarations are refused: %@", error->localizedDescription());
   }
 
-  bool replace(UTTypeDeclarations declarations, RefPtr<NSError>* error) {
-    const RefPtr<NSDictionary> supertypes = UTSupertypes(declarations, error);
+  bool replace(UTTypeDeclarations declarations, NSRefPtr<NSError>* error) {
+    const NSRefPtr<NSDictionary> supertypes = UTSupertypes(declarations, error);
     if (!supertypes) return false;
     snapshots_.push_back(std::make_unique<Snapshot>(Snapshot{std::move(declarations), supertypes}));
     current_.store(snapshots_.back().get(), std::memory_order_release);
@@ -63,20 +63,20 @@ class DeclaredTypes {
 
 }  // namespace
 
-bool UTTypeConformsTo(Text type, Text otherType) {
+bool UTTypeConformsTo(NSStringArg type, NSStringArg otherType) {
   const auto sought = type.borrow();
   const auto other = otherType.borrow();
   if (!sought || !other) return false;
   if (sought->isEqualToString(*other)) return true;
-  const RefPtr<NSObject> supertypes = DeclaredTypes::shared().supertypes().objectForKey(*sought);
+  const NSRefPtr<NSObject> supertypes = DeclaredTypes::shared().supertypes().objectForKey(*sought);
   return supertypes && static_cast<const NSSet&>(*supertypes).containsObject(*other);
 }
 
-bool UTTypeDeclareTypesInFile(Text path, RefPtr<NSError>* error) {
+bool UTTypeDeclareTypesInFile(NSStringArg path, NSRefPtr<NSError>* error) {
   const auto text = path.borrow();
   const auto name = text ? text->UTF8String() : std::nullopt;
   const auto information =
-      name ? dynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(*name)) : nullptr;
+      name ? NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(*name)) : nullptr;
   if (!information) return UTRefuse(error, UTTypeErrorUnreadable, "the information file cannot be read");
   return DeclaredTypes::shared().declare(*information, error);
 }

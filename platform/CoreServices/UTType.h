@@ -3,7 +3,7 @@
 #include <Foundation/NSError.h>
 
 /// The domain of the errors of UTTypeDeclareTypesInFile.
-FOUNDATION_EXPORT extern const Ref<NSString> UTTypeErrorDomain;
+NS_EXPORT extern const NSRef<NSString> UTTypeErrorDomain;
 
 /// The codes of those errors: what the file holds.
 enum UTTypeError : std::int64_t {
@@ -19,10 +19,10 @@ enum UTTypeError : std::int64_t {
 /// that it conforms to does. False for an absent argument. Identifiers are compared exactly. Declared are
 /// a table of well-known types and the exported types of the program's bundle; where those are refused, the
 /// log says why. Nothing is allocated but at the first call. For any number of threads at once.
-FOUNDATION_EXPORT bool UTTypeConformsTo(Text type, Text otherType);
+NS_EXPORT bool UTTypeConformsTo(NSStringArg type, NSStringArg otherType);
 
 /// Declares for this process the types that an information file lists under UTExportedTypeDeclarations,
 /// each with its UTTypeIdentifier and, under UTTypeConformsTo, one identifier or a list of them, which need
 /// not be declared themselves. All are declared or, with an error, none. The path is UTF-8. Safe from any
 /// thread; queries see all of them or none.
-FOUNDATION_EXPORT bool UTTypeDeclareTypesInFile(Text path, RefPtr<NSError>* error = nullptr);
+NS_EXPORT bool UTTypeDeclareTypesInFile(NSStringArg path, NSRefPtr<NSError>* error = nullptr);

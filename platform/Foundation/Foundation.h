@@ -3,11 +3,11 @@
 /// @file
 /// All of the platform layer's foundation.
 
-#include <Foundation/Class.h>
 #include <Foundation/NSArray.h>
 #include <Foundation/NSAssertionHandler.h>
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSBundle.h>
+#include <Foundation/NSClass.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include <Foundation/NSEqualityIndex.h>
+#include <Foundation/Internal/NSEqualityIndex.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSMutableString.h>
 
@@ -16,9 +16,9 @@ void checkIndex(std::size_t index, std::size_t end) {
 
 }  // namespace
 
-Ref<NSArray> NSArray::array() { return allocWithTail(0); }
+NSRef<NSArray> NSArray::array() { return allocWithTail(0); }
 
-Ref<NSArray> NSArray::arrayWithObjects(std::initializer_list<Object> objects) {
+NSRef<NSArray> NSArray::arrayWithObjects(std::initializer_list<NSObjectArg> objects) {
   return NSMutableArray::arrayWithObjects(objects)->copy();
 }
 
@@ -26,51 +26,51 @@ NSArray::~NSArray() {
   for (NSObject* element : storage_.units()) element->release();
 }
 
-Ref<NSObject> NSArray::objectAtIndex(std::size_t index) const {
+NSRef<NSObject> NSArray::objectAtIndex(std::size_t index) const {
   checkIndex(index, count());
   return *storage_.units()[index];
 }
 
-std::size_t NSArray::indexOfObject(Object object) const {
-  const RefPtr<NSObject> sought = object.get();
+std::size_t NSArray::indexOfObject(NSObjectArg object) const {
+  const NSRefPtr<NSObject> sought = object.get();
   std::size_t index = 0;
-  for (const Ref<NSObject> element : *this) {
+  for (const NSRef<NSObject> element : *this) {
     if (element->isEqual(sought)) return index;
     ++index;
   }
   return NSNotFound;
 }
 
-Ref<NSString> NSArray::componentsJoinedByString(Text separator) const {
-  const Ref<NSString> between = separator.get();
-  const Ref<NSMutableString> joined = NSMutableString::string();
-  enumerateObjectsUsingBlock([&](const Ref<NSObject>& element, std::size_t index, bool*) {
+NSRef<NSString> NSArray::componentsJoinedByString(NSStringArg separator) const {
+  const NSRef<NSString> between = separator.get();
+  const NSRef<NSMutableString> joined = NSMutableString::string();
+  enumerateObjectsUsingBlock([&](const NSRef<NSObject>& element, std::size_t index, bool*) {
     if (index > 0) joined->appendString(between);
     joined->appendString(element->description());
   });
   return joined->copy();
 }
 
-bool NSArray::isEqual(const RefPtr<NSObject>& other) const {
-  const auto* array = dynamicCast<NSArray>(other.get());
+bool NSArray::isEqual(const NSRefPtr<NSObject>& other) const {
+  const auto* array = NSDynamicCast<NSArray>(other.get());
   if (!array || array->count() != count()) return false;
   std::size_t index = 0;
-  for (const Ref<NSObject> element : *this)
+  for (const NSRef<NSObject> element : *this)
     if (!element->isEqual(array->objectAtIndex(index++))) return false;
   return true;
 }
 
-Ref<NSString> NSArray::description() const {
+NSRef<NSString> NSArray::description() const {
   return NSString::stringWithFormat("(%@)", componentsJoinedByString(", "));
 }
 
-Ref<NSMutableArray> NSArray::mutableCopy() const {
-  const Ref<NSMutableArray> copy = NSMutableArray::arrayWithCapacity(count());
+NSRef<NSMutableArray> NSArray::mutableCopy() const {
+  const NSRef<NSMutableArray> copy = NSMutableArray::arrayWithCapacity(count());
   copy->addObjectsFromArray(const_cast<NSArray&>(*this));
   return copy;
 }
 
-Ref<NSObject> NSArray::mutableCopyObject() const { return mutableCopy(); }
+NSRef<NSObject> NSArray::mutableCopyObject() const { return mutableCopy(); }
 
 void NSArray::appendRetained(const NSArray& from, NSArray& to) {
   const std::size_t added = from.count();
@@ -78,31 +78,31 @@ void NSArray::appendRetained(const NSArray& from, NSArray& to) {
   for (NSObject* element : to.storage_.units().last(added)) element->retain();
 }
 
-Ref<NSMutableArray> NSMutableArray::arrayWithCapacity(std::size_t capacity) {
+NSRef<NSMutableArray> NSMutableArray::arrayWithCapacity(std::size_t capacity) {
   return allocWithTail(NSStorage<NSObject*>::bytesFor(capacity));
 }
 
-Ref<NSMutableArray> NSMutableArray::arrayWithObjects(std::initializer_list<Object> objects) {
-  const Ref<NSMutableArray> array = arrayWithCapacity(objects.size());
-  for (const Object& object : objects) array->addObject(object);
+NSRef<NSMutableArray> NSMutableArray::arrayWithObjects(std::initializer_list<NSObjectArg> objects) {
+  const NSRef<NSMutableArray> array = arrayWithCapacity(objects.size());
+  for (const NSObjectArg& object : objects) array->addObject(object);
   return array;
 }
 
-Ref<NSArray> NSMutableArray::fixedCopy() const {
-  const Ref<NSArray> fixed = NSArray::allocWithTail(NSStorage<NSObject*>::bytesFor(count()));
+NSRef<NSArray> NSMutableArray::fixedCopy() const {
+  const NSRef<NSArray> fixed = NSArray::allocWithTail(NSStorage<NSObject*>::bytesFor(count()));
   appendRetained(*this, *fixed);
   return fixed;
 }
 
-void NSMutableArray::addObject(Object object) { insertObject(object, count()); }
+void NSMutableArray::addObject(NSObjectArg object) { insertObject(object, count()); }
 
-void NSMutableArray::addObjectsFromArray(const Ref<NSArray>& objects) {
+void NSMutableArray::addObjectsFromArray(const NSRef<NSArray>& objects) {
   ++changes_;
   appendRetained(*objects, *this);
 }
 
-void NSMutableArray::insertObject(Object object, std::size_t atIndex) {
-  Ref<NSObject> added = object.get();
+void NSMutableArray::insertObject(NSObjectArg object, std::size_t atIndex) {
+  NSRef<NSObject> added = object.get();
   checkIndex(atIndex, count() + 1);
   storage_.grow(1);
   ++changes_;
@@ -112,8 +112,8 @@ void NSMutableArray::insertObject(Object object, std::size_t atIndex) {
   units[atIndex] = added.get();
 }
 
-void NSMutableArray::replaceObjectAtIndex(std::size_t index, Object withObject) {
-  const Ref<NSObject> added = withObject.get();
+void NSMutableArray::replaceObjectAtIndex(std::size_t index, NSObjectArg withObject) {
+  const NSRef<NSObject> added = withObject.get();
   checkIndex(index, count());
   ++changes_;
   added->retain();
@@ -124,7 +124,7 @@ void NSMutableArray::removeObjectAtIndex(std::size_t index) {
   checkIndex(index, count());
   ++changes_;
   const auto units = storage_.units();
-  const auto removed = RefPtr<NSObject>::adopt(units[index]);
+  const auto removed = NSRefPtr<NSObject>::adopt(units[index]);
   std::copy(units.begin() + static_cast<std::ptrdiff_t>(index) + 1, units.end(),
             units.begin() + static_cast<std::ptrdiff_t>(index));
   storage_.setCount(units.size() - 1);
@@ -139,19 +139,19 @@ void NSMutableArray::removeAllObjects() {
   removeObjectsWhere([](NSObject&) { return true; });
 }
 
-void NSMutableArray::removeObject(Object object) {
-  const RefPtr<NSObject> sought = object.get();
+void NSMutableArray::removeObject(NSObjectArg object) {
+  const NSRefPtr<NSObject> sought = object.get();
   removeObjectsWhere([&](NSObject& element) { return element.isEqual(sought); });
 }
 
-void NSMutableArray::removeObjectsInArray(const RefPtr<NSArray>& objects) {
+void NSMutableArray::removeObjectsInArray(const NSRefPtr<NSArray>& objects) {
   if (!objects) return;
-  const Ref<NSArray> unwanted = objects->copy();
+  const NSRef<NSArray> unwanted = objects->copy();
   NSEqualityIndex index;
-  for (const Ref<NSObject> each : *unwanted) index.add(*each);
+  for (const NSRef<NSObject> each : *unwanted) index.add(*each);
   removeObjectsWhere([&](NSObject& element) {
     return index.containsOne(element, [&](const NSObject& each) {
-      return element.isEqual(RefPtr<NSObject>(const_cast<NSObject*>(&each)));
+      return element.isEqual(NSRefPtr<NSObject>(const_cast<NSObject*>(&each)));
     });
   });
 }
@@ -161,15 +161,15 @@ template <class Unwanted>
 void NSMutableArray::removeObjectsWhere(Unwanted&& unwanted) {
   std::vector<bool> goes;
   goes.reserve(count());
-  for (const Ref<NSObject> element : *this) goes.push_back(unwanted(*element));
-  std::vector<RefPtr<NSObject>> removed;
+  for (const NSRef<NSObject> element : *this) goes.push_back(unwanted(*element));
+  std::vector<NSRefPtr<NSObject>> removed;
   removed.reserve(static_cast<std::size_t>(std::count(goes.begin(), goes.end(), true)));
   ++changes_;
   const auto units = storage_.units();
   std::size_t kept = 0;
   for (std::size_t i = 0; i < units.size(); ++i) {
     if (goes[i])
-      removed.push_back(RefPtr<NSObject>::adopt(units[i]));
+      removed.push_back(NSRefPtr<NSObject>::adopt(units[i]));
     else
       units[kept++] = units[i];
   }

@@ -11,38 +11,38 @@
 class NSMutableArray;
 
 /// What a search answers when there is nothing to find.
-inline constexpr std::size_t NSNotFound = std::numeric_limits<std::size_t>::max();
+inline constexpr std::size_t NSNotFound = (std::numeric_limits<std::size_t>::max)();
 
 /// An ordered list of objects. Equality of elements is value equality, asked of the element in the list.
 /// Fixed, so that any number of threads may use one at once.
-class FOUNDATION_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
+class NS_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
  public:
   /// A list of no objects, of one, of several, or of those in another list, which is shared when it is
   /// fixed. Nil among the objects raises the invalid-argument exception.
   ///@{
-  static Ref<NSArray> array();
-  static Ref<NSArray> arrayWithObject(Object object) { return arrayWithObjects({object}); }
-  static Ref<NSArray> arrayWithObjects(std::initializer_list<Object> objects);
-  static Ref<NSArray> arrayWithArray(const Ref<NSArray>& array) { return array->copy(); }
+  static NSRef<NSArray> array();
+  static NSRef<NSArray> arrayWithObject(NSObjectArg object) { return arrayWithObjects({object}); }
+  static NSRef<NSArray> arrayWithObjects(std::initializer_list<NSObjectArg> objects);
+  static NSRef<NSArray> arrayWithArray(const NSRef<NSArray>& array) { return array->copy(); }
   ///@}
 
   /// The number of elements, in constant time.
   std::size_t count() const override { return storage_.count(); }
   /// Raises the range exception from `count` on.
-  Ref<NSObject> objectAtIndex(std::size_t index) const;
+  NSRef<NSObject> objectAtIndex(std::size_t index) const;
   /// Absent when the list is empty.
   ///@{
-  RefPtr<NSObject> firstObject() const {
-    return count() ? RefPtr<NSObject>(storage_.units().front()) : nullptr;
+  NSRefPtr<NSObject> firstObject() const {
+    return count() ? NSRefPtr<NSObject>(storage_.units().front()) : nullptr;
   }
-  RefPtr<NSObject> lastObject() const {
-    return count() ? RefPtr<NSObject>(storage_.units().back()) : nullptr;
+  NSRefPtr<NSObject> lastObject() const {
+    return count() ? NSRefPtr<NSObject>(storage_.units().back()) : nullptr;
   }
   ///@}
   /// Whether an element equals the object; which is the first that does, or NSNotFound. Linear.
   ///@{
-  bool containsObject(Object object) const { return indexOfObject(object) != NSNotFound; }
-  std::size_t indexOfObject(Object object) const;
+  bool containsObject(NSObjectArg object) const { return indexOfObject(object) != NSNotFound; }
+  std::size_t indexOfObject(NSObjectArg object) const;
   ///@}
 
   /// Calls `each(element, index, stop)` in order until it sets `*stop`; raises the generic exception when
@@ -51,42 +51,41 @@ class FOUNDATION_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
   void enumerateObjectsUsingBlock(Each&& each) const {
     bool stop = false;
     std::size_t index = 0;
-    for (const Ref<NSObject> element : *this) {
+    for (const NSRef<NSObject> element : *this) {
       std::invoke(each, element, index++, &stop);
       if (stop) return;
     }
   }
 
   /// The elements' descriptions, a text's being itself, with the separator between neighbours.
-  Ref<NSString> componentsJoinedByString(Text separator) const;
+  NSRef<NSString> componentsJoinedByString(NSStringArg separator) const;
 
   /// Equal is a list of as many elements, each equal to the one in its place. The hash is the count. The
   /// description is that of the elements, in parentheses, with ", " between neighbours.
   ///@{
-  bool isEqual(const RefPtr<NSObject>& other) const override;
+  bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return count(); }
-  Ref<NSString> description() const override;
+  NSRef<NSString> description() const override;
   ///@}
   /// As NSObject's; the elements are shared, not copied.
   ///@{
-  Ref<NSArray> copy() const { return fixedCopy(); }
-  Ref<NSMutableArray> mutableCopy() const;
+  NSRef<NSArray> copy() const { return fixedCopy(); }
+  NSRef<NSMutableArray> mutableCopy() const;
   ///@}
 
  protected:
-  template <class Self, class Base>
-  friend class NSObjectLayer;
-
   /// What lists and growable lists share: how they are made, copied and walked. The storage holds a
   /// reference to each element.
   ///@{
   explicit NSArray(NSTail tail) : storage_(tail) {}
   ~NSArray() override;
 
-  virtual Ref<NSArray> fixedCopy() const { return const_cast<NSArray&>(*this); }
-  Ref<NSObject> copyObject() const override { return fixedCopy(); }
-  Ref<NSObject> mutableCopyObject() const override;
-  Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const override { return *storage_.units()[index]; }
+  virtual NSRef<NSArray> fixedCopy() const { return const_cast<NSArray&>(*this); }
+  NSRef<NSObject> copyObject() const override { return fixedCopy(); }
+  NSRef<NSObject> mutableCopyObject() const override;
+  NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const override {
+    return *storage_.units()[index];
+  }
 
   static void appendRetained(const NSArray& from, NSArray& to);
 
@@ -95,46 +94,43 @@ class FOUNDATION_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
 };
 
 /// A list that grows, and is changed in place. For one thread at a time.
-class FOUNDATION_EXPORT NSMutableArray : public NSArray::Subclass<NSMutableArray> {
+class NS_EXPORT NSMutableArray : public NSArray::Subclass<NSMutableArray> {
  public:
   /// A new list, empty or of the objects, with room for `capacity` in its own block. Nil among the objects
   /// raises the invalid-argument exception.
   ///@{
-  static Ref<NSMutableArray> array() { return arrayWithCapacity(0); }
-  static Ref<NSMutableArray> arrayWithCapacity(std::size_t capacity);
-  static Ref<NSMutableArray> arrayWithObjects(std::initializer_list<Object> objects);
-  static Ref<NSMutableArray> arrayWithArray(const Ref<NSArray>& array) { return array->mutableCopy(); }
+  static NSRef<NSMutableArray> array() { return arrayWithCapacity(0); }
+  static NSRef<NSMutableArray> arrayWithCapacity(std::size_t capacity);
+  static NSRef<NSMutableArray> arrayWithObjects(std::initializer_list<NSObjectArg> objects);
+  static NSRef<NSMutableArray> arrayWithArray(const NSRef<NSArray>& array) { return array->mutableCopy(); }
   ///@}
 
   /// Nil raises the invalid-argument exception, an index beyond the list the range exception, as does
   /// taking the last object of none; the list is then as it was. An object may be inserted at `count`.
   /// Adding takes constant time on average, inserting and removing move all that comes after.
   ///@{
-  void addObject(Object object);
-  void addObjectsFromArray(const Ref<NSArray>& objects);
-  void insertObject(Object object, std::size_t atIndex);
-  void replaceObjectAtIndex(std::size_t index, Object withObject);
+  void addObject(NSObjectArg object);
+  void addObjectsFromArray(const NSRef<NSArray>& objects);
+  void insertObject(NSObjectArg object, std::size_t atIndex);
+  void replaceObjectAtIndex(std::size_t index, NSObjectArg withObject);
   void removeObjectAtIndex(std::size_t index);
   void removeLastObject();
   void removeAllObjects();
   ///@}
   /// Removes every element that equals the object.
-  void removeObject(Object object);
+  void removeObject(NSObjectArg object);
   /// Removes every element that equals one of the objects; absent objects remove nothing. The cost grows
   /// with the sum of both counts where NSEquality allows it, else with the product.
-  void removeObjectsInArray(const RefPtr<NSArray>& objects);
+  void removeObjectsInArray(const NSRefPtr<NSArray>& objects);
 
   /// A fixed list of the elements at this moment.
-  Ref<NSArray> copy() const { return fixedCopy(); }
+  NSRef<NSArray> copy() const { return fixedCopy(); }
 
  protected:
-  template <class Self, class Base>
-  friend class NSObjectLayer;
-
   /// How a growable list is made and copied, and how a walk sees that it changed.
   ///@{
   explicit NSMutableArray(NSTail tail) : NSArray::Subclass<NSMutableArray>(tail) {}
-  Ref<NSArray> fixedCopy() const override;
+  NSRef<NSArray> fixedCopy() const override;
   std::size_t changes() const noexcept override { return changes_; }
   ///@}
 

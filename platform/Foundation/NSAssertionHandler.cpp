@@ -4,21 +4,21 @@
 
 namespace {
 
-thread_local RefPtr<NSAssertionHandler> handlerOfThread;
+thread_local NSRefPtr<NSAssertionHandler> handlerOfThread;
 
 }  // namespace
 
-Ref<NSAssertionHandler> NSAssertionHandler::currentHandler() {
+NSRef<NSAssertionHandler> NSAssertionHandler::currentHandler() {
   if (!handlerOfThread) handlerOfThread = NSAssertionHandler::alloc();
   return handlerOfThread;
 }
 
-void NSAssertionHandler::setCurrentHandler(const RefPtr<NSAssertionHandler>& handler) {
+void NSAssertionHandler::setCurrentHandler(const NSRefPtr<NSAssertionHandler>& handler) {
   handlerOfThread = handler;
 }
 
 void NSAssertionHandler::handleFailureInMethod(const NSString&, const NSObject&, const NSString&, std::size_t,
                                                const NSString& description,
-                                               std::span<const FormatArgument> arguments) {
+                                               std::span<const NSFormatArg> arguments) {
   throw NSException(NSInternalInconsistencyException, NSFormat(description, arguments));
 }

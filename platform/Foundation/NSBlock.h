@@ -12,11 +12,17 @@ class NSBlock;
 template <class Value>
 inline constexpr bool NSIsHandle = false;
 template <class T>
-inline constexpr bool NSIsHandle<Ref<T>> = true;
+inline constexpr bool NSIsHandle<NSRef<T>> = true;
 template <class T>
-inline constexpr bool NSIsHandle<RefPtr<T>> = true;
+inline constexpr bool NSIsHandle<NSRefPtr<T>> = true;
 
-/// A callable that is kept, listed or tested for absence. It is made implicitly where a RefPtr to one is
+/// What a block can be made of: anything callable with the signature, other than a handle or nil.
+template <class Callable, class Signature>
+concept NSBlockCallable = !NSIsHandle<std::remove_cvref_t<Callable>> &&
+                          !std::same_as<std::remove_cvref_t<Callable>, std::nullptr_t> &&
+                          std::constructible_from<std::function<Signature>, Callable>;
+
+/// A callable that is kept, listed or tested for absence. It is made implicitly where a NSRefPtr to one is
 /// wanted, from anything callable; an empty std::function or a null pointer makes an absent one. Whether
 /// it may be called on several threads at once is the callable's affair.
 template <class Result, class... Arguments>
@@ -26,11 +32,8 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
   /// Keeps the callable, which must not be empty: `implicitly` makes an absent block of such a one.
   ///@{
   explicit NSBlock(std::function<Result(Arguments...)> callable) : callable_(std::move(callable)) {}
-  template <class Callable>
-  requires(!NSIsHandle<std::remove_cvref_t<Callable>> &&
-           !std::same_as<std::remove_cvref_t<Callable>, std::nullptr_t> &&
-           std::constructible_from<std::function<Result(Arguments...)>, Callable>) static RefPtr<NSBlock>
-  implicitly(Callable && callable) {
+  template <NSBlockCallable<Result(Arguments...)> Callable>
+  static NSRefPtr<NSBlock> implicitly(Callable && callable) {
     std::function<Result(Arguments...)> held(std::forward<Callable>(callable));
     if (!held) return nullptr;
     return NSBlock::alloc(std::move(held));
@@ -41,7 +44,7 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
   Result operator()(Arguments... arguments) const { return callable_(std::forward<Arguments>(arguments)...); }
 
   /// A block is fixed: another reference.
-  Ref<NSBlock> copy() const { return const_cast<NSBlock&>(*this); }
+  NSRef<NSBlock> copy() const { return const_cast<NSBlock&>(*this); }
 
  private:
   std::function<Result(Arguments...)> callable_;

@@ -12,8 +12,8 @@ namespace {
 
 namespace files = std::filesystem;
 
-RefPtr<NSDictionary> dictionaryInFile(const files::path& path) {
-  return dynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(path.string()));
+NSRefPtr<NSDictionary> dictionaryInFile(const files::path& path) {
+  return NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(path.string()));
 }
 
 // The folder of the file that a link stands for; empty when there is none.
@@ -39,20 +39,20 @@ std::vector<std::string> loadedCode() {
 
 }  // namespace
 
-Ref<NSBundle> NSBundle::mainBundle() { return alloc(folderOf(program)); }
+NSRef<NSBundle> NSBundle::mainBundle() { return alloc(folderOf(program)); }
 
-RefPtr<NSBundle> NSBundle::bundleWithIdentifier(Text identifier) {
+NSRefPtr<NSBundle> NSBundle::bundleWithIdentifier(NSStringArg identifier) {
   const auto sought = identifier.borrow();
   if (!sought) return nullptr;
   for (const std::string& name : loadedCode()) {
-    const Ref<NSBundle> bundle = alloc(folderOf(name));
-    const RefPtr<NSString> own = bundle->bundleIdentifier();
+    const NSRef<NSBundle> bundle = alloc(folderOf(name));
+    const NSRefPtr<NSString> own = bundle->bundleIdentifier();
     if (own && own->isEqualToString(*sought)) return bundle;
   }
   return nullptr;
 }
 
-RefPtr<NSBundle> NSBundle::bundleWithPath(Text path) {
+NSRefPtr<NSBundle> NSBundle::bundleWithPath(NSStringArg path) {
   const auto text = path.borrow();
   const auto folder = text ? text->UTF8String() : std::nullopt;
   std::error_code error;
@@ -60,37 +60,37 @@ RefPtr<NSBundle> NSBundle::bundleWithPath(Text path) {
   return alloc(*folder);
 }
 
-Ref<NSString> NSBundle::bundlePath() const {
-  const RefPtr<NSString> path = NSString::stringWithUTF8String(folder_);
-  return path ? Ref<NSString>(path) : NSString::string();
+NSRef<NSString> NSBundle::bundlePath() const {
+  const NSRefPtr<NSString> path = NSString::stringWithUTF8String(folder_);
+  return path ? NSRef<NSString>(path) : NSString::string();
 }
 
-RefPtr<NSString> NSBundle::bundleIdentifier() const {
-  return dynamicCast<NSString>(infoDictionary()->objectForKey("CFBundleIdentifier"));
+NSRefPtr<NSString> NSBundle::bundleIdentifier() const {
+  return NSDynamicCast<NSString>(infoDictionary()->objectForKey("CFBundleIdentifier"));
 }
 
-Ref<NSDictionary> NSBundle::infoDictionary() const {
-  const RefPtr<NSDictionary> info = dictionaryInFile(files::path(folder_) / "Resources" / "Info.plist");
-  return info ? Ref<NSDictionary>(info) : NSDictionary::dictionary();
+NSRef<NSDictionary> NSBundle::infoDictionary() const {
+  const NSRefPtr<NSDictionary> info = dictionaryInFile(files::path(folder_) / "Resources" / "Info.plist");
+  return info ? NSRef<NSDictionary>(info) : NSDictionary::dictionary();
 }
 
-Ref<NSString> NSBundle::localizedStringForKey(Text key, Text value, Text table) const {
-  const RefPtr<NSString> sought = key.get();
-  const RefPtr<NSString> fallback = value.get();
+NSRef<NSString> NSBundle::localizedStringForKey(NSStringArg key, NSStringArg value, NSStringArg table) const {
+  const NSRefPtr<NSString> sought = key.get();
+  const NSRefPtr<NSString> fallback = value.get();
   const auto name = table ? table.borrow()->UTF8String() : "Localizable";
   if (sought && name)
-    if (const RefPtr<NSString> translation = translationOf(*sought, *name)) return translation;
+    if (const NSRefPtr<NSString> translation = translationOf(*sought, *name)) return translation;
   if (fallback && fallback->length() > 0) return fallback;
-  return sought ? Ref<NSString>(sought) : NSString::string();
+  return sought ? NSRef<NSString>(sought) : NSString::string();
 }
 
-RefPtr<NSString> NSBundle::translationOf(const NSString& key, const std::string& table) const {
+NSRefPtr<NSString> NSBundle::translationOf(const NSString& key, const std::string& table) const {
   for (const std::string& language : NSPreferredLanguages()) {
     if (language.find('/') != std::string::npos) continue;
-    const RefPtr<NSDictionary> texts =
+    const NSRefPtr<NSDictionary> texts =
         dictionaryInFile(files::path(folder_) / "Resources" / (language + ".lproj") / (table + ".strings"));
     if (!texts) continue;
-    if (const auto translation = dynamicCast<NSString>(texts->objectForKey(key))) return translation;
+    if (const auto translation = NSDynamicCast<NSString>(texts->objectForKey(key))) return translation;
   }
   return nullptr;
 }

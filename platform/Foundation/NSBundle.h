@@ -9,37 +9,34 @@
 /// "Resources" with an information file, Info.plist, lies. Nothing is kept between calls: files are read
 /// anew each time, and a damaged one counts as one that is not there. Fixed; any number of threads may
 /// use one at once.
-class FOUNDATION_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
+class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
  public:
   /// The bundle of the program.
-  static Ref<NSBundle> mainBundle();
+  static NSRef<NSBundle> mainBundle();
   /// The bundle of the program or of a library that is loaded now; absent when none has the identifier.
-  static RefPtr<NSBundle> bundleWithIdentifier(Text identifier);
+  static NSRefPtr<NSBundle> bundleWithIdentifier(NSStringArg identifier);
   /// The bundle in a folder, named in UTF-8; absent when the folder holds no resources.
-  static RefPtr<NSBundle> bundleWithPath(Text path);
+  static NSRefPtr<NSBundle> bundleWithPath(NSStringArg path);
 
   /// The folder: of the program or a loaded library absolute and without links, else as it was given. Empty
   /// when it is not UTF-8.
-  Ref<NSString> bundlePath() const;
+  NSRef<NSString> bundlePath() const;
   /// Absent when the information file has none.
-  RefPtr<NSString> bundleIdentifier() const;
+  NSRefPtr<NSString> bundleIdentifier() const;
   /// The information file; empty when there is none.
-  Ref<NSDictionary> infoDictionary() const;
+  NSRef<NSDictionary> infoDictionary() const;
 
   /// The text for the key in the best of the user's languages that has it, from Resources/LANGUAGE.lproj;
   /// an absent table is "Localizable". Where there is none: the value if it is not empty, else the key. A
   /// nil key gives the value, or the empty text.
-  Ref<NSString> localizedStringForKey(Text key, Text value, Text table) const;
+  NSRef<NSString> localizedStringForKey(NSStringArg key, NSStringArg value, NSStringArg table) const;
 
  protected:
-  template <class Self>
-  friend class NSAllocated;
-
   /// A bundle in the folder, which need not be there.
   explicit NSBundle(std::string folder) : folder_(std::move(folder)) {}
 
  private:
-  RefPtr<NSString> translationOf(const NSString& key, const std::string& table) const;
+  NSRefPtr<NSString> translationOf(const NSString& key, const std::string& table) const;
 
   std::string folder_;
 };

@@ -1,5 +1,6 @@
 #include <Foundation/NSData.h>
 
+#include <cstring>
 #include <string_view>
 
 #include <Foundation/NSString.h>
@@ -16,46 +17,46 @@ std::span<const std::byte> asBytes(const void* bytes, std::size_t length) {
 
 }  // namespace
 
-Ref<NSData> NSData::data() { return dataWithBytes({}); }
+NSRef<NSData> NSData::data() { return dataWithBytes({}); }
 
-Ref<NSData> NSData::dataWithBytes(const void* bytes, std::size_t length) {
+NSRef<NSData> NSData::dataWithBytes(const void* bytes, std::size_t length) {
   return dataWithBytes(asBytes(bytes, length));
 }
 
-Ref<NSData> NSData::dataWithBytes(std::span<const std::byte> bytes, bool secret) {
-  const Ref<NSData> data = allocWithTail(bytes.size());
+NSRef<NSData> NSData::dataWithBytes(std::span<const std::byte> bytes, bool secret) {
+  const NSRef<NSData> data = allocWithTail(bytes.size());
   data->storage_.append(bytes);
   data->setHoldsSecret(secret);
   return data;
 }
 
-bool NSData::isEqual(const RefPtr<NSObject>& other) const {
-  const auto* data = dynamicCast<NSData>(other.get());
+bool NSData::isEqual(const NSRefPtr<NSObject>& other) const {
+  const auto* data = NSDynamicCast<NSData>(other.get());
   return data && asText(bytes()) == asText(data->bytes());
 }
 
 std::size_t NSData::hash() const { return std::hash<std::string_view>{}(asText(bytes())); }
 
-Ref<NSString> NSData::description() const { return NSString::stringWithFormat("<%lu bytes>", length()); }
+NSRef<NSString> NSData::description() const { return NSString::stringWithFormat("<%lu bytes>", length()); }
 
-Ref<NSMutableData> NSData::mutableCopy() const {
+NSRef<NSMutableData> NSData::mutableCopy() const {
   return NSMutableData::dataWithBytes(bytes(), holdsSecret());
 }
 
-Ref<NSObject> NSData::mutableCopyObject() const { return mutableCopy(); }
+NSRef<NSObject> NSData::mutableCopyObject() const { return mutableCopy(); }
 
-Ref<NSMutableData> NSMutableData::dataWithLength(std::size_t length) {
-  const Ref<NSMutableData> data = dataWithCapacity(length);
+NSRef<NSMutableData> NSMutableData::dataWithLength(std::size_t length) {
+  const NSRef<NSMutableData> data = dataWithCapacity(length);
   data->setLength(length);
   return data;
 }
 
-Ref<NSMutableData> NSMutableData::dataWithBytes(const void* bytes, std::size_t length) {
+NSRef<NSMutableData> NSMutableData::dataWithBytes(const void* bytes, std::size_t length) {
   return dataWithBytes(asBytes(bytes, length));
 }
 
-Ref<NSMutableData> NSMutableData::dataWithBytes(std::span<const std::byte> bytes, bool secret) {
-  const Ref<NSMutableData> data = dataWithCapacity(bytes.size());
+NSRef<NSMutableData> NSMutableData::dataWithBytes(std::span<const std::byte> bytes, bool secret) {
+  const NSRef<NSMutableData> data = dataWithCapacity(bytes.size());
   data->storage_.append(bytes);
   data->setHoldsSecret(secret);
   return data;
@@ -65,7 +66,7 @@ void NSMutableData::appendBytes(const void* bytes, std::size_t length) {
   storage_.append(asBytes(bytes, length));
 }
 
-void NSMutableData::appendData(const Ref<NSData>& data) {
+void NSMutableData::appendData(const NSRef<NSData>& data) {
   if (data->holdsSecret()) setHoldsSecret(true);
   storage_.append(data->bytes());
 }
@@ -73,5 +74,5 @@ void NSMutableData::appendData(const Ref<NSData>& data) {
 void NSMutableData::setLength(std::size_t length) {
   const std::size_t before = storage_.count();
   storage_.setCount(length);
-  for (std::size_t i = before; i < length; ++i) storage_.units()[i] = std::byte{0};
+  if (length > before) std::memset(storage_.units().data() + before, 0, length - before);
 }

@@ -6,46 +6,44 @@
 #include <Foundation/NSString.h>
 
 /// The key in the user information for the text that people are shown.
-FOUNDATION_EXPORT extern const Ref<NSString> NSLocalizedDescriptionKey;
+NS_EXPORT extern const NSRef<NSString> NSLocalizedDescriptionKey;
 /// The key for the NSError that is the cause of this one.
-FOUNDATION_EXPORT extern const Ref<NSString> NSUnderlyingErrorKey;
+NS_EXPORT extern const NSRef<NSString> NSUnderlyingErrorKey;
 /// The domain of errors whose code is an OSStatus.
-FOUNDATION_EXPORT extern const Ref<NSString> NSOSStatusErrorDomain;
+NS_EXPORT extern const NSRef<NSString> NSOSStatusErrorDomain;
 
 /// What went wrong: a domain, a code within it, and what else is known. Fixed, so that any number of threads
 /// may use one at once.
-class FOUNDATION_EXPORT NSError : public NSObject::Subclass<NSError> {
+class NS_EXPORT NSError : public NSObject::Subclass<NSError> {
  public:
   /// A nil domain raises the invalid-argument exception; absent user information is an empty map.
-  static Ref<NSError> errorWithDomain(Text domain, std::int64_t code, const RefPtr<NSDictionary>& userInfo);
+  static NSRef<NSError> errorWithDomain(NSStringArg domain, std::int64_t code,
+                                        const NSRefPtr<NSDictionary>& userInfo);
 
   /// What it was made of; the code means something only within the domain.
   ///@{
-  const Ref<NSString>& domain() const noexcept { return domain_; }
+  const NSRef<NSString>& domain() const noexcept { return domain_; }
   std::int64_t code() const noexcept { return code_; }
-  const Ref<NSDictionary>& userInfo() const noexcept { return userInfo_; }
+  const NSRef<NSDictionary>& userInfo() const noexcept { return userInfo_; }
   ///@}
   /// The text under NSLocalizedDescriptionKey, else one made of domain and code.
-  Ref<NSString> localizedDescription() const;
+  NSRef<NSString> localizedDescription() const;
 
   /// Equal is an error of the same domain and code with equal user information; the hash takes in the first
   /// two. The description is the domain, the code and the localised description.
   ///@{
-  bool isEqual(const RefPtr<NSObject>& other) const override;
+  bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return domain_->hash() ^ static_cast<std::size_t>(code_); }
-  Ref<NSString> description() const override;
+  NSRef<NSString> description() const override;
   ///@}
 
  protected:
-  template <class Self>
-  friend class NSAllocated;
-
   /// Keeps the very objects.
-  NSError(Ref<NSString> domain, std::int64_t code, Ref<NSDictionary> userInfo)
+  NSError(NSRef<NSString> domain, std::int64_t code, NSRef<NSDictionary> userInfo)
       : domain_(std::move(domain)), code_(code), userInfo_(std::move(userInfo)) {}
 
  private:
-  Ref<NSString> domain_;
+  NSRef<NSString> domain_;
   std::int64_t code_;
-  Ref<NSDictionary> userInfo_;
+  NSRef<NSDictionary> userInfo_;
 };

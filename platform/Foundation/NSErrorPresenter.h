@@ -6,13 +6,13 @@
 #include <Foundation/NSError.h>
 
 /// Shows errors to the user. A host derives its own and says how.
-class FOUNDATION_EXPORT NSErrorPresenter {
+class NS_EXPORT NSErrorPresenter {
  public:
   virtual ~NSErrorPresenter() = default;
 
   /// Shows the error with the options in its user information and has its recovery attempter carry out the
   /// chosen one. Answers whether that recovered; without an answer or an attempter it did not.
-  bool presentError(const Ref<NSError>& error);
+  bool presentError(const NSRef<NSError>& error);
 
  protected:
   /// The index of the option that the user chose; absent when there is none, or none was chosen.

@@ -1,5 +1,5 @@
 #include <Foundation/NSErrorRecoveryAttempting.h>
 
-const Ref<NSString> NSRecoveryAttempterErrorKey = NSString::stringWithString("NSRecoveryAttempter");
-const Ref<NSString> NSLocalizedRecoveryOptionsErrorKey =
+const NSRef<NSString> NSRecoveryAttempterErrorKey = NSString::stringWithString("NSRecoveryAttempter");
+const NSRef<NSString> NSLocalizedRecoveryOptionsErrorKey =
     NSString::stringWithString("NSLocalizedRecoveryOptions");

@@ -2,13 +2,13 @@
 
 #include <sstream>
 
-const Ref<NSString> NSGenericException = NSString::stringWithString("NSGenericException");
-const Ref<NSString> NSInternalInconsistencyException =
+const NSRef<NSString> NSGenericException = NSString::stringWithString("NSGenericException");
+const NSRef<NSString> NSInternalInconsistencyException =
     NSString::stringWithString("NSInternalInconsistencyException");
-const Ref<NSString> NSInvalidArgumentException = NSString::stringWithString("NSInvalidArgumentException");
-const Ref<NSString> NSRangeException = NSString::stringWithString("NSRangeException");
+const NSRef<NSString> NSInvalidArgumentException = NSString::stringWithString("NSInvalidArgumentException");
+const NSRef<NSString> NSRangeException = NSString::stringWithString("NSRangeException");
 
-NSException::NSException(Text name, Text reason, RefPtr<NSDictionary> userInfo)
+NSException::NSException(NSStringArg name, NSStringArg reason, NSRefPtr<NSDictionary> userInfo)
     : name_(name.get()), reason_(reason.get()), userInfo_(std::move(userInfo)) {
   std::ostringstream text;
   text << name_ << ": " << reason_;

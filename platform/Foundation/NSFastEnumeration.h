@@ -8,7 +8,7 @@
 /// What the collections have in common: their elements can be walked in the collection's order, by a range
 /// for loop. A change of the collection during the walk raises the generic exception at the next step.
 /// Hosts derive collections of their own from it.
-class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnumeration> {
+class NS_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnumeration> {
  public:
   /// The number of elements at this moment.
   virtual std::size_t count() const = 0;
@@ -20,14 +20,14 @@ class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnum
     /// What the algorithms of the standard library ask of an input iterator.
     ///@{
     using iterator_category = std::input_iterator_tag;
-    using value_type = Ref<NSObject>;
+    using value_type = NSRef<NSObject>;
     using difference_type = std::ptrdiff_t;
     using pointer = void;
-    using reference = Ref<NSObject>;
+    using reference = NSRef<NSObject>;
 
     explicit Iterator(const NSFastEnumeration& collection)
         : collection_(&collection), changes_(collection.changes()) {}
-    Ref<NSObject> operator*() const { return collection_->enumeratedObjectAtIndex(index_); }
+    NSRef<NSObject> operator*() const { return collection_->enumeratedObjectAtIndex(index_); }
     Iterator& operator++() {
       ++index_;
       return *this;
@@ -53,7 +53,7 @@ class FOUNDATION_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnum
 
  protected:
   /// An object below `count`, in the order of the walk.
-  virtual Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const = 0;
+  virtual NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const = 0;
   /// A number that differs after each change; a fixed collection keeps it.
   virtual std::size_t changes() const noexcept { return 0; }
 

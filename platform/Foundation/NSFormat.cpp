@@ -10,10 +10,10 @@ namespace {
 // Walks a format and its arguments side by side.
 class Filler {
  public:
-  Filler(std::u16string_view format, std::span<const FormatArgument> arguments)
+  Filler(std::u16string_view format, std::span<const NSFormatArg> arguments)
       : format_(format), arguments_(arguments) {}
 
-  Ref<NSString> filled() {
+  NSRef<NSString> filled() {
     while (!format_.empty()) {
       const std::size_t plain = std::min(format_.find(u'%'), format_.size());
       result_->appendCharacters(format_.substr(0, plain));
@@ -28,21 +28,20 @@ class Filler {
   void fillDirective() {
     if (takes(u"%%")) return result_->appendCharacters(u"%");
     if (takes(u"%@")) return fillObject(next());
-    if (takes(u"%d")) return fillDecimal(next(), &FormatArgument::isSigned, &FormatArgument::signedInteger);
-    if (takes(u"%lu"))
-      return fillDecimal(next(), &FormatArgument::isUnsigned, &FormatArgument::unsignedInteger);
+    if (takes(u"%d")) return fillDecimal(next(), &NSFormatArg::isSigned, &NSFormatArg::signedInteger);
+    if (takes(u"%lu")) return fillDecimal(next(), &NSFormatArg::isUnsigned, &NSFormatArg::unsignedInteger);
     refuse("a directive is unknown");
   }
 
-  void fillObject(const FormatArgument& argument) {
+  void fillObject(const NSFormatArg& argument) {
     if (!argument.isObject()) refuse("%@ wants an object");
-    const RefPtr<NSObject> object = argument.object().get();
+    const NSRefPtr<NSObject> object = argument.object().get();
     if (!object) return result_->appendCharacters(u"(null)");
     result_->appendString(object->description());
   }
 
   template <class Kind, class Value>
-  void fillDecimal(const FormatArgument& argument, Kind isOfKind, Value value) {
+  void fillDecimal(const NSFormatArg& argument, Kind isOfKind, Value value) {
     if (!(argument.*isOfKind)()) refuse("an argument is not of the directive's kind");
     const std::string digits = std::to_string((argument.*value)());
     result_->appendCharacters(std::u16string(digits.begin(), digits.end()));
@@ -54,9 +53,9 @@ class Filler {
     return true;
   }
 
-  const FormatArgument& next() {
+  const NSFormatArg& next() {
     if (arguments_.empty()) refuse("an argument is missing");
-    const FormatArgument& argument = arguments_.front();
+    const NSFormatArg& argument = arguments_.front();
     arguments_ = arguments_.subspan(1);
     return argument;
   }
@@ -67,16 +66,16 @@ class Filler {
   }
 
   std::u16string_view format_;
-  std::span<const FormatArgument> arguments_;
-  Ref<NSMutableString> result_ = NSMutableString::string();
+  std::span<const NSFormatArg> arguments_;
+  NSRef<NSMutableString> result_ = NSMutableString::string();
 };
 
 }  // namespace
 
-Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments) {
+NSRef<NSString> NSFormat(const NSString& format, std::span<const NSFormatArg> arguments) {
   return Filler(static_cast<std::u16string>(format), arguments).filled();
 }
 
-Ref<NSString> NSFormat(const NSString& format, std::initializer_list<FormatArgument> arguments) {
+NSRef<NSString> NSFormat(const NSString& format, std::initializer_list<NSFormatArg> arguments) {
   return NSFormat(format, std::span(arguments.begin(), arguments.size()));
 }

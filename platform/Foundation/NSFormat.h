@@ -4,22 +4,24 @@
 #include <initializer_list>
 #include <span>
 
+#include <Foundation/NSArg.h>
 #include <Foundation/NSObject.h>
-#include <Foundation/Parameter.h>
 
-/// One argument of a format: an object or nil, or an integer. Holds no share in the object.
-class FormatArgument {
+/// An object in any spelling that NSObjectArg takes, other than a literal.
+template <class Value>
+concept NSFormattedObject = std::convertible_to<const Value&, NSObjectArg> && !std::is_array_v<Value>;
+
+/// One argument of a format: an object or nil, or an integer. It holds no reference to the object.
+class NSFormatArg {
  public:
-  /// An integer of any width, or an object in any spelling that Object takes, but for a literal.
+  /// An integer of any width, or an object as NSFormattedObject says.
   ///@{
   template <std::signed_integral Integer>
-  FormatArgument(Integer value) noexcept : kind_(Kind::signedInteger), integer_(value) {}
+  NSFormatArg(Integer value) noexcept : kind_(Kind::signedInteger), integer_(value) {}
   template <std::unsigned_integral Integer>
-  FormatArgument(Integer value) noexcept : kind_(Kind::unsignedInteger), unsignedInteger_(value) {}
-  template <class Value>
-  requires(std::convertible_to<const Value&, Object> && !std::is_array_v<Value>)
-      FormatArgument(const Value& object)
-  noexcept : object_(object) {}
+  NSFormatArg(Integer value) noexcept : kind_(Kind::unsignedInteger), unsignedInteger_(value) {}
+  template <NSFormattedObject Value>
+  NSFormatArg(const Value& object) : object_(object) {}
   ///@}
 
   /// Which of the three kinds it is of. A boolean is unsigned.
@@ -31,7 +33,7 @@ class FormatArgument {
 
   /// The value; nil or 0 for an argument of another kind.
   ///@{
-  Object object() const noexcept { return object_; }
+  NSObjectArg object() const noexcept { return object_; }
   long long signedInteger() const noexcept { return integer_; }
   unsigned long long unsignedInteger() const noexcept { return unsignedInteger_; }
   ///@}
@@ -40,7 +42,7 @@ class FormatArgument {
   enum class Kind { object, signedInteger, unsignedInteger };
 
   Kind kind_ = Kind::object;
-  Object object_ = nullptr;
+  NSObjectArg object_ = nullptr;
   long long integer_ = 0;
   unsigned long long unsignedInteger_ = 0;
 };
@@ -49,7 +51,6 @@ class FormatArgument {
 /// signed decimal; "%lu" an unsigned one; "%%" a per cent sign. An unknown directive, a missing or left-over
 /// argument or one of the wrong kind raises the invalid-argument exception.
 ///@{
-FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format, std::span<const FormatArgument> arguments);
-FOUNDATION_EXPORT Ref<NSString> NSFormat(const NSString& format,
-                                         std::initializer_list<FormatArgument> arguments);
+NS_EXPORT NSRef<NSString> NSFormat(const NSString& format, std::span<const NSFormatArg> arguments);
+NS_EXPORT NSRef<NSString> NSFormat(const NSString& format, std::initializer_list<NSFormatArg> arguments);
 ///@}

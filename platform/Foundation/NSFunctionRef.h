@@ -9,6 +9,10 @@
 template <class Signature>
 class NSFunctionRef;
 
+/// A type that, but for references and qualifiers, is none of the others.
+template <class Value, class... Others>
+concept NSOtherThan = (!std::same_as<std::remove_cvref_t<Value>, Others> && ...);
+
 /// How an operation takes a callable that it calls before it returns and does not keep: anything that
 /// std::invoke accepts, or a handle to a block. A null pointer, an empty std::function and an absent block
 /// are nil; calling nil raises the invalid-argument exception. A pointer to a member may be that of a class
@@ -21,10 +25,8 @@ class NSFunctionRef<Result(Arguments...)> {
   ///@{
   constexpr NSFunctionRef(std::nullptr_t) noexcept {}
 
-  template <class Callable>
-  requires(!std::same_as<std::remove_cvref_t<Callable>, NSFunctionRef> &&
-           !std::same_as<std::remove_cvref_t<Callable>, std::nullptr_t>) NSFunctionRef(Callable&& callable)
-  noexcept {
+  template <NSOtherThan<NSFunctionRef, std::nullptr_t> Callable>
+  NSFunctionRef(Callable&& callable) noexcept {
     using Target = std::remove_reference_t<Callable>;
     if (isNil(callable)) return;
     if constexpr (std::is_function_v<Target>)

@@ -4,20 +4,20 @@
 
 #include <Foundation/NSUnicode.h>
 
-Ref<NSMutableString> NSMutableString::stringWithCapacity(std::size_t capacity) {
+NSRef<NSMutableString> NSMutableString::stringWithCapacity(std::size_t capacity) {
   return allocWithTail(capacity);
 }
 
-Ref<NSMutableString> NSMutableString::stringWithString(Text text) {
-  const Ref<NSString> given = text.get();
-  const Ref<NSMutableString> copy =
+NSRef<NSMutableString> NSMutableString::stringWithString(NSStringArg text) {
+  const NSRef<NSString> given = text.get();
+  const NSRef<NSMutableString> copy =
       stringWithCapacity(given->length() * (given->isASCII() ? 1 : sizeof(char16_t)));
   copy->appendString(given);
   return copy;
 }
 
-void NSMutableString::appendString(Text tail) {
-  const Ref<NSString> text = tail.get();
+void NSMutableString::appendString(NSStringArg tail) {
+  const NSRef<NSString> text = tail.get();
   if (text->holdsSecret()) setHoldsSecret(true);
   text->visit([this](auto units) { append(units); });
 }
@@ -49,8 +49,8 @@ void NSMutableString::widen() {
   wide_ = true;
 }
 
-Ref<NSString> NSMutableString::fixedCopy() const {
-  const Ref<NSString> fixed = visit([](auto units) -> Ref<NSString> {
+NSRef<NSString> NSMutableString::fixedCopy() const {
+  const NSRef<NSString> fixed = visit([](auto units) -> NSRef<NSString> {
     if constexpr (std::is_same_v<decltype(units), std::string_view>) {
       return stringWithASCIILength(
           units.size(), [&](std::span<char> place) { std::copy(units.begin(), units.end(), place.begin()); });

@@ -2,13 +2,13 @@
 
 #include <Foundation/NSString.h>
 
-Ref<NSNumber> NSNumber::numberWithInteger(std::int64_t value) { return alloc(value, false); }
+NSRef<NSNumber> NSNumber::numberWithInteger(std::int64_t value) { return alloc(value, false); }
 
-Ref<NSNumber> NSNumber::numberWithBool(bool value) { return alloc(value ? 1 : 0, true); }
+NSRef<NSNumber> NSNumber::numberWithBool(bool value) { return alloc(value ? 1 : 0, true); }
 
-bool NSNumber::isEqual(const RefPtr<NSObject>& other) const {
-  const auto* number = dynamicCast<NSNumber>(other.get());
+bool NSNumber::isEqual(const NSRefPtr<NSObject>& other) const {
+  const auto* number = NSDynamicCast<NSNumber>(other.get());
   return number && number->value_ == value_;
 }
 
-Ref<NSString> NSNumber::description() const { return NSString::stringWithFormat("%d", value_); }
+NSRef<NSString> NSNumber::description() const { return NSString::stringWithFormat("%d", value_); }

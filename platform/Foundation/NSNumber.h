@@ -6,15 +6,15 @@
 
 /// A signed 64-bit integer or a boolean, which equals the integers 0 and 1. Fixed, so that any number of
 /// threads may use one at once.
-class FOUNDATION_EXPORT NSNumber : public NSObject::Subclass<NSNumber> {
+class NS_EXPORT NSNumber : public NSObject::Subclass<NSNumber> {
  public:
   /// Equal numbers have equal hashes.
   using HashAgreesWithEquality = NSNumber;
 
   /// A number of either kind.
   ///@{
-  static Ref<NSNumber> numberWithInteger(std::int64_t value);
-  static Ref<NSNumber> numberWithBool(bool value);
+  static NSRef<NSNumber> numberWithInteger(std::int64_t value);
+  static NSRef<NSNumber> numberWithBool(bool value);
   ///@}
 
   /// The value of either kind: true is 1, and every integer but 0 is true.
@@ -27,15 +27,12 @@ class FOUNDATION_EXPORT NSNumber : public NSObject::Subclass<NSNumber> {
 
   /// By value, whichever the kind; the description is the integer in decimal.
   ///@{
-  bool isEqual(const RefPtr<NSObject>& other) const override;
+  bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return static_cast<std::size_t>(value_); }
-  Ref<NSString> description() const override;
+  NSRef<NSString> description() const override;
   ///@}
 
  protected:
-  template <class Self>
-  friend class NSAllocated;
-
   /// A boolean has the value 0 or 1.
   NSNumber(std::int64_t value, bool boolean) : value_(value), boolean_(boolean) {}
 

@@ -39,29 +39,29 @@ void NSRaiseNilReference() {
   NSException::raise(NSInvalidArgumentException, "nil where an object is required");
 }
 
-Class& NSObject::classObject() {
-  static Class& root = Class::ofType(typeid(NSObject), nullptr);
+NSClass& NSObject::classObject() {
+  static NSClass& root = NSClass::ofType(typeid(NSObject), nullptr);
   return root;
 }
 
-Class& NSObject::isa() const { return classObject(); }
+NSClass& NSObject::isa() const { return classObject(); }
 
-bool NSObject::isKindOfClass(const Class& other) const noexcept { return isa().isSubclassOfClass(other); }
+bool NSObject::isKindOfClass(const NSClass& other) const noexcept { return isa().isSubclassOfClass(other); }
 
-bool NSObject::isEqual(const RefPtr<NSObject>& other) const { return this == other.get(); }
+bool NSObject::isEqual(const NSRefPtr<NSObject>& other) const { return this == other.get(); }
 
 std::size_t NSObject::hash() const { return reinterpret_cast<std::uintptr_t>(this) / alignof(NSObject); }
 
-Ref<NSString> NSObject::description() const {
+NSRef<NSString> NSObject::description() const {
   char address[2 + 2 * sizeof(void*) + 1];
   std::snprintf(address, sizeof address, "%p", static_cast<const void*>(this));
   return NSString::stringWithFormat("<%@: %@>", NSStringFromClass(isa()),
-                                    Ref(NSString::stringWithUTF8String(address)));
+                                    NSRef(NSString::stringWithUTF8String(address)));
 }
 
-Ref<NSObject> NSObject::copyObject() const { return const_cast<NSObject&>(*this); }
+NSRef<NSObject> NSObject::copyObject() const { return const_cast<NSObject&>(*this); }
 
-Ref<NSObject> NSObject::mutableCopyObject() const {
+NSRef<NSObject> NSObject::mutableCopyObject() const {
   NSException::raise(NSInvalidArgumentException, "%@ has no growable kind", NSStringFromClass(isa()));
 }
 

@@ -6,9 +6,9 @@
 #include <new>
 #include <type_traits>
 
-#include <Foundation/Ref.h>
+#include <Foundation/NSRef.h>
 
-class Class;
+class NSClass;
 class NSObject;
 class NSString;
 
@@ -17,11 +17,11 @@ class NSObjectLayer;
 template <class Self>
 class NSAllocated;
 
-/// How far the equality of an object can be known without asking it.
+/// What is known about the equality of an object without asking it.
 enum class NSEquality {
-  identity,  ///< equal to itself alone: can be looked up
-  hashed,    ///< equal ones have equal hashes, as their class says: can be looked up
-  custom,    ///< nothing is known: asked one by one
+  identity,  ///< equal only to itself, whatever its hash: looked up by its address
+  hashed,    ///< its class says that equal objects have equal hashes: looked up by its hash
+  custom,    ///< nothing is known: compared with one object after another
 };
 
 /// Memory behind an object, in the same block.
@@ -30,10 +30,10 @@ struct NSTail {
   std::size_t size;  ///< in bytes
 };
 
-/// The root of all classes. An object lives on the heap, is shared through Ref and RefPtr and let go of
+/// The root of all classes. An object lives on the heap, is shared through NSRef and NSRefPtr and let go of
 /// with the last of them, which may happen on any thread. Letting go of a chain of any length takes a
 /// fixed amount of stack: what an object lets go of in its destructor is destroyed after it.
-class FOUNDATION_EXPORT NSObject {
+class NS_EXPORT NSObject {
  public:
   NSObject(const NSObject&) = delete;
   NSObject& operator=(const NSObject&) = delete;
@@ -47,15 +47,15 @@ class FOUNDATION_EXPORT NSObject {
   using HashAgreesWithEquality = NSObject;
 
   /// The class itself, as an object.
-  static Class& classObject();
+  static NSClass& classObject();
 
   /// The class that the object was made of.
-  virtual Class& isa() const;
+  virtual NSClass& isa() const;
   /// Whether it was made of the class or of one below it.
-  bool isKindOfClass(const Class& other) const noexcept;
+  bool isKindOfClass(const NSClass& other) const noexcept;
 
   /// Whether the object equals another, which may be absent; here, whether it is the same one.
-  virtual bool isEqual(const RefPtr<NSObject>& other) const;
+  virtual bool isEqual(const NSRefPtr<NSObject>& other) const;
   /// What sets and maps look an object up by: there, it must not change, and equal objects are found only by
   /// the same one. Here, made of the address.
   virtual std::size_t hash() const;
@@ -63,15 +63,15 @@ class FOUNDATION_EXPORT NSObject {
   virtual NSEquality equality() const { return NSEquality::identity; }
 
   /// A text for people; here, the name of the class and the address.
-  virtual Ref<NSString> description() const;
+  virtual NSRef<NSString> description() const;
 
   /// A fixed object with the same content: of a fixed object another reference, of a growable one a copy.
-  Ref<NSObject> copy() const { return copyObject(); }
+  NSRef<NSObject> copy() const { return copyObject(); }
   /// A new growable object. Raises the invalid-argument exception for a class that has no growable kind.
-  Ref<NSObject> mutableCopy() const { return mutableCopyObject(); }
+  NSRef<NSObject> mutableCopy() const { return mutableCopyObject(); }
 
-  /// Add a reference and take one away, the last one with the object. For the handles alone: hosts hold Ref
-  /// and RefPtr. Safe from any thread.
+  /// Add a reference and take one away, the last one with the object. For the handles alone: hosts hold NSRef
+  /// and NSRefPtr. Safe from any thread.
   ///@{
   void retain() const noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
   void release() const noexcept {
@@ -91,8 +91,8 @@ class FOUNDATION_EXPORT NSObject {
   /// What copy and mutableCopy answer; a class with a fixed or growable kind overrides them. Here, another
   /// reference, and the invalid-argument exception.
   ///@{
-  virtual Ref<NSObject> copyObject() const;
-  virtual Ref<NSObject> mutableCopyObject() const;
+  virtual NSRef<NSObject> copyObject() const;
+  virtual NSRef<NSObject> mutableCopyObject() const;
   ///@}
 
   /// A block for an object of `size` bytes and `tail` bytes behind it; throws std::bad_alloc.
@@ -103,7 +103,7 @@ class FOUNDATION_EXPORT NSObject {
   friend class NSObjectLayer;
   template <class Self>
   friend class NSAllocated;
-  friend class Class;
+  friend class NSClass;
 
   static void* operator new(std::size_t size) { return ::operator new(size); }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
@@ -135,6 +135,13 @@ struct NSMemberClass<Type Declaring::*> {
   using type = Declaring;
 };
 
+/// Whether a class's isEqual and hash can be named, which overloads of theirs prevent.
+template <class Self>
+concept NSHasOneEquality = requires {
+  &Self::isEqual;
+  &Self::hash;
+};
+
 /// The layer between a class and its base that supplies what depends on the class itself: its class
 /// object, its allocation, and what can be known of its equality.
 template <class Self, class Base>
@@ -145,17 +152,17 @@ class [[gnu::visibility("default")]] NSObjectLayer : public Base {
   using Subclass = NSObjectLayer<Derived, Self>;
 
   /// The class Self, as an object; one in the process, whichever shared object asks.
-  static Class& classObject();
+  static NSClass& classObject();
   /// Self, or what a class below it answers.
-  Class& isa() const override { return classObject(); }
+  NSClass& isa() const override { return classObject(); }
   /// Found when compiling, from what Self says of its isEqual and hash.
   NSEquality equality() const override { return equalityOfSelf(); }
 
   /// A new object, before its initialiser ran. Hosts use factories, which run it.
   template <class... Arguments>
-  static Ref<Self> alloc(Arguments && ... arguments) {
+  static NSRef<Self> alloc(Arguments && ... arguments) {
     static_assert(std::is_base_of_v<NSObjectLayer, Self>, "a class derives from Base::Subclass<itself>");
-    return Ref<Self>::adopt(*new NSAllocated<Self>(std::forward<Arguments>(arguments)...));
+    return NSRef<Self>::adopt(*new NSAllocated<Self>(std::forward<Arguments>(arguments)...));
   }
 
  protected:
@@ -163,12 +170,12 @@ class [[gnu::visibility("default")]] NSObjectLayer : public Base {
 
   /// As alloc, with `tail` bytes behind the object; the constructor gets the place of them first.
   template <class... Arguments>
-  static Ref<Self> allocWithTail(std::size_t tail, Arguments && ... arguments) {
+  static NSRef<Self> allocWithTail(std::size_t tail, Arguments && ... arguments) {
     using Allocated = NSAllocated<Self>;
     void* block = NSObject::allocateBlock(sizeof(Allocated), tail);
     const NSTail place{static_cast<std::byte*>(block) + sizeof(Allocated), tail};
     try {
-      return Ref<Self>::adopt(*new (block) Allocated(place, std::forward<Arguments>(arguments)...));
+      return NSRef<Self>::adopt(*new (block) Allocated(place, std::forward<Arguments>(arguments)...));
     } catch (...) {
       NSObject::operator delete(block);
       throw;
@@ -181,10 +188,7 @@ class [[gnu::visibility("default")]] NSObjectLayer : public Base {
 
   // A member function's type names the class that declares it, so an override is seen when compiling.
   static constexpr NSEquality equalityOfSelf() {
-    if constexpr (requires {
-                    &Self::isEqual;
-                    &Self::hash;
-                  }) {
+    if constexpr (NSHasOneEquality<Self>) {
       using Equality = Declaring<decltype(&Self::isEqual)>;
       if constexpr (std::is_same_v<Equality, NSObject>) return NSEquality::identity;
       using Hash = Declaring<decltype(&Self::hash)>;
@@ -196,4 +200,4 @@ class [[gnu::visibility("default")]] NSObjectLayer : public Base {
   }
 };
 
-#include <Foundation/Class.h>
+#include <Foundation/NSClass.h>

@@ -1,11 +1,11 @@
 #include <Foundation/NSOrderedTable.h>
 
-std::optional<std::size_t> NSOrderedTable::indexOf(const RefPtr<NSObject>& key) const {
+std::optional<std::size_t> NSOrderedTable::indexOf(const NSRefPtr<NSObject>& key) const {
   if (!key || rows_.empty()) return std::nullopt;
   return indexOf(key, key->hash());
 }
 
-std::optional<std::size_t> NSOrderedTable::indexOf(const RefPtr<NSObject>& key, std::size_t hash) const {
+std::optional<std::size_t> NSOrderedTable::indexOf(const NSRefPtr<NSObject>& key, std::size_t hash) const {
   if (slots_.empty()) return std::nullopt;
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t slot = hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
@@ -15,10 +15,10 @@ std::optional<std::size_t> NSOrderedTable::indexOf(const RefPtr<NSObject>& key, 
   return std::nullopt;
 }
 
-void NSOrderedTable::put(const Ref<NSObject>& key, const RefPtr<NSObject>& value) {
+void NSOrderedTable::put(const NSRef<NSObject>& key, const NSRefPtr<NSObject>& value) {
   const std::size_t hash = key->hash();
   if (const auto index = indexOf(key, hash)) {
-    const RefPtr<NSObject> replaced = std::exchange(rows_[*index].value, value);
+    const NSRefPtr<NSObject> replaced = std::exchange(rows_[*index].value, value);
     return;
   }
   if (slots_.size() < 2 * (rows_.size() + 1)) rebuild(slots_.empty() ? 8 : 2 * slots_.size());

@@ -8,21 +8,21 @@
 
 /// Objects in the order in which they were put in, found by hash and value equality: what sets and
 /// dictionaries are made of. Looking up and putting in take constant time, taking out is linear.
-class FOUNDATION_EXPORT NSOrderedTable {
+class NS_EXPORT NSOrderedTable {
  public:
   /// A key and what is kept for it.
   struct Row {
-    Ref<NSObject> key;       ///< different from all others
-    RefPtr<NSObject> value;  ///< absent in a set
-    std::size_t hash;        ///< the key's, as it was when it was put in
+    NSRef<NSObject> key;       ///< different from all others
+    NSRefPtr<NSObject> value;  ///< absent in a set
+    std::size_t hash;          ///< the key's, as it was when it was put in
   };
 
   /// All rows, in order; until the next change.
   const std::vector<Row>& rows() const noexcept { return rows_; }
   /// The row whose key equals `key`: asks the key in the table.
-  std::optional<std::size_t> indexOf(const RefPtr<NSObject>& key) const;
+  std::optional<std::size_t> indexOf(const NSRefPtr<NSObject>& key) const;
   /// Replaces the value where the key is there, which keeps its place; else adds a row at the end.
-  void put(const Ref<NSObject>& key, const RefPtr<NSObject>& value);
+  void put(const NSRef<NSObject>& key, const NSRefPtr<NSObject>& value);
   /// Take out the row at an index, which must be one, or all of them.
   ///@{
   void removeAt(std::size_t index);
@@ -30,7 +30,7 @@ class FOUNDATION_EXPORT NSOrderedTable {
   ///@}
 
  private:
-  std::optional<std::size_t> indexOf(const RefPtr<NSObject>& key, std::size_t hash) const;
+  std::optional<std::size_t> indexOf(const NSRefPtr<NSObject>& key, std::size_t hash) const;
   void enter(std::size_t row);
   void rebuild(std::size_t slots);
 

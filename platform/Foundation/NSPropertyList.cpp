@@ -24,7 +24,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(start, text.find_last_not_of(space) + 1 - start);
 }
 
-RefPtr<NSObject> integerFrom(std::string_view text) {
+NSRefPtr<NSObject> integerFrom(std::string_view text) {
   const std::string_view digits = trimmed(text);
   std::int64_t value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -35,7 +35,7 @@ RefPtr<NSObject> integerFrom(std::string_view text) {
 // Turns the events of the parser into objects; anything unexpected stops the parser.
 class Reader {
  public:
-  RefPtr<NSObject> read(std::span<const std::byte> xml) {
+  NSRefPtr<NSObject> read(std::span<const std::byte> xml) {
     const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
         XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser || xml.size() > largestFile) return nullptr;
@@ -60,9 +60,9 @@ class Reader {
   struct Level {
     std::string name;
     std::string characters;
-    RefPtr<NSMutableArray> array;
-    RefPtr<NSMutableDictionary> dictionary;
-    RefPtr<NSString> key;
+    NSRefPtr<NSMutableArray> array;
+    NSRefPtr<NSMutableDictionary> dictionary;
+    NSRefPtr<NSString> key;
   };
 
   static Reader& of(void* self) { return *static_cast<Reader*>(self); }
@@ -98,16 +98,16 @@ class Reader {
     const Level level = std::move(levels_.back());
     levels_.pop_back();
     if (name == "plist") return;
-    const RefPtr<NSObject> object = objectOf(level);
+    const NSRefPtr<NSObject> object = objectOf(level);
     if (!object) return refuse();
     take(name, object);
   }
 
-  static RefPtr<NSObject> objectOf(const Level& level) {
+  static NSRefPtr<NSObject> objectOf(const Level& level) {
     const bool scalar = !level.array && !level.dictionary;
     if (!scalar && !trimmed(level.characters).empty()) return nullptr;
     if (level.array) return level.array->copy();
-    if (level.dictionary) return level.key ? nullptr : RefPtr<NSObject>(level.dictionary->copy());
+    if (level.dictionary) return level.key ? nullptr : NSRefPtr<NSObject>(level.dictionary->copy());
     if (level.name == "true" || level.name == "false") return NSNumber::numberWithBool(level.name == "true");
     if (level.name == "integer") return integerFrom(level.characters);
     for (const std::string_view known : {"string", "key", "real", "date", "data"})
@@ -115,7 +115,7 @@ class Reader {
     return nullptr;
   }
 
-  void take(std::string_view name, const Ref<NSObject>& object) {
+  void take(std::string_view name, const NSRef<NSObject>& object) {
     Level& parent = levels_.back();
     if (parent.name == "plist") {
       root_ = object;
@@ -123,7 +123,7 @@ class Reader {
       parent.array->addObject(object);
     } else if (name == "key") {
       if (parent.dictionary->objectForKey(object)) return refuse();
-      parent.key = dynamicCast<NSString>(object);
+      parent.key = NSDynamicCast<NSString>(object);
     } else {
       parent.dictionary->setObject(object, parent.key);
       parent.key = nullptr;
@@ -132,15 +132,15 @@ class Reader {
 
   XML_Parser parser_ = nullptr;
   std::vector<Level> levels_;
-  RefPtr<NSObject> root_;
+  NSRefPtr<NSObject> root_;
   bool refused_ = false;
 };
 
 }  // namespace
 
-RefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml) { return Reader().read(xml); }
+NSRefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml) { return Reader().read(xml); }
 
-RefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path) {
+NSRefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::string content;
   std::array<char, 8192> part{};

@@ -2,44 +2,44 @@
 
 #include <Foundation/NSArray.h>
 
-Ref<NSSet> NSSet::set() { return alloc(); }
+NSRef<NSSet> NSSet::set() { return alloc(); }
 
-Ref<NSSet> NSSet::setWithObjects(std::initializer_list<Object> objects) {
+NSRef<NSSet> NSSet::setWithObjects(std::initializer_list<NSObjectArg> objects) {
   return NSMutableSet::setWithObjects(objects)->copy();
 }
 
-bool NSSet::isEqual(const RefPtr<NSObject>& other) const {
-  const auto* set = dynamicCast<NSSet>(other.get());
+bool NSSet::isEqual(const NSRefPtr<NSObject>& other) const {
+  const auto* set = NSDynamicCast<NSSet>(other.get());
   if (!set || set->count() != count()) return false;
   for (const NSOrderedTable::Row& row : set->table_.rows())
     if (!table_.indexOf(row.key)) return false;
   return true;
 }
 
-Ref<NSString> NSSet::description() const {
-  const Ref<NSMutableArray> elements = NSMutableArray::arrayWithCapacity(count());
-  for (const Ref<NSObject> element : *this) elements->addObject(element);
+NSRef<NSString> NSSet::description() const {
+  const NSRef<NSMutableArray> elements = NSMutableArray::arrayWithCapacity(count());
+  for (const NSRef<NSObject> element : *this) elements->addObject(element);
   return NSString::stringWithFormat("{%@}", elements->componentsJoinedByString(", "));
 }
 
-Ref<NSMutableSet> NSSet::mutableCopy() const { return NSMutableSet::alloc(table_); }
+NSRef<NSMutableSet> NSSet::mutableCopy() const { return NSMutableSet::alloc(table_); }
 
-Ref<NSObject> NSSet::mutableCopyObject() const { return mutableCopy(); }
+NSRef<NSObject> NSSet::mutableCopyObject() const { return mutableCopy(); }
 
-Ref<NSMutableSet> NSMutableSet::setWithObjects(std::initializer_list<Object> objects) {
-  const Ref<NSMutableSet> made = set();
-  for (const Object& object : objects) made->addObject(object);
+NSRef<NSMutableSet> NSMutableSet::setWithObjects(std::initializer_list<NSObjectArg> objects) {
+  const NSRef<NSMutableSet> made = set();
+  for (const NSObjectArg& object : objects) made->addObject(object);
   return made;
 }
 
-void NSMutableSet::addObject(Object object) {
-  const Ref<NSObject> added = object.get();
+void NSMutableSet::addObject(NSObjectArg object) {
+  const NSRef<NSObject> added = object.get();
   if (table_.indexOf(added)) return;
   table_.put(added, nullptr);
   ++changes_;
 }
 
-void NSMutableSet::removeObject(Object object) {
+void NSMutableSet::removeObject(NSObjectArg object) {
   if (const auto index = table_.indexOf(object.get())) {
     ++changes_;
     table_.removeAt(*index);

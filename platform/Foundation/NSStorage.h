@@ -29,7 +29,7 @@ class NSStorage {
 
   /// The bytes behind an object that `count` units need; throws std::bad_alloc when there are no such.
   static std::size_t bytesFor(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() / unitSize) throw std::bad_alloc();
+    if (count > (std::numeric_limits<std::size_t>::max)() / unitSize) throw std::bad_alloc();
     return count * unitSize;
   }
 
@@ -48,8 +48,8 @@ class NSStorage {
 
   /// Makes room for `count` more units behind the present ones and answers their place.
   Unit* grow(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() - count_) throw std::bad_alloc();
-    if (count_ + count > capacity_) reserve(std::max(count_ + count, count_ + count_ / 2 + 8));
+    if (count > (std::numeric_limits<std::size_t>::max)() - count_) throw std::bad_alloc();
+    if (count_ + count > capacity_) reserve((std::max)(count_ + count, count_ + count_ / 2 + 8));
     count_ += count;
     return units_ + (count_ - count);
   }

@@ -28,35 +28,35 @@ std::size_t hashOfUnits(std::basic_string_view<Unit> units) {
   return hash;
 }
 
-Ref<NSString> stringWithUnits(std::string_view units) {
+NSRef<NSString> stringWithUnits(std::string_view units) {
   return NSString::stringWithASCIILength(
       units.size(), [&](std::span<char> place) { std::copy(units.begin(), units.end(), place.begin()); });
 }
 
-Ref<NSString> stringWithUnits(std::u16string_view units) { return NSString::stringWithCharacters(units); }
+NSRef<NSString> stringWithUnits(std::u16string_view units) { return NSString::stringWithCharacters(units); }
 
 // Of a secret no copy is left behind, not even of the part before a fault.
-RefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
+NSRefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
   if (NSIsASCII(bytes)) return stringWithUnits(bytes);
   if (secret && !NSIsUTF8(bytes)) return nullptr;
   std::optional<std::u16string> units = NSUTF16FromUTF8(bytes);
   if (!units) return nullptr;
-  RefPtr<NSString> text = stringWithUnits(*units);
+  NSRefPtr<NSString> text = stringWithUnits(*units);
   if (secret) explicit_bzero(units->data(), NSStorage<char16_t>::bytesFor(text->length()));
   return text;
 }
 
 /// A part of a text, which holds a secret where that does.
 template <class Unit>
-Ref<NSString> part(std::basic_string_view<Unit> units, bool secret) {
-  const Ref<NSString> text = stringWithUnits(units);
+NSRef<NSString> part(std::basic_string_view<Unit> units, bool secret) {
+  const NSRef<NSString> text = stringWithUnits(units);
   text->setHoldsSecret(secret);
   return text;
 }
 
 template <class Unit>
-Ref<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<Unit> mark, bool secret) {
-  const Ref<NSMutableArray> pieces = NSMutableArray::array();
+NSRef<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<Unit> mark, bool secret) {
+  const NSRef<NSMutableArray> pieces = NSMutableArray::array();
   std::size_t end = 0;
   while (!mark.empty() && (end = units.find(mark)) != units.npos) {
     pieces->addObject(part(units.substr(0, end), secret));
@@ -72,30 +72,30 @@ Ref<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<Un
 
 }  // namespace
 
-Ref<NSString> NSStringFromLiteral(std::string_view literal) {
+NSRef<NSString> NSStringFromLiteral(std::string_view literal) {
   return NSString::stringWithUTF8String(literal);
 }
 
-Ref<NSString> NSString::string() { return ofASCIILength(0); }
+NSRef<NSString> NSString::string() { return ofASCIILength(0); }
 
-Ref<NSString> NSString::stringWithString(Text text) { return Ref<NSString>(text.get())->copy(); }
+NSRef<NSString> NSString::stringWithString(NSStringArg text) { return NSRef<NSString>(text.get())->copy(); }
 
-Ref<NSString> NSString::ofASCIILength(std::size_t length) {
-  const Ref<NSString> text = allocWithTail(length, false);
+NSRef<NSString> NSString::ofASCIILength(std::size_t length) {
+  const NSRef<NSString> text = allocWithTail(length, false);
   text->storage_.setCount(length);
   return text;
 }
 
-RefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) {
+NSRefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) {
   return stringFromUTF8(bytes, false);
 }
 
-RefPtr<NSString> NSString::stringWithUTF8String(const char* bytes) {
+NSRefPtr<NSString> NSString::stringWithUTF8String(const char* bytes) {
   if (!bytes) return nullptr;
   return stringWithUTF8String(std::string_view(bytes));
 }
 
-Ref<NSString> NSString::stringWithCharacters(std::u16string_view units) {
+NSRef<NSString> NSString::stringWithCharacters(std::u16string_view units) {
   if (NSIsASCII(units)) {
     return stringWithASCIILength(units.size(), [&](std::span<char> place) {
       std::transform(units.begin(), units.end(), place.begin(),
@@ -103,16 +103,16 @@ Ref<NSString> NSString::stringWithCharacters(std::u16string_view units) {
     });
   }
   const std::size_t size = NSStorage<char16_t>::bytesFor(units.size());
-  const Ref<NSString> text = allocWithTail(size, true);
+  const NSRef<NSString> text = allocWithTail(size, true);
   text->storage_.append(std::as_bytes(std::span(units)));
   return text;
 }
 
-RefPtr<NSString> NSString::stringWithData(const RefPtr<NSData>& data, NSStringEncoding encoding) {
+NSRefPtr<NSString> NSString::stringWithData(const NSRefPtr<NSData>& data, NSStringEncoding encoding) {
   if (!data) return string();
   const std::string_view bytes(reinterpret_cast<const char*>(data->bytes().data()), data->length());
   if (encoding == NSASCIIStringEncoding && !NSIsASCII(bytes)) return nullptr;
-  RefPtr<NSString> text = stringFromUTF8(bytes, data->holdsSecret());
+  NSRefPtr<NSString> text = stringFromUTF8(bytes, data->holdsSecret());
   if (text) text->setHoldsSecret(data->holdsSecret());
   return text;
 }
@@ -122,13 +122,13 @@ char16_t NSString::characterAtIndex(std::size_t index) const {
   return visit([index](auto units) { return static_cast<char16_t>(units[index]); });
 }
 
-bool NSString::isEqualToString(Text other) const {
+bool NSString::isEqualToString(NSStringArg other) const {
   const auto text = other.borrow();
   if (!text || wide_ != text->wide_) return false;
   return visit([&](auto a) { return text->visit([a](auto b) { return sameUnits(a, b); }); });
 }
 
-bool NSString::hasPrefix(Text prefix) const {
+bool NSString::hasPrefix(NSStringArg prefix) const {
   const auto text = prefix.borrow();
   if (!text || text->length() > length()) return false;
   return visit([&](auto units) {
@@ -152,30 +152,30 @@ NSString::operator std::u16string() const {
   return visit([](auto units) { return std::u16string(units.begin(), units.end()); });
 }
 
-RefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
+NSRefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
   if (wide_ && encoding == NSASCIIStringEncoding) return nullptr;
   if (!wide_) return NSData::dataWithBytes(storage_.units(), holdsSecret());
   std::optional<std::string> content = UTF8String();
   if (!content) return nullptr;
   const std::span<char> bytes(*content);
-  const Ref<NSData> data = NSData::dataWithBytes(std::as_bytes(bytes), holdsSecret());
+  const NSRef<NSData> data = NSData::dataWithBytes(std::as_bytes(bytes), holdsSecret());
   if (holdsSecret()) explicit_bzero(bytes.data(), bytes.size());
   return data;
 }
 
-Ref<NSString> NSString::substringFromIndex(std::size_t index) const {
+NSRef<NSString> NSString::substringFromIndex(std::size_t index) const {
   if (index > length()) raiseRange(index, length());
   return visit([&](auto units) { return part(units.substr(index), holdsSecret()); });
 }
 
-Ref<NSString> NSString::stringByAppendingString(Text tail) const {
-  const Ref<NSMutableString> joined = mutableCopy();
+NSRef<NSString> NSString::stringByAppendingString(NSStringArg tail) const {
+  const NSRef<NSMutableString> joined = mutableCopy();
   joined->appendString(tail);
   return joined->copy();
 }
 
-Ref<NSArray> NSString::componentsSeparatedByString(Text separator) const {
-  const Ref<NSString> mark = separator.get();
+NSRef<NSArray> NSString::componentsSeparatedByString(NSStringArg separator) const {
+  const NSRef<NSString> mark = separator.get();
   if (wide_)
     return parts(std::u16string_view(unitsAs<char16_t>(), length()),
                  std::u16string_view(std::u16string(*mark)), holdsSecret());
@@ -185,8 +185,8 @@ Ref<NSArray> NSString::componentsSeparatedByString(Text separator) const {
   return parts(units, std::string_view(mark->unitsAs<char>(), mark->length()), holdsSecret());
 }
 
-bool NSString::isEqual(const RefPtr<NSObject>& other) const {
-  const auto* text = dynamicCast<NSString>(other.get());
+bool NSString::isEqual(const NSRefPtr<NSObject>& other) const {
+  const auto* text = NSDynamicCast<NSString>(other.get());
   return text && (text == this || isEqualToString(*text));
 }
 
@@ -194,9 +194,9 @@ std::size_t NSString::hash() const {
   return visit([](auto units) { return hashOfUnits(units); });
 }
 
-Ref<NSMutableString> NSString::mutableCopy() const { return NSMutableString::stringWithString(*this); }
+NSRef<NSMutableString> NSString::mutableCopy() const { return NSMutableString::stringWithString(*this); }
 
-Ref<NSObject> NSString::mutableCopyObject() const { return mutableCopy(); }
+NSRef<NSObject> NSString::mutableCopyObject() const { return mutableCopy(); }
 
 std::ostream& operator<<(std::ostream& stream, const NSString& text) {
   if (const auto bytes = text.UTF8String()) return stream << *bytes;
@@ -207,6 +207,6 @@ std::ostream& operator<<(std::ostream& stream, const NSString& text) {
   return stream;
 }
 
-std::ostream& operator<<(std::ostream& stream, const RefPtr<NSString>& text) {
+std::ostream& operator<<(std::ostream& stream, const NSRefPtr<NSString>& text) {
   return text ? stream << *text : stream << "(null)";
 }

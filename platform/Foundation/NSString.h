@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include <Foundation/NSArg.h>
 #include <Foundation/NSFormat.h>
 #include <Foundation/NSStorage.h>
-#include <Foundation/Parameter.h>
 
 class NSArray;
 class NSData;
@@ -23,36 +23,36 @@ enum NSStringEncoding : unsigned {
 /// A text, counted and indexed in 16-bit code units, which may hold unpaired surrogates, NUL and a leading
 /// byte-order mark as content. It is kept as 7-bit ASCII where all of it is, else as UTF-16; that never
 /// shows in length, indexes, equality or hash. Fixed, so that any number of threads may use one at once.
-class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
+class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
  public:
   /// Equal texts have equal hashes.
   using HashAgreesWithEquality = NSString;
 
   /// The empty text.
-  static Ref<NSString> string();
+  static NSRef<NSString> string();
   /// The same text as a fixed one; nil raises the invalid-argument exception.
-  static Ref<NSString> stringWithString(Text text);
+  static NSRef<NSString> stringWithString(NSStringArg text);
   /// Absent when the bytes are not UTF-8, or nil.
   ///@{
-  static RefPtr<NSString> stringWithUTF8String(std::string_view bytes);
-  static RefPtr<NSString> stringWithUTF8String(const char* bytes);
+  static NSRefPtr<NSString> stringWithUTF8String(std::string_view bytes);
+  static NSRefPtr<NSString> stringWithUTF8String(const char* bytes);
   ///@}
   /// Any code units, unpaired surrogates included.
-  static Ref<NSString> stringWithCharacters(std::u16string_view units);
+  static NSRef<NSString> stringWithCharacters(std::u16string_view units);
   /// initWithData:encoding:. Absent when the bytes are not of the encoding; absent bytes give the empty
   /// text. A text made of secret bytes holds a secret, too.
-  static RefPtr<NSString> stringWithData(const RefPtr<NSData>& data, NSStringEncoding encoding);
+  static NSRefPtr<NSString> stringWithData(const NSRefPtr<NSData>& data, NSStringEncoding encoding);
   /// A text of `length` ASCII characters that `write(std::span<char>)` fills in, in their final place.
   template <class Write>
-  static Ref<NSString> stringWithASCIILength(std::size_t length, Write&& write) {
-    const Ref<NSString> text = ofASCIILength(length);
+  static NSRef<NSString> stringWithASCIILength(std::size_t length, Write&& write) {
+    const NSRef<NSString> text = ofASCIILength(length);
     std::forward<Write>(write)(std::span(text->unitsAs<char>(), length));
     return text;
   }
   /// Fills in the directives of NSFormat.h; raises the invalid-argument exception where they do not fit.
   template <class... Arguments>
-  static Ref<NSString> stringWithFormat(Text format, const Arguments&... arguments) {
-    return NSFormat(*format.borrow(), {FormatArgument(arguments)...});
+  static NSRef<NSString> stringWithFormat(NSStringArg format, const Arguments&... arguments) {
+    return NSFormat(*format.borrow(), {NSFormatArg(arguments)...});
   }
 
   /// In 16-bit code units.
@@ -63,8 +63,8 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
   char16_t characterAtIndex(std::size_t index) const;
   /// Whether the code units are, or begin with, those of the other text; never those of nil.
   ///@{
-  bool isEqualToString(Text other) const;
-  bool hasPrefix(Text prefix) const;
+  bool isEqualToString(NSStringArg other) const;
+  bool hasPrefix(NSStringArg prefix) const;
   ///@}
 
   /// Absent when a surrogate stands alone.
@@ -75,34 +75,34 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
   explicit operator std::u16string() const;
   /// Absent when the text cannot be told in the encoding: nothing is replaced. Bytes of a text that holds
   /// a secret hold one, too.
-  RefPtr<NSData> dataUsingEncoding(NSStringEncoding encoding) const;
+  NSRefPtr<NSData> dataUsingEncoding(NSStringEncoding encoding) const;
 
   /// The text from `index` on; raises the range exception beyond `length`.
-  Ref<NSString> substringFromIndex(std::size_t index) const;
+  NSRef<NSString> substringFromIndex(std::size_t index) const;
   /// A new text with the tail, or the filled-in format, behind this one's content. Nil, and a format that
   /// does not fit, raise the invalid-argument exception.
   ///@{
-  Ref<NSString> stringByAppendingString(Text tail) const;
+  NSRef<NSString> stringByAppendingString(NSStringArg tail) const;
   template <class... Arguments>
-  Ref<NSString> stringByAppendingFormat(Text format, const Arguments&... arguments) const {
+  NSRef<NSString> stringByAppendingFormat(NSStringArg format, const Arguments&... arguments) const {
     return stringByAppendingString(stringWithFormat(format, arguments...));
   }
   ///@}
   /// The pieces between the separators, in order: one more than there are separators, empty ones
   /// included. An empty separator gives the text itself.
-  Ref<NSArray> componentsSeparatedByString(Text separator) const;
+  NSRef<NSArray> componentsSeparatedByString(NSStringArg separator) const;
 
   /// Equal are texts of the same code units, fixed or growable; nothing is normalised. Both take linear time.
   ///@{
-  bool isEqual(const RefPtr<NSObject>& other) const override;
+  bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override;
   ///@}
   /// The text itself.
-  Ref<NSString> description() const override { return copy(); }
+  NSRef<NSString> description() const override { return copy(); }
   /// As NSObject's; a copy of a secret is one, too.
   ///@{
-  Ref<NSString> copy() const { return fixedCopy(); }
-  Ref<NSMutableString> mutableCopy() const;
+  NSRef<NSString> copy() const { return fixedCopy(); }
+  NSRef<NSMutableString> mutableCopy() const;
   ///@}
 
   /// Calls `visitor` with the units as they are kept, a std::string_view of ASCII or a std::u16string_view.
@@ -122,21 +122,18 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
   ///@}
 
  protected:
-  template <class Self, class Base>
-  friend class NSObjectLayer;
-
   /// What both kinds share: how they are made, copied and read.
   ///@{
   NSString(NSTail tail, bool wide) : storage_(tail), wide_(wide) {}
 
-  static Ref<NSString> ofASCIILength(std::size_t length);
+  static NSRef<NSString> ofASCIILength(std::size_t length);
   template <class Unit>
   Unit* unitsAs() const noexcept {
     return reinterpret_cast<Unit*>(storage_.units().data());
   }
-  virtual Ref<NSString> fixedCopy() const { return const_cast<NSString&>(*this); }
-  Ref<NSObject> copyObject() const override { return fixedCopy(); }
-  Ref<NSObject> mutableCopyObject() const override;
+  virtual NSRef<NSString> fixedCopy() const { return const_cast<NSString&>(*this); }
+  NSRef<NSObject> copyObject() const override { return fixedCopy(); }
+  NSRef<NSObject> mutableCopyObject() const override;
 
   NSStorage<std::byte> storage_;
   bool wide_;
@@ -146,6 +143,6 @@ class FOUNDATION_EXPORT NSString : public NSObject::Subclass<NSString> {
 /// Writes a text for people in UTF-8; one with an unpaired surrogate as escapes of all its code units, nil as
 /// "(null)".
 ///@{
-FOUNDATION_EXPORT std::ostream& operator<<(std::ostream& stream, const NSString& text);
-FOUNDATION_EXPORT std::ostream& operator<<(std::ostream& stream, const RefPtr<NSString>& text);
+NS_EXPORT std::ostream& operator<<(std::ostream& stream, const NSString& text);
+NS_EXPORT std::ostream& operator<<(std::ostream& stream, const NSRefPtr<NSString>& text);
 ///@}

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 /// @file
 /// Strict conversions between UTF-8 and 16-bit code units (RFC 3629, RFC 2781): what is not well formed is
@@ -46,11 +46,11 @@ constexpr bool NSIsUTF8(std::string_view text) {
 
 /// Whether all bytes, or all code units, are below 128.
 ///@{
-FOUNDATION_EXPORT bool NSIsASCII(std::string_view text) noexcept;
-FOUNDATION_EXPORT bool NSIsASCII(std::u16string_view text) noexcept;
+NS_EXPORT bool NSIsASCII(std::string_view text) noexcept;
+NS_EXPORT bool NSIsASCII(std::u16string_view text) noexcept;
 ///@}
 
 /// Absent when the bytes are not UTF-8.
-FOUNDATION_EXPORT std::optional<std::u16string> NSUTF16FromUTF8(std::string_view text);
+NS_EXPORT std::optional<std::u16string> NSUTF16FromUTF8(std::string_view text);
 /// Absent when a surrogate stands alone.
-FOUNDATION_EXPORT std::optional<std::string> NSUTF8FromUTF16(std::u16string_view text);
+NS_EXPORT std::optional<std::string> NSUTF8FromUTF16(std::u16string_view text);

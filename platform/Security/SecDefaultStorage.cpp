@@ -3,17 +3,17 @@
 #include <mutex>
 #include <utility>
 
+#include <Security/SecFailure.h>
 #include <Security/SecFileStorage.h>
 
 namespace {
 
-OSStatus openUserStorage(std::shared_ptr<SecStorage>& storage) {
+std::shared_ptr<SecStorage> openUserStorage() {
   SecFilePlace place;
   std::unique_ptr<SecFileStorage> file;
-  OSStatus status = secDefaultFilePlace(place);
-  if (status == errSecSuccess) status = SecFileStorage::open(place, SecFileStorage::Missing::make, file);
-  if (status == errSecSuccess) storage = std::move(file);
-  return status;
+  secCheck(secDefaultFilePlace(place));
+  secCheck(SecFileStorage::open(place, SecFileStorage::Missing::make, file));
+  return file;
 }
 
 class Choice {
@@ -23,11 +23,10 @@ class Choice {
     std::swap(storage_, storage);
   }
 
-  OSStatus copy(std::shared_ptr<SecStorage>& storage) {
+  std::shared_ptr<SecStorage> copy() {
     const std::lock_guard lock(mutex_);
-    const OSStatus status = storage_ ? errSecSuccess : openUserStorage(storage_);
-    if (status == errSecSuccess) storage = storage_;
-    return status;
+    if (!storage_) storage_ = openUserStorage();
+    return storage_;
   }
 
  private:
@@ -44,4 +43,6 @@ Choice& choice() {
 
 void secSetDefaultStorage(std::shared_ptr<SecStorage> storage) { choice().set(std::move(storage)); }
 
-OSStatus secCopyDefaultStorage(std::shared_ptr<SecStorage>& storage) { return choice().copy(storage); }
+OSStatus secCopyDefaultStorage(std::shared_ptr<SecStorage>& storage) {
+  return secStatusOf([&] { storage = choice().copy(); });
+}

@@ -7,7 +7,7 @@
 #include <Security/SecSecret.h>
 
 /// Text of an attribute: UTF-16, overwritten when it is let go of, unpaired surrogates kept.
-using SecText = std::basic_string<char16_t, std::char_traits<char16_t>, CleansingAllocator<char16_t>>;
+using SecText = std::basic_string<char16_t, std::char_traits<char16_t>, SecCleansingAllocator<char16_t>>;
 
 /// The kind of an entry. The numbers are kept in stores and never change.
 enum class SecItemClass : std::uint8_t {

@@ -3,18 +3,21 @@
 #include <new>
 #include <utility>
 
-#include <Security/SecBase.h>
+#include <Security/SecStatus.h>
 
-/// Thrown within a storage where a status ends the whole operation; never leaves it.
-struct SecFailure {
-  OSStatus status;
+/// Why an operation of the credential store failed. Everything below the public calls throws it; the public
+/// calls, SecItemAdd and its like and the operations of a storage, catch it and return its status.
+struct NS_EXPORT SecFailure {
+  OSStatus status;  ///< never errSecSuccess
 };
 
-/// Runs `action`, which gives a status, and turns a failure or a want of memory into one as well.
+/// Runs `action` and returns errSecSuccess, the status of the failure that it threw, or errSecAllocate where
+/// memory ran out. Other exceptions pass through.
 template <class Action>
-OSStatus secGuarded(Action&& action) {
+OSStatus secStatusOf(Action&& action) {
   try {
-    return std::forward<Action>(action)();
+    std::forward<Action>(action)();
+    return errSecSuccess;
   } catch (const SecFailure& failure) {
     return failure.status;
   } catch (const std::bad_alloc&) {
@@ -22,6 +25,10 @@ OSStatus secGuarded(Action&& action) {
   }
 }
 
+/// Throws a failure with the status `otherwise` unless the condition holds.
 inline void secRequire(bool condition, OSStatus otherwise) {
   if (!condition) throw SecFailure{otherwise};
 }
+
+/// Throws a failure unless the status is errSecSuccess.
+inline void secCheck(OSStatus status) { secRequire(status == errSecSuccess, status); }

@@ -24,17 +24,15 @@ std::string keyFolder() { return baseFolder("XDG_CONFIG_HOME", "/.config") + "/V
 }  // namespace
 
 OSStatus secDefaultFilePlace(SecFilePlace& place) {
-  return secGuarded([&]() -> OSStatus {
+  return secStatusOf([&] {
     const std::string folder = baseFolder("XDG_DATA_HOME", "/.local/share") + "/VXFoundation";
     place = {folder + "/credentials.store", keyFolder(), true};
-    return errSecSuccess;
   });
 }
 
 OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place) {
-  return secGuarded([&]() -> OSStatus {
+  return secStatusOf([&] {
     secRequire(!path.empty() && path.find('\0') == path.npos, errSecParam);
     place = {std::string(path), keyFolder(), false};
-    return errSecSuccess;
   });
 }

@@ -1,26 +1,22 @@
 #include <Security/SecFileStorage.h>
 
 #include <mutex>
-#include <type_traits>
 #include <utility>
 
-#include <Security/SecFileSession.h>
-#include <Security/SecFileTransaction.h>
+#include <Security/FileStore/SecFileCreation.h>
+#include <Security/FileStore/SecFileKeyFile.h>
+#include <Security/FileStore/SecFileSession.h>
+#include <Security/FileStore/SecFileTransaction.h>
 
 class SecFileStorage::Implementation {
  public:
   Implementation(std::string path, std::string keyFolder) : session_(std::move(path), std::move(keyFolder)) {}
 
-  /// Runs `action`, which gives a status or nothing, with the session to itself.
+  /// Runs `action` with the session to itself.
   template <class Action>
   OSStatus alone(Action&& action) {
     const std::lock_guard lock(mutex_);
-    const OSStatus status = secGuarded([&]() -> OSStatus {
-      if constexpr (std::is_void_v<decltype(action(session_))>)
-        return action(session_), errSecSuccess;
-      else
-        return action(session_);
-    });
+    const OSStatus status = secStatusOf([&] { action(session_); });
     if (status == errSecDecode) session_.noteDamage();
     return status;
   }
@@ -55,22 +51,20 @@ std::string describe(const SecFileInfo& info) {
 /// Runs `action` for a part of a damaged store; true unless that part is damaged.
 template <class Action>
 bool holds(Action&& action) {
-  const OSStatus status = secGuarded([&]() -> OSStatus { return action(), errSecSuccess; });
+  const OSStatus status = secStatusOf(action);
   secRequire(status == errSecSuccess || status == errSecDecode, status);
   return status == errSecSuccess;
 }
 
-OSStatus transactIn(SecFileSession& session, SecStorage::Access access, const SecStorage::Work& work) {
+void transactIn(SecFileSession& session, SecStorage::Access access, const SecStorage::Work& work) {
   const SecFileContext store = session.context();
   if (access == SecStorage::Access::change) session.requireChangeable();
   SecFileUnitOfWork unit(store.database, access == SecStorage::Access::change);
   store.database.checkSchema();
   SecFileTransaction transaction(store, access);
-  const OSStatus status = work(transaction);
-  if (status != errSecSuccess) return status;
+  work(transaction);
   transaction.finish();
   if (access == SecStorage::Access::change) unit.commit();
-  return errSecSuccess;
 }
 
 void readInfo(SecFileSession& session, SecFileInfo& info) {
@@ -116,25 +110,22 @@ SecFileStorage::~SecFileStorage() = default;
 
 OSStatus SecFileStorage::open(const SecFilePlace& place, Missing missing,
                               std::unique_ptr<SecFileStorage>& storage) {
-  return secGuarded([&]() -> OSStatus {
+  return secStatusOf([&] {
     const std::string path = resolve(place, missing);
     if (missing == Missing::make && !secJudgeFile(path)) secMakeStore(path, place.keyFolder);
     storage.reset(new SecFileStorage(std::make_unique<Implementation>(path, place.keyFolder)));
-    return errSecSuccess;
   });
 }
 
 OSStatus SecFileStorage::transact(Access access, const Work& work) {
-  return implementation_->alone([&](SecFileSession& session) { return transactIn(session, access, work); });
+  return implementation_->alone([&](SecFileSession& session) { transactIn(session, access, work); });
 }
 
 OSStatus SecFileStorage::copyInfo(SecStorageInfo& info) {
-  return secGuarded([&]() -> OSStatus {
+  return secStatusOf([&] {
     SecFileInfo file;
-    const OSStatus status = this->info(file);
-    secRequire(status == errSecSuccess, status);
+    secCheck(this->info(file));
     info = {file.path, describe(file), static_cast<std::size_t>(file.entries)};
-    return errSecSuccess;
   });
 }
 

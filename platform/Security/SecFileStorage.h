@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 #include <cstdint>
 #include <functional>
@@ -34,7 +34,7 @@ struct SecFileInfo {
 /// seconds of waiting for other processes, errSecDecode for damage (then also for every later change),
 /// errSecInvalidKeychain, errSecWrongSecVersion, errSecNotPrivate, errSecNoSuchKeychain when the file is
 /// gone, errSecReadOnly, errSecDiskFull, errSecIO.
-class FOUNDATION_EXPORT SecFileStorage final : public SecStorage {
+class NS_EXPORT SecFileStorage final : public SecStorage {
  public:
   /// What becomes of opening a store that is not there.
   enum class Missing {

@@ -2,8 +2,8 @@
 
 #include <Foundation/NSDictionary.h>
 
-#include <Security/SecBase.h>
 #include <Security/SecConstants.h>
+#include <Security/SecStatus.h>
 
 /// @file
 /// The credential store as attribute maps. The four functions act on the process's default storage
@@ -15,21 +15,21 @@
 /// Adds an entry; without kSecValueData its secret is empty. With kSecReturnAttributes, `result` gets a new
 /// map of its attributes, without the secret. errSecDuplicateItem when there is one of the same identity,
 /// errSecDataTooLarge for a secret above 16 MiB.
-FOUNDATION_EXPORT OSStatus SecItemAdd(const RefPtr<NSDictionary>& attributes,
-                                      RefPtr<NSDictionary>* result = nullptr);
+NS_EXPORT OSStatus SecItemAdd(const NSRefPtr<NSDictionary>& attributes,
+                              NSRefPtr<NSDictionary>* result = nullptr);
 
 /// Finds the oldest entry that the query matches. `result` gets a new map with the attributes for
 /// kSecReturnAttributes and the secret for kSecReturnData. errSecItemNotFound when there is none.
-FOUNDATION_EXPORT OSStatus SecItemCopyMatching(const RefPtr<NSDictionary>& query,
-                                               RefPtr<NSDictionary>* result = nullptr);
+NS_EXPORT OSStatus SecItemCopyMatching(const NSRefPtr<NSDictionary>& query,
+                                       NSRefPtr<NSDictionary>* result = nullptr);
 
 /// Changes what `attributesToUpdate` names of the oldest entry that the query matches. errSecItemNotFound
 /// when there is none, errSecDuplicateItem when two entries would become one.
-FOUNDATION_EXPORT OSStatus SecItemUpdate(const RefPtr<NSDictionary>& query,
-                                         const RefPtr<NSDictionary>& attributesToUpdate);
+NS_EXPORT OSStatus SecItemUpdate(const NSRefPtr<NSDictionary>& query,
+                                 const NSRefPtr<NSDictionary>& attributesToUpdate);
 
 /// Deletes all entries that the query matches. errSecItemNotFound when there is none.
-FOUNDATION_EXPORT OSStatus SecItemDelete(const RefPtr<NSDictionary>& query);
+NS_EXPORT OSStatus SecItemDelete(const NSRefPtr<NSDictionary>& query);
 
 /// The English message of a status, which every number has. `reserved` is not used.
-FOUNDATION_EXPORT Ref<NSString> SecCopyErrorMessageString(OSStatus status, void* reserved = nullptr);
+NS_EXPORT NSRef<NSString> SecCopyErrorMessageString(OSStatus status, void* reserved = nullptr);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 #include <cstddef>
 #include <limits>
@@ -9,50 +9,50 @@
 
 /// Memory for secrets: left out of core dumps and locked against swapping where the system allows it.
 /// Never null for a size above 0; throws std::bad_alloc. Safe from any thread.
-FOUNDATION_EXPORT void* secAllocate(std::size_t size);
+NS_EXPORT void* secAllocate(std::size_t size);
 
 /// Overwrites and gives back what secAllocate gave for the same size; null is nothing.
-FOUNDATION_EXPORT void secFree(void* memory, std::size_t size) noexcept;
+NS_EXPORT void secFree(void* memory, std::size_t size) noexcept;
 
 /// Overwrites memory in a way that no compiler leaves out.
-FOUNDATION_EXPORT void secCleanse(void* memory, std::size_t size) noexcept;
+NS_EXPORT void secCleanse(void* memory, std::size_t size) noexcept;
 
 /// Containers of secrets keep them in memory from secAllocate.
 template <class Value>
-struct SecretAllocator {
+struct SecSecretAllocator {
   /// What the standard library asks of an allocator.
   ///@{
   using value_type = Value;
 
-  SecretAllocator() = default;
+  SecSecretAllocator() = default;
   template <class Other>
-  SecretAllocator(const SecretAllocator<Other>&) noexcept {}
+  SecSecretAllocator(const SecSecretAllocator<Other>&) noexcept {}
 
   Value* allocate(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() / sizeof(Value)) throw std::bad_array_new_length();
+    if (count > (std::numeric_limits<std::size_t>::max)() / sizeof(Value)) throw std::bad_array_new_length();
     return static_cast<Value*>(secAllocate(count * sizeof(Value)));
   }
   void deallocate(Value* memory, std::size_t count) noexcept { secFree(memory, count * sizeof(Value)); }
 
-  friend bool operator==(SecretAllocator, SecretAllocator) { return true; }
+  friend bool operator==(SecSecretAllocator, SecSecretAllocator) { return true; }
   ///@}
 };
 
 /// Containers of what should not linger, such as names of accounts: ordinary memory, overwritten when freed.
 template <class Value>
-struct CleansingAllocator : std::allocator<Value> {
+struct SecCleansingAllocator : std::allocator<Value> {
   /// What the standard library asks of an allocator.
   ///@{
   using value_type = Value;
   /// The allocator of another type.
   template <class Other>
   struct rebind {
-    using other = CleansingAllocator<Other>;  ///< as it is asked for
+    using other = SecCleansingAllocator<Other>;  ///< as it is asked for
   };
 
-  CleansingAllocator() = default;
+  SecCleansingAllocator() = default;
   template <class Other>
-  CleansingAllocator(const CleansingAllocator<Other>&) noexcept {}
+  SecCleansingAllocator(const SecCleansingAllocator<Other>&) noexcept {}
 
   void deallocate(Value* memory, std::size_t count) noexcept {
     secCleanse(memory, count * sizeof(Value));

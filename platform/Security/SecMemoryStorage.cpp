@@ -4,7 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include <Security/SecIdentity.h>
+#include <Security/Items/SecIdentity.h>
+#include <Security/SecFailure.h>
 
 /// Keeps what each change displaced, and puts it back at the end unless the changes are kept.
 class SecMemoryStorage::Transaction final : public SecTransaction {
@@ -13,10 +14,10 @@ class SecMemoryStorage::Transaction final : public SecTransaction {
   ~Transaction() override;
   void keep() { displaced_.clear(); }
 
-  OSStatus find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) override;
-  OSStatus insert(const SecEntry& entry) override;
-  OSStatus replace(std::int64_t number, const SecEntry& entry) override;
-  OSStatus remove(std::int64_t number) override;
+  void find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) override;
+  void insert(const SecEntry& entry) override;
+  void replace(std::int64_t number, const SecEntry& entry) override;
+  void remove(std::int64_t number) override;
 
  private:
   using Entries = std::map<std::int64_t, SecEntry>;
@@ -25,7 +26,8 @@ class SecMemoryStorage::Transaction final : public SecTransaction {
     Entries::node_type node;  // empty for a number that was free
   };
 
-  OSStatus put(std::int64_t number, const SecEntry* entry);
+  void put(std::int64_t number, const SecEntry* entry);
+  void requireUnique(std::int64_t number, const SecEntry& entry) const;
 
   SecMemoryStorage& storage_;
   Access access_;
@@ -39,43 +41,48 @@ SecMemoryStorage::Transaction::~Transaction() {
   }
 }
 
-OSStatus SecMemoryStorage::Transaction::find(const SecAttributes& query,
-                                             const std::function<bool(SecRow)>& visit) {
+void SecMemoryStorage::Transaction::find(const SecAttributes& query,
+                                         const std::function<bool(SecRow)>& visit) {
   for (const auto& [number, entry] : storage_.entries_) {
     if (!secMatches(query, entry.attributes)) continue;
     if (!visit({number, {entry.attributes, entry.secret.clone()}})) break;
   }
-  return errSecSuccess;
 }
 
-OSStatus SecMemoryStorage::Transaction::insert(const SecEntry& entry) {
-  return put(++storage_.lastNumber_, &entry);
+void SecMemoryStorage::Transaction::insert(const SecEntry& entry) { put(++storage_.lastNumber_, &entry); }
+
+void SecMemoryStorage::Transaction::replace(std::int64_t number, const SecEntry& entry) {
+  put(number, &entry);
 }
 
-OSStatus SecMemoryStorage::Transaction::replace(std::int64_t number, const SecEntry& entry) {
-  return put(number, &entry);
-}
+void SecMemoryStorage::Transaction::remove(std::int64_t number) { put(number, nullptr); }
 
-OSStatus SecMemoryStorage::Transaction::remove(std::int64_t number) { return put(number, nullptr); }
-
-OSStatus SecMemoryStorage::Transaction::put(std::int64_t number, const SecEntry* entry) {
-  if (access_ != Access::change) return errSecReadOnly;
+void SecMemoryStorage::Transaction::put(std::int64_t number, const SecEntry* entry) {
+  secRequire(access_ == Access::change, errSecReadOnly);
+  if (entry) requireUnique(number, *entry);
   displaced_.push_back({number, {}});
   displaced_.back().node = storage_.entries_.extract(number);
   if (entry) storage_.entries_.emplace(number, SecEntry{entry->attributes, entry->secret.clone()});
-  return errSecSuccess;
+}
+
+void SecMemoryStorage::Transaction::requireUnique(std::int64_t number, const SecEntry& entry) const {
+  const SecAttributes identity = secIdentity(entry.attributes);
+  for (const auto& [other, held] : storage_.entries_)
+    secRequire(other == number || secIdentity(held.attributes) != identity, errSecDuplicateItem);
 }
 
 OSStatus SecMemoryStorage::transact(Access access, const Work& work) {
-  const std::lock_guard lock(mutex_);
-  Transaction transaction(*this, access);
-  const OSStatus status = work(transaction);
-  if (status == errSecSuccess) transaction.keep();
-  return status;
+  return secStatusOf([&] {
+    const std::lock_guard lock(mutex_);
+    Transaction transaction(*this, access);
+    work(transaction);
+    transaction.keep();
+  });
 }
 
 OSStatus SecMemoryStorage::copyInfo(SecStorageInfo& info) {
-  const std::lock_guard lock(mutex_);
-  info = {"memory", "ends with the process", entries_.size()};
-  return errSecSuccess;
+  return secStatusOf([&] {
+    const std::lock_guard lock(mutex_);
+    info = {"memory", "ends with the process", entries_.size()};
+  });
 }

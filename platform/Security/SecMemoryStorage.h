@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Foundation/FoundationExport.h>
+#include <Foundation/NSExport.h>
 
 #include <map>
 #include <mutex>
@@ -8,7 +8,7 @@
 #include <Security/SecStorage.h>
 
 /// Entries that end with the process, for tests and throw-away hosts. Safe from any thread.
-class FOUNDATION_EXPORT SecMemoryStorage final : public SecStorage {
+class NS_EXPORT SecMemoryStorage final : public SecStorage {
  public:
   OSStatus transact(Access access, const Work& work) override;
   OSStatus copyInfo(SecStorageInfo& info) override;

@@ -39,5 +39,5 @@ class SecSecret {
   SecSecret clone() const { return SecSecret(bytes()); }
 
  private:
-  std::vector<std::byte, SecretAllocator<std::byte>> bytes_;
+  std::vector<std::byte, SecSecretAllocator<std::byte>> bytes_;
 };

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
-#include <Security/SecBase.h>
+#include <Foundation/NSExport.h>
+#include <Security/SecStatus.h>
+
 #include <Security/SecEntry.h>
 
 /// One row of a storage: an entry, and the number by which the storage knows it. An older entry has the
@@ -15,22 +17,23 @@ struct SecRow {
   SecEntry entry;           ///< a copy, with the secret
 };
 
-/// What may be asked and changed within one transaction. Every operation answers a status, errSecSuccess
-/// when it was done; after any other status the transaction ends without a change.
-class SecTransaction {
+/// The operations of one transaction. Each throws SecFailure when it fails, and must be let through: the
+/// transaction then ends without a change.
+class NS_EXPORT SecTransaction {
  public:
   virtual ~SecTransaction() = default;
 
-  /// Hands `visit` the rows that `query` matches (secMatches), oldest first, until it answers false. Nothing
-  /// that was ever put into the storage is passed over: a storage that cannot be sure answers errSecDecode.
-  virtual OSStatus find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
+  /// Passes `visit` the rows that `query` matches (secMatches), oldest first, until it returns false. No row
+  /// is ever left out silently: a storage that cannot be sure fails with errSecDecode.
+  virtual void find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
 
-  /// Add a row, change one or take one out. Its number is one that `find` gave in this transaction. In one
-  /// that only reads, the answer is errSecReadOnly.
+  /// Adds a row, replaces one or removes one; the number is one that `find` gave in this transaction. Fails
+  /// with errSecDuplicateItem where two rows would have one identity (secIdentity), and with errSecReadOnly
+  /// in a transaction that only reads.
   ///@{
-  virtual OSStatus insert(const SecEntry& entry) = 0;
-  virtual OSStatus replace(std::int64_t number, const SecEntry& entry) = 0;
-  virtual OSStatus remove(std::int64_t number) = 0;
+  virtual void insert(const SecEntry& entry) = 0;
+  virtual void replace(std::int64_t number, const SecEntry& entry) = 0;
+  virtual void remove(std::int64_t number) = 0;
   ///@}
 };
 
@@ -42,22 +45,23 @@ struct SecStorageInfo {
 };
 
 /// A place where entries are kept. Safe from any thread: transactions follow one another.
-class SecStorage {
+class NS_EXPORT SecStorage {
  public:
   /// What a transaction is for.
   enum class Access {
     read,    ///< looking only: a change is errSecReadOnly
     change,  ///< looking and changing
   };
-  /// The steps of a transaction; they start no other one in the same storage, and keep none of it.
-  using Work = std::function<OSStatus(SecTransaction&)>;
+  /// The steps of a transaction. They start no other transaction in the same storage and keep no reference to
+  /// this one; to give up, they throw SecFailure.
+  using Work = std::function<void(SecTransaction&)>;
 
   virtual ~SecStorage() = default;
 
-  /// Runs `work` as one transaction, which is kept exactly when `work` answers errSecSuccess. Answers
-  /// the status of `work`, or why the transaction could not be begun or kept.
+  /// Runs `work` as one transaction, which is kept exactly when `work` returns. Returns errSecSuccess, the
+  /// status of the failure that `work` threw, or why the transaction could not be begun or kept.
   virtual OSStatus transact(Access access, const Work& work) = 0;
 
-  /// Tells what this storage is; after a status other than errSecSuccess, only as far as it could.
+  /// Describes this storage; after a status other than errSecSuccess `info` is filled in only in part.
   virtual OSStatus copyInfo(SecStorageInfo& info) = 0;
 };

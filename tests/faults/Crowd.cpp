@@ -12,15 +12,14 @@ namespace {
 constexpr std::size_t members = 8;
 
 OSStatus countUp(Passwords& passwords, const std::string& what) {
-  return passwords.storage->transact(SecStorage::Access::change, [&](SecTransaction& store) -> OSStatus {
+  return passwords.storage->transact(SecStorage::Access::change, [&](SecTransaction& store) {
     std::optional<SecRow> row;
-    const OSStatus status = store.find(Passwords::named(what), [&](SecRow found) {
+    store.find(Passwords::named(what), [&](SecRow found) {
       row = std::move(found);
       return false;
     });
-    if (status != errSecSuccess) return status;
     const std::string next = std::to_string(std::stoul(textFrom(row->entry.secret)) + 1);
-    return store.replace(row->number, Passwords::entryOf(what, next));
+    store.replace(row->number, Passwords::entryOf(what, next));
   });
 }
 
@@ -115,7 +114,7 @@ TEST_F(SecFileFaults, StoppedHolder) {
     const pid_t holder = inChild([&] {
       return passwords.storage->transact(SecStorage::Access::change, [](SecTransaction& held) {
         ::raise(SIGSTOP);
-        return held.insert(Passwords::entryOf("held", "2"));
+        held.insert(Passwords::entryOf("held", "2"));
       });
     });
     ::waitpid(holder, nullptr, WUNTRACED);

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "../SecFileTests.h"
+#include "tests/support/SecFileTests.h"
 
 /// What may befall credential stores. The short form of each test is run with all others, the long one where
 /// VX_FAULTS is "long"; either prints what it tried.

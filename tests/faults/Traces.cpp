@@ -81,16 +81,16 @@ int keep(const TemporaryPlace& temporary, int from) {
   {
     const SecEntry entry = receiveEntry(from);
     ::raise(SIGSTOP);
-    const auto insert = [&](SecTransaction& store) { return store.insert(entry); };
+    const auto insert = [&](SecTransaction& store) { store.insert(entry); };
     if (storage->transact(SecStorage::Access::change, insert) != errSecSuccess) return 2;
     Calls::arm(Calls::naming, 1, Calls::Fate::stop);
-    const auto replace = [&](SecTransaction& store) -> OSStatus {
+    const auto replace = [&](SecTransaction& store) {
       std::int64_t number = 0;
-      const OSStatus status = store.find(entry.attributes, [&](const SecRow& row) {
+      store.find(entry.attributes, [&](const SecRow& row) {
         number = row.number;
         return false;
       });
-      return status == errSecSuccess ? store.replace(number, entry) : status;
+      store.replace(number, entry);
     };
     if (storage->transact(SecStorage::Access::change, replace) != errSecSuccess) return 3;
     Calls::disarm();

@@ -1,4 +1,10 @@
-#include "Host.h"
+#include "tests/host/Host.h"
+
+namespace {
+
+struct Namesake : NSObject::Subclass<Namesake> {};
+
+}  // namespace
 
 bool Shape::initWithSides(int sides) {
   sides_ = sides;
@@ -7,10 +13,11 @@ bool Shape::initWithSides(int sides) {
 
 int Shape::area() const { VXAdditions::subclassShouldImplementSelector(*this, "area"); }
 
-Ref<NSObject> Countdown::enumeratedObjectAtIndex(std::size_t index) const {
+NSRef<NSObject> Countdown::enumeratedObjectAtIndex(std::size_t index) const {
   return NSNumber::numberWithInteger(static_cast<std::int64_t>(count() - index));
 }
 
-Ref<NSObject> hostMakesASquare() { return Square::shapeWithSides(1); }
-Class& hostClassOfTexts() { return NSString::classObject(); }
-Class& hostClassOfSquares() { return Square::classObject(); }
+NSRef<NSObject> hostMakesASquare() { return Square::shapeWithSides(1); }
+NSClass& hostClassOfTexts() { return NSString::classObject(); }
+NSClass& hostClassOfSquares() { return Square::classObject(); }
+NSRef<NSObject> hostNamesake() { return Namesake::alloc(); }

@@ -14,9 +14,9 @@ class ShapeLayer : public NSObjectLayer<Self, Base> {
   template <class Derived>
   using Subclass = ShapeLayer<Derived, Self>;
 
-  static RefPtr<Self> shapeWithSides(int sides) {
-    const Ref<Self> shape = Self::alloc();
-    return shape->initWithSides(sides + Self::sidesAdded()) ? RefPtr<Self>(shape) : nullptr;
+  static NSRefPtr<Self> shapeWithSides(int sides) {
+    const NSRef<Self> shape = Self::alloc();
+    return shape->initWithSides(sides + Self::sidesAdded()) ? NSRefPtr<Self>(shape) : nullptr;
   }
 };
 
@@ -28,7 +28,7 @@ class HOST_EXPORT Shape : public ShapeLayer<Shape, NSObject> {
   virtual bool initWithSides(int sides);
   virtual int area() const;
   int sides() const { return sides_; }
-  Ref<Shape> itself() { return *this; }
+  NSRef<Shape> itself() { return *this; }
 
  private:
   int sides_ = 0;
@@ -48,7 +48,7 @@ class HOST_EXPORT Square : public Polygon::Subclass<Square> {
 /// A link of a chain.
 class HOST_EXPORT Link : public NSObject::Subclass<Link> {
  public:
-  RefPtr<Link> next;
+  NSRefPtr<Link> next;
 };
 
 /// Numbers that are made as they are walked.
@@ -57,10 +57,13 @@ class HOST_EXPORT Countdown : public NSFastEnumeration::Subclass<Countdown> {
   std::size_t count() const override { return 3; }
 
  protected:
-  Ref<NSObject> enumeratedObjectAtIndex(std::size_t index) const override;
+  NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const override;
 };
 
+/// An object of the host's own class of that name, in an unnamed namespace.
+HOST_EXPORT NSRef<NSObject> hostNamesake();
+
 /// Seen from the host's side of the border.
-HOST_EXPORT Ref<NSObject> hostMakesASquare();
-HOST_EXPORT Class& hostClassOfTexts();
-HOST_EXPORT Class& hostClassOfSquares();
+HOST_EXPORT NSRef<NSObject> hostMakesASquare();
+HOST_EXPORT NSClass& hostClassOfTexts();
+HOST_EXPORT NSClass& hostClassOfSquares();

@@ -2,7 +2,7 @@
 
 #include <immintrin.h>
 
-#include "VXFoundation/kernels/Radix.h"
+#include <VXFoundation/kernels/Radix.h>
 
 /// What the kernels of this set share. All of it stays inside each file: see CodecKernels.h.
 namespace VXKernels {

@@ -1,0 +1,10 @@
+#include <VXFoundation/Internal/VXLocalizedString.h>
+
+#include <Foundation/NSBundle.h>
+#include <VXFoundation/VXFoundationConstants.h>
+
+NSRefPtr<NSString> VXLocalizedString(NSStringArg key) {
+  const NSRefPtr<NSBundle> bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
+  if (!bundle) return nullptr;
+  return bundle->localizedStringForKey(key, "", nullptr);
+}

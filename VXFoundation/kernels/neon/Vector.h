@@ -1,0 +1,14 @@
+#pragma once
+
+#include <arm_neon.h>
+
+#include <cstddef>
+
+namespace VXKernels {
+namespace {
+
+/// Bytes of a vector.
+inline constexpr std::size_t width = 16;
+
+}  // namespace
+}  // namespace VXKernels

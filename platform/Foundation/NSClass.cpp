@@ -1,0 +1,78 @@
+#include <Foundation/NSClass.h>
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include <Foundation/NSString.h>
+
+namespace {
+
+/// Classes by the name of their type, which every shared object of the process spells alike. A class without
+/// linkage, in an unnamed namespace say, shares its name with others: it goes by its address, too.
+struct Registry {
+  std::mutex mutex;
+  std::map<std::pair<std::string_view, const std::type_info*>, NSClass*> classes;
+};
+
+/// Whether the name (Itanium C++ ABI, section 5.1) is of a type in an unnamed namespace or in a function with
+/// internal linkage. g++ marks some of these with an asterisk, which name() leaves out; clang marks none.
+bool isLocalToOneSource(std::string_view name) {
+  return name.find("_GLOBAL__N_") != name.npos || name.find("ZL") != name.npos;
+}
+
+// Never destroyed: objects may be let go of after the destructors of this library ran.
+Registry& registry() {
+  static Registry& only = *new Registry;
+  return only;
+}
+
+std::string_view withoutScopes(std::string_view name) {
+  std::size_t start = 0;
+  int depth = 0;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    if (c == '<' || c == '(') ++depth;
+    if (c == '>' || c == ')') --depth;
+    if (c == ':' && depth == 0) start = i + 1;
+  }
+  return name.substr(start);
+}
+
+std::string readableName(const std::type_info& type) {
+  int status = 0;
+  const std::unique_ptr<char, decltype(&std::free)> name(
+      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
+  return std::string(withoutScopes(status == 0 ? name.get() : type.name()));
+}
+
+}  // namespace
+
+NSClass& NSClass::classObject() {
+  static NSClass& ofClasses = ofType(typeid(NSClass), &NSObject::classObject());
+  return ofClasses;
+}
+
+NSClass& NSClass::ofType(const std::type_info& type, NSClass* superclass) {
+  Registry& all = registry();
+  const std::lock_guard lock(all.mutex);
+  const std::string_view name = type.name();
+  NSClass*& entry = all.classes[{name, isLocalToOneSource(name) ? &type : nullptr}];
+  if (!entry) entry = new NSClass(readableName(type), superclass);
+  return *entry;
+}
+
+bool NSClass::isSubclassOfClass(const NSClass& other) const noexcept {
+  for (const NSClass* each = this; each; each = each->superclass_)
+    if (each == &other) return true;
+  return false;
+}
+
+NSRef<NSString> NSClass::description() const { return NSStringFromClass(*this); }
+
+NSRef<NSString> NSStringFromClass(const NSClass& receiver) {
+  return NSString::stringWithUTF8String(receiver.name());
+}

@@ -1,0 +1,113 @@
+#include <Security/Items/SecItemRequest.h>
+
+#include <Foundation/NSData.h>
+#include <Foundation/NSNumber.h>
+
+#include <Security/SecConstants.h>
+#include <Security/SecFailure.h>
+
+namespace {
+
+constexpr auto generic = SecItemClass::genericPassword;
+constexpr auto internet = SecItemClass::internetPassword;
+
+struct TextAttribute {
+  const NSRef<NSString>& key;
+  std::optional<SecText> SecAttributes::*value;
+  std::optional<SecItemClass> onlyOf;
+};
+
+const TextAttribute textAttributes[] = {
+    {kSecAttrAccount, &SecAttributes::account, std::nullopt},
+    {kSecAttrLabel, &SecAttributes::label, std::nullopt},
+    {kSecAttrService, &SecAttributes::service, generic},
+    {kSecAttrServer, &SecAttributes::server, internet},
+    {kSecAttrPath, &SecAttributes::path, internet},
+    {kSecAttrProtocol, &SecAttributes::protocol, internet},
+};
+
+SecText textOf(const NSString& text) {
+  return text.visit([](auto units) { return SecText(units.begin(), units.end()); });
+}
+
+std::optional<SecItemClass> classNamed(const NSString& name) {
+  if (name.isEqual(kSecClassGenericPassword)) return generic;
+  if (name.isEqual(kSecClassInternetPassword)) return internet;
+  return std::nullopt;
+}
+
+/// Asks a map for each attribute there is, and counts, so that a key nobody asked for is noticed.
+class Reader {
+ public:
+  explicit Reader(const NSDictionary& map) : map_(map) {}
+
+  /// The value of a key, absent when there is none or one of another kind.
+  template <class Kind>
+  NSRefPtr<Kind> value(const NSRef<NSString>& key) {
+    const NSRefPtr<NSObject> object = map_.objectForKey(key);
+    if (!object) return nullptr;
+    const NSRefPtr<Kind> value = NSDynamicCast<Kind>(object);
+    if (value) ++read_;
+    return value;
+  }
+
+  bool hasReadAll() const { return read_ == map_.count(); }
+
+ private:
+  const NSDictionary& map_;
+  std::size_t read_ = 0;
+};
+
+std::optional<SecItemClass> readClass(Reader& reader, std::optional<SecItemClass> implied) {
+  const auto name = reader.value<NSString>(kSecClass);
+  return name ? classNamed(*name) : implied;
+}
+
+void readAttributes(Reader& reader, SecAttributes& attributes) {
+  for (const TextAttribute& attribute : textAttributes) {
+    if (attribute.onlyOf.value_or(attributes.itemClass) != attributes.itemClass) continue;
+    if (const auto text = reader.value<NSString>(attribute.key)) attributes.*attribute.value = textOf(*text);
+  }
+  if (attributes.itemClass != internet) return;
+  if (const auto port = reader.value<NSNumber>(kSecAttrPort)) attributes.port = port->integerValue();
+}
+
+bool readFlag(Reader& reader, const NSRef<NSString>& key) {
+  const auto flag = reader.value<NSNumber>(key);
+  return flag && flag->boolValue();
+}
+
+void addAttributes(const SecAttributes& attributes, NSMutableDictionary& map) {
+  map.setObject(attributes.itemClass == generic ? kSecClassGenericPassword : kSecClassInternetPassword,
+                kSecClass);
+  for (const TextAttribute& attribute : textAttributes) {
+    const auto& text = attributes.*attribute.value;
+    if (text) map.setObject(NSString::stringWithCharacters(*text), attribute.key);
+  }
+  if (attributes.port) map.setObject(NSNumber::numberWithInteger(*attributes.port), kSecAttrPort);
+}
+
+}  // namespace
+
+SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& map, std::optional<SecItemClass> implied) {
+  secRequire(bool(map), errSecParam);
+  Reader reader(*map);
+  const auto itemClass = readClass(reader, implied);
+  secRequire(itemClass.has_value(), errSecParam);
+  SecItemRequest request;
+  request.attributes.itemClass = *itemClass;
+  readAttributes(reader, request.attributes);
+  if (const auto secret = reader.value<NSData>(kSecValueData)) request.secret.emplace(secret->bytes());
+  request.returnAttributes = readFlag(reader, kSecReturnAttributes);
+  request.returnData = readFlag(reader, kSecReturnData);
+  secRequire(reader.hasReadAll(), errSecParam);
+  return request;
+}
+
+NSRefPtr<NSDictionary> secMakeResponse(const SecEntry& entry, bool withAttributes, bool withData) {
+  if (!withAttributes && !withData) return nullptr;
+  const NSRef<NSMutableDictionary> response = NSMutableDictionary::dictionary();
+  if (withAttributes) addAttributes(entry.attributes, *response);
+  if (withData) response->setObject(NSData::dataWithBytes(entry.secret.bytes(), true), kSecValueData);
+  return response;
+}

@@ -1,9 +1,0 @@
-#pragma once
-
-#include "Notations.h"
-
-/// The digits of dynamic type identifiers, five bits each.
-inline constexpr std::string_view dynamicAlphabet = "abcdefghkmnpqrstuvwxyz0123456789";
-
-/// The identifier that packs the text.
-inline std::string packed(std::string_view text) { return "dyn.a" + digitsByRule(text, dynamicAlphabet, 5); }

@@ -1,0 +1,9 @@
+#include "tests/support/Bytes.h"
+#include "tests/support/Support.h"
+
+TEST(NSData, BytesThatAreAddedAreZero) {
+  const auto data = NSMutableData::dataWithBytes("abc", 3);
+  data->setLength(1);
+  data->setLength(3);
+  EXPECT_EQ(bytesOf(data), std::string("a\0\0", 3));
+}

@@ -1,0 +1,44 @@
+#include <Foundation/NSPropertyList.h>
+
+#include "tests/support/Bytes.h"
+#include "tests/support/Support.h"
+
+namespace {
+
+NSRefPtr<NSObject> propertyList(std::string_view body) {
+  const std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\">" + std::string(body) + "</plist>";
+  return NSPropertyListWithData(std::as_bytes(std::span(xml)));
+}
+
+}  // namespace
+
+TEST(NSPropertyList, AreTheValuesOfTheTableNoTwoOfWhichAreEqual) {
+  const auto rows = byteVectors("property-lists.tsv");
+  for (const auto& row : rows)
+    for (const auto& other : rows) {
+      const NSRefPtr<NSObject> value = propertyList(row[0]), another = propertyList(other[0]);
+      ASSERT_TRUE(value && another) << row[0] << other[0];
+      EXPECT_EQ(bytesOf(value->description()), row[1]) << row[0];
+      EXPECT_EQ(value->isEqual(another), &row == &other) << row[0] << other[0];
+    }
+}
+
+TEST(NSPropertyList, WhatIsNoneIsAbsent) {
+  for (const auto& row : vectors("not-property-lists.tsv")) EXPECT_FALSE(propertyList(row[0])) << row[0];
+  std::string deep;
+  for (int i = 0; i < 200; ++i) deep = "<array>" + deep + "</array>";
+  EXPECT_FALSE(propertyList(deep));
+  const std::string entity = "<!DOCTYPE plist [<!ENTITY a \"aaaa\">]><plist><string>&a;</string></plist>";
+  EXPECT_FALSE(NSPropertyListWithData(std::as_bytes(std::span(entity))));
+  EXPECT_FALSE(NSPropertyListWithContentsOfFile("/nowhere/Info.plist"));
+  EXPECT_FALSE(NSPropertyListWithContentsOfFile("/"));
+}
+
+TEST(NSPropertyList, EveryCutIsAbsentOrWhole) {
+  const std::string_view xml =
+      "<plist><dict><key>a</key><array><integer>1</integer><false/></array></dict></plist>";
+  for (std::size_t length = 0; length <= xml.size(); ++length) {
+    const auto cut = NSPropertyListWithData(std::as_bytes(std::span(xml.substr(0, length))));
+    EXPECT_EQ(bool(cut), length == xml.size()) << length;
+  }
+}

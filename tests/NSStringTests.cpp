@@ -1,0 +1,134 @@
+#include <random>
+#include <sstream>
+
+#include "tests/support/Bytes.h"
+#include "tests/support/Fuzz.h"
+#include "tests/support/Support.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+// What the fuzz target promises of any bytes: conversions as the C library has them, both ways and back.
+void expectPromisesKept(const std::string& bytes) {
+  EXPECT_NO_THROW(fuzzWith(bytes)) << testing::PrintToString(bytes);
+}
+
+const std::u16string loneSurrogate = u"a\xD800";
+
+}  // namespace
+
+TEST(NSString, EveryTwoBytesKeepThePromises) {
+  for (int first = 0; first < 256; ++first)
+    for (int second = 0; second < 256; ++second)
+      expectPromisesKept({static_cast<char>(first), static_cast<char>(second)});
+}
+
+TEST(NSString, RandomBytesKeepThePromises) {
+  std::mt19937 random(20);
+  // Bytes at the edges of what is well formed, so that long sequences are met, whole and broken.
+  const std::string edges = "\x00\x41\x7F\x80\x8F\x90\x9F\xA0\xBF\xC1\xC2\xDF\xE0\xED\xEF\xF0\xF4\xF5"s;
+  for (int round = 0; round < 200'000; ++round) {
+    std::string bytes(3 + random() % 4, '\0');
+    for (char& byte : bytes) byte = edges[random() % edges.size()];
+    expectPromisesKept(bytes);
+  }
+  for (char32_t value = 0x10000; value < 0x110000; value += 0x3FF)
+    expectPromisesKept({static_cast<char>(0xF0 | value >> 18), static_cast<char>(0x80 | (value >> 12 & 0x3F)),
+                        static_cast<char>(0x80 | (value >> 6 & 0x3F)),
+                        static_cast<char>(0x80 | (value & 0x3F))});
+}
+
+TEST(NSString, StorageIsNarrowExactlyForASCIIAndNeverShows) {
+  for (const auto& row : byteVectors("texts.tsv")) {
+    const auto fixed = text(row[0]);
+    const auto grown = NSMutableString::string();
+    for (std::size_t i = 0; i < fixed->length(); ++i)
+      grown->appendCharacters(std::u16string(1, fixed->characterAtIndex(i)));
+    for (const NSRef<NSString>& each : {fixed, NSRef<NSString>(grown), grown->copy()}) {
+      EXPECT_EQ(bytesOf(each), row[0]);
+      EXPECT_EQ(each->length(), std::stoul(row[1])) << row[0];
+      EXPECT_EQ(each->isASCII(), row[2] == "narrow") << row[0];
+      EXPECT_TRUE(each->isEqual(fixed) && fixed->isEqual(each)) << row[0];
+      EXPECT_EQ(each->hash(), fixed->hash()) << row[0];
+      EXPECT_EQ(raised([&] { each->characterAtIndex(each->length()); }), "NSRangeException");
+      EXPECT_EQ(raised([&] { each->substringFromIndex(each->length() + 1); }), "NSRangeException");
+      EXPECT_EQ(each->substringFromIndex(each->length())->length(), 0U);
+    }
+  }
+  EXPECT_FALSE(text("1")->isEqual(text("2")) || text("1")->isEqual(NSNumber::numberWithInteger(1)));
+  EXPECT_TRUE(text("\xC3\xA9xyz")->substringFromIndex(1)->isASCII());
+  EXPECT_TRUE(text("x\xC3\xA9,y")->componentsSeparatedByString(",")->lastObject()->isEqual(text("y")));
+}
+
+TEST(NSString, WhatCannotBeToldIsAbsentAndNothingIsRepaired) {
+  const auto lone = NSString::stringWithCharacters(loneSurrogate);
+  EXPECT_FALSE(lone->dataUsingEncoding(NSUTF8StringEncoding));
+  EXPECT_EQ(raised([&] { static_cast<void>(static_cast<std::string>(*lone)); }),
+            "NSInvalidArgumentException");
+  EXPECT_FALSE(text("\xC3\xA9")->dataUsingEncoding(NSASCIIStringEncoding));
+  EXPECT_FALSE(NSString::stringWithUTF8String(static_cast<const char*>(nullptr)));
+}
+
+TEST(NSString, NULAndByteOrderMarkAreContent) {
+  const NSRefPtr<NSData> data = dataOf("\xEF\xBB\xBF\x61\0b"s);
+  const NSRefPtr<NSString> content = NSString::stringWithData(data, NSUTF8StringEncoding);
+  EXPECT_TRUE(content->dataUsingEncoding(NSUTF8StringEncoding)->isEqual(data));
+  EXPECT_FALSE(NSString::stringWithData(data, NSASCIIStringEncoding));
+  EXPECT_EQ(bytesOf(NSString::stringWithData(nullptr, NSUTF8StringEncoding)), "");
+}
+
+TEST(NSString, FormatsFillInAndRefuse) {
+  const NSRefPtr<NSString> nil;
+  const auto filled = NSString::stringWithFormat("%@-%d-%lu-%%-%@", text("\xC3\xA9"), -2147483648,
+                                                 18446744073709551615U, nil);
+  EXPECT_EQ(filled->UTF8String(), "\xC3\xA9--2147483648-18446744073709551615-%-(null)");
+  EXPECT_TRUE(text("a")->stringByAppendingFormat(".%@", text("b"))->isEqual(text("a.b")));
+  const std::string invalid = "NSInvalidArgumentException";
+  EXPECT_EQ(raised([] { NSString::stringWithFormat("%@"); }), invalid);
+  EXPECT_EQ(raised([] { NSString::stringWithFormat("%d%d", 7); }), invalid);
+  EXPECT_EQ(raised([] { NSString::stringWithFormat("x", 1); }), invalid);
+  EXPECT_EQ(raised([] { NSString::stringWithFormat("%d", text("1")); }), invalid);
+  EXPECT_EQ(raised([] { NSString::stringWithFormat("%lu", 1); }), invalid);
+  EXPECT_EQ(raised([] { NSString::stringWithFormat("100%"); }), invalid);
+}
+
+TEST(NSString, AppendsItself) {
+  for (const char* start : {"ab", "\xC3\xA9t\xC3\xA9"}) {
+    const auto doubled = NSMutableString::stringWithString(text(start));
+    for (int i = 0; i < 4; ++i) doubled->appendString(doubled);
+    std::string expected;
+    for (int i = 0; i < 16; ++i) expected += start;
+    EXPECT_EQ(doubled->UTF8String(), expected);
+  }
+}
+
+TEST(NSString, StreamsAndLogsAsOneLine) {
+  std::ostringstream stream;
+  stream << text("k\xC3\xA9y") << NSRefPtr<NSString>() << *NSString::stringWithCharacters(loneSurrogate);
+  EXPECT_EQ(stream.str(), "k\xC3\xA9y(null)\\u61\\ud800");
+  std::vector<std::string> lines;
+  const NSLogSink before = NSLogSetSink([&](std::string_view line) { lines.emplace_back(line); });
+  NSLog("two\nlines\r%d", -1);
+  NSLogSetSink(before);
+  EXPECT_EQ(lines, std::vector<std::string>{"two\\nlines\\r-1"});
+}
+
+TEST(NSString, OfASecretPassesTheMarkOn) {
+  const auto secret = NSData::dataWithBytes(std::as_bytes(std::span("p\xC3\xA4ss", 5)), true);
+  const NSRefPtr<NSString> password = NSString::stringWithData(secret, NSUTF8StringEncoding);
+  EXPECT_TRUE(password->holdsSecret());
+  EXPECT_TRUE(password->mutableCopy()->copy()->holdsSecret());
+  EXPECT_TRUE(password->dataUsingEncoding(NSUTF8StringEncoding)->holdsSecret());
+  EXPECT_TRUE(secret->mutableCopy()->copy()->holdsSecret());
+  EXPECT_TRUE(password->substringFromIndex(2)->holdsSecret());
+  for (const char* separator : {"s", "\xC3\xA4", "none"}) {
+    const NSRef<NSArray> parts = password->componentsSeparatedByString(text(separator));
+    for (const NSRef<NSObject> part : *parts)
+      EXPECT_TRUE(NSRef(NSDynamicCast<NSString>(part))->holdsSecret());
+  }
+  const auto joined = NSMutableData::dataWithLength(3);
+  joined->appendData(secret);
+  EXPECT_TRUE(joined->holdsSecret());
+  EXPECT_FALSE(text("plain")->dataUsingEncoding(NSUTF8StringEncoding)->holdsSecret());
+}

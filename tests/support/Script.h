@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "tests/support/Support.h"
+
+/// A text before and after the first `at`.
+inline std::pair<std::string, std::string> cut(const std::string& whole, const std::string& at) {
+  const std::size_t place = whole.find(at);
+  if (place == std::string::npos) return {whole, ""};
+  return {whole.substr(0, place), whole.substr(place + at.size())};
+}
+
+/// Runs a script of tests/scripts and gives the number of its steps. A case starts with its title in
+/// brackets, for which `begin` is called; each line after it is a step, "what is done -> what it answers",
+/// handed to `step` in these two parts. Empty lines and those that begin with # are left out.
+template <class Begin, class Step>
+std::size_t runScript(const std::string& name, Begin&& begin, Step&& step) {
+  std::ifstream script(std::string(VX_TESTS) + "/scripts/" + name);
+  std::size_t steps = 0, number = 0;
+  for (std::string line, title; std::getline(script, line);) {
+    ++number;
+    if (line.empty() || line.front() == '#') continue;
+    if (line.front() == '[') {
+      title = line;
+      begin();
+      continue;
+    }
+    SCOPED_TRACE(name + ":" + std::to_string(number) + ": " + title + "\n  " + line);
+    const auto [done, answer] = cut(line, " -> ");
+    step(done, answer);
+    ++steps;
+  }
+  return steps;
+}

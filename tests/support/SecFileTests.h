@@ -1,0 +1,103 @@
+#pragma once
+
+#include <Security/SecFailure.h>
+#include <Security/SecFileStorage.h>
+#include <unistd.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "tests/support/Files.h"
+
+/// A folder of its own for the files of one store. In memory where the system has such a place: what ends
+/// a process there leaves what it would leave on a disk, many times faster.
+struct TemporaryPlace : TemporaryFolder {
+  TemporaryPlace() : TemporaryFolder(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") {}
+  SecFilePlace place = {root / "data/credentials.store", root / "keys", true};
+};
+
+inline SecSecret secretFrom(std::string_view text) { return SecSecret(std::as_bytes(std::span(text))); }
+
+inline std::string textFrom(const SecSecret& secret) {
+  return {reinterpret_cast<const char*>(secret.bytes().data()), secret.bytes().size()};
+}
+
+/// A store of passwords by account, all of one service, as a host without the library's objects sees it.
+class Passwords {
+ public:
+  /// What an account holds: nothing, or a password.
+  using Found = std::optional<std::string>;
+  static constexpr auto make = SecFileStorage::Missing::make;
+  static constexpr auto refuse = SecFileStorage::Missing::refuse;
+
+  OSStatus open(const SecFilePlace& place, SecFileStorage::Missing missing = make) {
+    return SecFileStorage::open(place, missing, storage);
+  }
+
+  OSStatus add(const std::string& account, std::string_view password) {
+    return change([&](SecTransaction& store) { store.insert(entryOf(account, password)); });
+  }
+
+  OSStatus update(const std::string& account, std::string_view password) {
+    return changeFound(account, [&](SecTransaction& store, const SecRow& row) {
+      store.replace(row.number, entryOf(account, password));
+    });
+  }
+
+  OSStatus remove(const std::string& account) {
+    return changeFound(account, [](SecTransaction& store, const SecRow& row) { store.remove(row.number); });
+  }
+
+  OSStatus look(const std::string& account, Found& found) {
+    found.reset();
+    return storage->transact(SecStorage::Access::read, [&](SecTransaction& store) {
+      store.find(named(account), [&](SecRow row) {
+        found = textFrom(row.entry.secret);
+        return false;
+      });
+    });
+  }
+
+  OSStatus all(std::map<std::string, std::string>& held) {
+    held.clear();
+    return storage->transact(SecStorage::Access::read, [&](SecTransaction& store) {
+      store.find({}, [&](SecRow row) {
+        const SecText& account = *row.entry.attributes.account;
+        held[std::string(account.begin(), account.end())] = textFrom(row.entry.secret);
+        return true;
+      });
+    });
+  }
+
+  static SecAttributes named(const std::string& account) {
+    SecAttributes attributes;
+    attributes.account.emplace(account.begin(), account.end());
+    attributes.service.emplace(u"service");
+    return attributes;
+  }
+
+  static SecEntry entryOf(const std::string& account, std::string_view password) {
+    return {named(account), secretFrom(password)};
+  }
+
+  std::unique_ptr<SecFileStorage> storage;
+
+ private:
+  OSStatus change(const SecStorage::Work& work) {
+    return storage->transact(SecStorage::Access::change, work);
+  }
+
+  template <class Action>
+  OSStatus changeFound(const std::string& account, Action action) {
+    return change([&](SecTransaction& store) {
+      std::optional<SecRow> found;
+      store.find(named(account), [&](SecRow row) {
+        found = std::move(row);
+        return false;
+      });
+      secRequire(found.has_value(), errSecItemNotFound);
+      action(store, *found);
+    });
+  }
+};
