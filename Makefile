@@ -1,5 +1,5 @@
 # The front door: each target is one command, and what it does is in its script.
-.PHONY: demo check bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
+.PHONY: demo check format bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
 
 PRESET = release
 # What CTest is to pick or leave out, say ARGS="-R Base64".
@@ -10,6 +10,10 @@ demo:
 
 check:
 	scripts/check $(PRESET) $(ARGS)
+
+# ARGS=--check changes nothing and fails where a file differs.
+format:
+	scripts/format $(ARGS)
 
 clang:
 	scripts/check clang $(ARGS)
