@@ -60,35 +60,35 @@ bool reportInvalidAttributes(NSRefPtr<NSError>* error) {
   return false;
 }
 
-void assertPresent(bool present, const NSObject& receiver, NSStringArg selector, std::size_t line,
-                   NSStringArg condition) {
-  VXAssertParameter(present, receiver, {selector, "VXKeychainItem", line, condition});
+void assertNotNil(bool holds, const NSObject& receiver, NSStringArg selector, std::size_t line,
+                  NSStringArg condition) {
+  VXAssertParameter(holds, receiver, {selector, "VXKeychainItem", line, condition});
 }
 
 template <class Value>
-NSRefPtr<Value> fixedCopy(const NSRefPtr<Value>& value) {
+NSRefPtr<Value> immutableCopy(const NSRefPtr<Value>& value) {
   return value ? NSRefPtr<Value>(value->copy()) : nullptr;
 }
-NSRefPtr<NSString> fixedCopy(NSStringArg text) { return fixedCopy(text.get()); }
+NSRefPtr<NSString> immutableCopy(NSStringArg string) { return immutableCopy(string.get()); }
 
-bool equalOrBothAbsent(const NSRefPtr<NSObject>& own, const NSRefPtr<NSObject>& other) {
+bool equalOrBothNil(const NSRefPtr<NSObject>& own, const NSRefPtr<NSObject>& other) {
   return own ? other && own->isEqual(other) : !other;
 }
 
-/// The value as one of class Kind; absent as well when the map is.
+/// Returns the value if it is a Kind; nil otherwise, and if the dictionary is nil.
 template <class Kind>
-NSRefPtr<Kind> valueIn(const NSRefPtr<NSDictionary>& map, const NSRef<NSString>& key) {
-  return map ? NSDynamicCast<Kind>(map->objectForKey(key)) : nullptr;
+NSRefPtr<Kind> valueIn(const NSRefPtr<NSDictionary>& dictionary, const NSRef<NSString>& key) {
+  return dictionary ? NSDynamicCast<Kind>(dictionary->objectForKey(key)) : nullptr;
 }
 
 template <class Kind>
-bool hasContent(const NSRefPtr<NSDictionary>& map, const NSRef<NSString>& key) {
-  const auto value = valueIn<Kind>(map, key);
+bool hasContent(const NSRefPtr<NSDictionary>& dictionary, const NSRef<NSString>& key) {
+  const auto value = valueIn<Kind>(dictionary, key);
   return value && value->length() > 0;
 }
 
-void setIfPresent(NSMutableDictionary& map, NSObjectArg value, const NSRef<NSString>& key) {
-  if (value) map.setObject(value, key);
+void setIfNotNil(NSMutableDictionary& dictionary, NSObjectArg value, const NSRef<NSString>& key) {
+  if (value) dictionary.setObject(value, key);
 }
 
 NSRefPtr<NSData> secretFromPassword(NSStringArg password) {
@@ -117,19 +117,19 @@ bool VXKeychainItem::initWithUsernameData(NSStringArg username, const NSRefPtr<N
 bool VXKeychainItem::isEqual(const NSRefPtr<NSObject>& other) const {
   if (!other || !other->isKindOfClass(isa())) return false;
   const auto& item = static_cast<const VXKeychainItem&>(*other);
-  return equalOrBothAbsent(label_, item.label_) && equalOrBothAbsent(username_, item.username_) &&
-         equalOrBothAbsent(data_, item.data_);
+  return equalOrBothNil(label_, item.label_) && equalOrBothNil(username_, item.username_) &&
+         equalOrBothNil(data_, item.data_);
 }
 
-bool VXKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const {
-  return hasContent<NSString>(map, kSecAttrAccount) && hasContent<NSData>(map, kSecValueData);
+bool VXKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const {
+  return hasContent<NSString>(dictionary, kSecAttrAccount) && hasContent<NSData>(dictionary, kSecValueData);
 }
 
 NSRef<NSMutableDictionary> VXKeychainItem::_createAttributesDictionary() const {
   const NSRef<NSMutableDictionary> attributes = NSMutableDictionary::dictionary();
-  setIfPresent(*attributes, username_, kSecAttrAccount);
-  setIfPresent(*attributes, data_, kSecValueData);
-  setIfPresent(*attributes, label_, kSecAttrLabel);
+  setIfNotNil(*attributes, username_, kSecAttrAccount);
+  setIfNotNil(*attributes, data_, kSecValueData);
+  setIfNotNil(*attributes, label_, kSecAttrLabel);
   return attributes;
 }
 
@@ -159,8 +159,8 @@ bool VXKeychainItem::addItemToKeychain(NSRefPtr<NSError>* error) {
 }
 
 bool VXKeychainItem::refreshItemFromKeychainIncludeData(bool includeData, NSRefPtr<NSError>* error) {
-  assertPresent(bool(keychainItemRequest_), *this, "refreshItemFromKeychainIncludeData:error:", 174,
-                "self.keychainItemRequest != NULL");
+  assertNotNil(bool(keychainItemRequest_), *this, "refreshItemFromKeychainIncludeData:error:", 174,
+               "self.keychainItemRequest != NULL");
   NSRefPtr<NSMutableDictionary> query;
   if (keychainItemRequest_) {
     query = keychainItemRequest_->mutableCopy();
@@ -175,10 +175,10 @@ bool VXKeychainItem::refreshItemFromKeychainIncludeData(bool includeData, NSRefP
 }
 
 bool VXKeychainItem::updateItemInKeychain(NSRefPtr<NSError>* error) {
-  assertPresent(bool(keychainItemResponse_), *this, "updateItemInKeychain:", 210,
-                "self.keychainItemResponse != nil");
-  assertPresent(bool(keychainItemRequest_), *this, "updateItemInKeychain:", 211,
-                "self.keychainItemRequest != nil");
+  assertNotNil(bool(keychainItemResponse_), *this, "updateItemInKeychain:", 210,
+               "self.keychainItemResponse != nil");
+  assertNotNil(bool(keychainItemRequest_), *this, "updateItemInKeychain:", 211,
+               "self.keychainItemRequest != nil");
   const auto attributes = validAttributes(error);
   if (!attributes) return false;
   return _VXKeychainItemCheckStatus(SecItemUpdate(keychainItemRequest_, attributes), error);
@@ -192,9 +192,9 @@ bool VXKeychainItem::deleteItemFromKeychain(NSRefPtr<NSError>* error) {
   return deleted || status == errSecItemNotFound;
 }
 
-void VXKeychainItem::setLabel(NSStringArg label) { label_ = fixedCopy(label); }
-void VXKeychainItem::setUsername(NSStringArg username) { username_ = fixedCopy(username); }
-void VXKeychainItem::setData(const NSRefPtr<NSData>& data) { data_ = fixedCopy(data); }
+void VXKeychainItem::setLabel(NSStringArg label) { label_ = immutableCopy(label); }
+void VXKeychainItem::setUsername(NSStringArg username) { username_ = immutableCopy(username); }
+void VXKeychainItem::setData(const NSRefPtr<NSData>& data) { data_ = immutableCopy(data); }
 
 // VXPasswordKeychainItem
 
@@ -210,9 +210,9 @@ bool VXPasswordKeychainItem::refreshItemFromKeychainIncludePassword(bool include
   return refreshItemFromKeychainIncludeData(includePassword, error);
 }
 
-bool VXPasswordKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const {
-  if (!VXKeychainItem::dictHasVaildKeychainData(map)) return false;
-  const auto password = passwordFromSecret(valueIn<NSData>(map, kSecValueData));
+bool VXPasswordKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const {
+  if (!VXKeychainItem::dictHasVaildKeychainData(dictionary)) return false;
+  const auto password = passwordFromSecret(valueIn<NSData>(dictionary, kSecValueData));
   return password && password->length() > 0;
 }
 
@@ -227,17 +227,18 @@ bool VXGenericKeychainItem::initWithUsername(NSStringArg username, NSStringArg p
 
 bool VXGenericKeychainItem::isEqual(const NSRefPtr<NSObject>& other) const {
   return VXPasswordKeychainItem::isEqual(other) &&
-         equalOrBothAbsent(serviceName_, static_cast<const VXGenericKeychainItem&>(*other).serviceName_);
+         equalOrBothNil(serviceName_, static_cast<const VXGenericKeychainItem&>(*other).serviceName_);
 }
 
-bool VXGenericKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const {
-  return VXPasswordKeychainItem::dictHasVaildKeychainData(map) && hasContent<NSString>(map, kSecAttrService);
+bool VXGenericKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const {
+  return VXPasswordKeychainItem::dictHasVaildKeychainData(dictionary) &&
+         hasContent<NSString>(dictionary, kSecAttrService);
 }
 
 NSRef<NSMutableDictionary> VXGenericKeychainItem::_createAttributesDictionary() const {
   const auto attributes = VXPasswordKeychainItem::_createAttributesDictionary();
   attributes->setObject(kSecClassGenericPassword, kSecClass);
-  setIfPresent(*attributes, serviceName_, kSecAttrService);
+  setIfNotNil(*attributes, serviceName_, kSecAttrService);
   return attributes;
 }
 
@@ -246,22 +247,24 @@ void VXGenericKeychainItem::populateKeychainItemWithKeychainResponse(const NSRef
   setServiceName(valueIn<NSString>(response, kSecAttrService));
 }
 
-void VXGenericKeychainItem::setServiceName(NSStringArg serviceName) { serviceName_ = fixedCopy(serviceName); }
+void VXGenericKeychainItem::setServiceName(NSStringArg serviceName) {
+  serviceName_ = immutableCopy(serviceName);
+}
 
 NSRef<NSMutableDictionary> VXGenericKeychainItem::queryDictionaryWithUsername(NSStringArg username,
                                                                               NSStringArg serviceName) {
   const NSRef<NSMutableDictionary> query = NSMutableDictionary::dictionary();
   query->setObject(kSecClassGenericPassword, kSecClass);
-  setIfPresent(*query, username.get(), kSecAttrAccount);
-  setIfPresent(*query, serviceName.get(), kSecAttrService);
+  setIfNotNil(*query, username.get(), kSecAttrAccount);
+  setIfNotNil(*query, serviceName.get(), kSecAttrService);
   return query;
 }
 
 void VXGenericKeychainItem::assertFindable(const NSClass& receiver, NSStringArg username,
                                            NSStringArg serviceName) {
   const NSStringArg selector = "findKeychainItemForUsername:serviceName:";
-  assertPresent(bool(username), receiver, selector, 315, "username != nil");
-  assertPresent(bool(serviceName), receiver, selector, 316, "serviceName != nil");
+  assertNotNil(bool(username), receiver, selector, 315, "username != nil");
+  assertNotNil(bool(serviceName), receiver, selector, 316, "serviceName != nil");
 }
 
 // VXInternetKeychainItem
@@ -278,13 +281,13 @@ const NSRef<NSString>& _VXInternetKeychainItemTypeFromProtocol(VXInternetKeychai
   return *protocolTypes[value - 1];
 }
 
-void setProtocolIfAny(NSMutableDictionary& map, VXInternetKeychainItemProtocol protocol) {
+void setProtocolIfAny(NSMutableDictionary& dictionary, VXInternetKeychainItemProtocol protocol) {
   if (protocol == VXInternetKeychainItemProtocolNone) return;
-  map.setObject(_VXInternetKeychainItemTypeFromProtocol(protocol), kSecAttrProtocol);
+  dictionary.setObject(_VXInternetKeychainItemTypeFromProtocol(protocol), kSecAttrProtocol);
 }
 
-void setPort(NSMutableDictionary& map, std::int64_t port) {
-  map.setObject(NSNumber::numberWithInteger(port), kSecAttrPort);
+void setPort(NSMutableDictionary& dictionary, std::int64_t port) {
+  dictionary.setObject(NSNumber::numberWithInteger(port), kSecAttrPort);
 }
 
 }  // namespace
@@ -303,21 +306,22 @@ bool VXInternetKeychainItem::initWithUsername(NSStringArg username, NSStringArg 
 bool VXInternetKeychainItem::isEqual(const NSRefPtr<NSObject>& other) const {
   if (!VXPasswordKeychainItem::isEqual(other)) return false;
   const auto& item = static_cast<const VXInternetKeychainItem&>(*other);
-  return protocol_ == item.protocol_ && equalOrBothAbsent(server_, item.server_) && port_ == item.port_ &&
-         equalOrBothAbsent(path_, item.path_);
+  return protocol_ == item.protocol_ && equalOrBothNil(server_, item.server_) && port_ == item.port_ &&
+         equalOrBothNil(path_, item.path_);
 }
 
-bool VXInternetKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const {
-  return VXPasswordKeychainItem::dictHasVaildKeychainData(map) && hasContent<NSString>(map, kSecAttrServer);
+bool VXInternetKeychainItem::dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const {
+  return VXPasswordKeychainItem::dictHasVaildKeychainData(dictionary) &&
+         hasContent<NSString>(dictionary, kSecAttrServer);
 }
 
 NSRef<NSMutableDictionary> VXInternetKeychainItem::_createAttributesDictionary() const {
   const auto attributes = VXPasswordKeychainItem::_createAttributesDictionary();
   attributes->setObject(kSecClassInternetPassword, kSecClass);
   setProtocolIfAny(*attributes, protocol_);
-  setIfPresent(*attributes, server_, kSecAttrServer);
+  setIfNotNil(*attributes, server_, kSecAttrServer);
   if (port_ != 0) ::setPort(*attributes, port_);
-  setIfPresent(*attributes, path_, kSecAttrPath);
+  setIfNotNil(*attributes, path_, kSecAttrPath);
   return attributes;
 }
 
@@ -341,18 +345,18 @@ VXInternetKeychainItemProtocol VXInternetKeychainItem::_VXInternetKeychainItemPr
   return static_cast<VXInternetKeychainItemProtocol>(found - std::begin(protocolTypes) + 1);
 }
 
-void VXInternetKeychainItem::setServer(NSStringArg server) { server_ = fixedCopy(server); }
-void VXInternetKeychainItem::setPath(NSStringArg path) { path_ = fixedCopy(path); }
+void VXInternetKeychainItem::setServer(NSStringArg server) { server_ = immutableCopy(server); }
+void VXInternetKeychainItem::setPath(NSStringArg path) { path_ = immutableCopy(path); }
 
 NSRef<NSMutableDictionary> VXInternetKeychainItem::queryDictionaryWithUsername(
     NSStringArg username, NSStringArg server, NSStringArg path, std::int64_t port,
     VXInternetKeychainItemProtocol protocol) {
   const NSRef<NSMutableDictionary> query = NSMutableDictionary::dictionary();
   query->setObject(kSecClassInternetPassword, kSecClass);
-  setIfPresent(*query, username.get(), kSecAttrAccount);
-  setIfPresent(*query, server.get(), kSecAttrServer);
+  setIfNotNil(*query, username.get(), kSecAttrAccount);
+  setIfNotNil(*query, server.get(), kSecAttrServer);
   if (port > 0) ::setPort(*query, port);
-  setIfPresent(*query, path.get(), kSecAttrPath);
+  setIfNotNil(*query, path.get(), kSecAttrPath);
   setProtocolIfAny(*query, protocol);
   return query;
 }
@@ -360,6 +364,6 @@ NSRef<NSMutableDictionary> VXInternetKeychainItem::queryDictionaryWithUsername(
 void VXInternetKeychainItem::assertFindable(const NSClass& receiver, NSStringArg username,
                                             NSStringArg server) {
   const NSStringArg selector = "findKeychainItemForUsername:server:path:port:protocol:";
-  assertPresent(bool(username), receiver, selector, 421, "username != nil");
-  assertPresent(bool(server), receiver, selector, 422, "server != nil");
+  assertNotNil(bool(username), receiver, selector, 421, "username != nil");
+  assertNotNil(bool(server), receiver, selector, 422, "server != nil");
 }

@@ -9,47 +9,49 @@
 #include <Foundation/NSString.h>
 
 /// @file
-/// Items of the credential store. An operation answers whether it was done. Where it was not and a place for
-/// an error was given, that gets an error of the domain VXFoundationBundleIdentifier: code 0 for incomplete
-/// attributes (no store is asked), -201 for an entry that was not found, -200 for any other status, each with
-/// a localised description and, but for code 0, the platform's error underneath. The item is then as it was.
+/// Items of the credential store. An operation returns whether it succeeded. If not, it sets `*error`, unless
+/// `error` is null, to an error of the domain VXFoundationBundleIdentifier: code 0 for incomplete attributes
+/// (the store is not accessed), -201 for an entry that was not found, -200 for any other status, each with a
+/// localised description and, except for code 0, the platform's error underneath. The item is then unchanged.
 
 /// One entry of the process's credential store: account, secret and label, with the request that identifies
-/// it there and the last answer about it. Kinds of entries are subclasses; this class has the sequence of
-/// steps of each operation and leaves to them isEqual and the three operations after it, of which each
-/// override calls its base class's first. An item is for one thread at a time. Its maps hold the secret as
-/// long as it does.
+/// the entry in the store and the store's last response. Each kind of entry is a subclass. This class has the
+/// sequence of steps of each operation; subclasses override isEqual and the three functions after it, and
+/// every override calls its base class's version first. An item may be used by one thread at a time. Its
+/// dictionaries hold the secret for as long as the item does.
 class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
  public:
-  /// initWithUsername:data:label:. Nothing is checked; texts and bytes are copied.
+  /// initWithUsername:data:label:. Checks nothing; copies the strings and the data.
   virtual bool initWithUsernameData(NSStringArg username, const NSRefPtr<NSData>& data, NSStringArg label);
 
-  /// Whether the other is of the receiver's class or a subclass and has the same label, account and secret;
-  /// the maps do not count. One-sided, therefore: an item of a subclass does not equal one of its base class.
-  /// The hash stays the one of the identity.
+  /// Returns whether `other` is of the receiver's class or a subclass of it and has the same label, account
+  /// and secret; the dictionaries are not compared. This is not symmetric: an item of a subclass does not
+  /// equal one of its base class. The hash is still that of the object's identity.
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
-  /// Whether the map, which may be absent, has an account and a secret that are not empty. The spelling is
-  /// part of the interface.
-  virtual bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const;
-  /// A new map of the fields that are present, under the names in SecConstants.h.
+  /// Returns whether the dictionary, which may be nil, has an account and a secret that are not empty. The
+  /// spelling of the name is part of the interface.
+  virtual bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const;
+  /// Returns a new dictionary of the fields that are not nil, under the names in SecConstants.h.
   virtual NSRef<NSMutableDictionary> _createAttributesDictionary() const;
-  /// Keeps the very map and takes over its values: one that is absent clears its field, but the secret stays.
+  /// Keeps the dictionary itself, not a copy, and sets the fields to its values: a missing value clears its
+  /// field, but a missing secret leaves the secret unchanged.
   virtual void populateKeychainItemWithKeychainResponse(const NSRefPtr<NSDictionary>& response);
 
-  /// Adds an entry with the item's fields. The map that was asked with, secret included, becomes the request.
+  /// Adds an entry with the item's fields. The dictionary passed to the store, with the secret, becomes the
+  /// request.
   virtual bool addItemToKeychain(NSRefPtr<NSError>* error = nullptr);
-  /// Takes over what the store knows of the entry that the request finds; asserts that there is a request.
-  /// With data, the answer must have what a valid item has; without, the secret stays what it was. Where the
-  /// assertion handler returns, an absent request is the error -200.
+  /// Sets the fields to those of the entry that the request finds. Asserts that the request is not nil; if
+  /// the assertion handler returns, a nil request results in the error -200. With data, the response must
+  /// satisfy dictHasVaildKeychainData, else the error has code 0; without data, the secret is left unchanged.
   virtual bool refreshItemFromKeychainIncludeData(bool includeData, NSRefPtr<NSError>* error = nullptr);
-  /// Changes the entry that the request finds to the item's fields; asserts a response and a request. Both
-  /// stay as they are.
+  /// Updates the entry that the request finds with the item's fields. Asserts that neither response nor
+  /// request is nil, and leaves both unchanged.
   virtual bool updateItemInKeychain(NSRefPtr<NSError>* error = nullptr);
-  /// Deletes the entry with the item's fields as they are now. Succeeds where there is none, but gives the
-  /// error -201 even so.
+  /// Deletes the entry that has the item's current fields. If there is none, returns true but still sets the
+  /// error -201.
   virtual bool deleteItemFromKeychain(NSRefPtr<NSError>* error = nullptr);
 
-  /// The fields, each of which may be absent. Setters copy what they are given; no store is asked.
+  /// The fields, each of which may be nil. Setters copy their argument; the store is not accessed.
   ///@{
   const NSRefPtr<NSString>& label() const { return label_; }
   void setLabel(NSStringArg label);
@@ -58,8 +60,8 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
   const NSRefPtr<NSData>& data() const { return data_; }
   void setData(const NSRefPtr<NSData>& data);
   ///@}
-  /// The map that finds the entry and the last answer about it, each of which may be absent. They are shared,
-  /// not copied, and may hold the secret.
+  /// The dictionary that finds the entry and the store's last response, each of which may be nil. They are
+  /// not copied: the item holds references to them. They may hold the secret.
   ///@{
   const NSRefPtr<NSDictionary>& keychainItemRequest() const { return keychainItemRequest_; }
   void setKeychainItemRequest(NSRefPtr<NSDictionary> request) { keychainItemRequest_ = std::move(request); }
@@ -79,44 +81,46 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
   NSRefPtr<NSDictionary> keychainItemResponse_;
 };
 
-/// An item whose secret is a password: the UTF-8 encoding of a text that is not empty.
+/// An item whose secret is a password: the UTF-8 encoding of a string that is not empty.
 class NS_EXPORT VXPasswordKeychainItem : public VXKeychainItem::Subclass<VXPasswordKeychainItem> {
  public:
-  /// Nothing is checked, and each may be absent; see setPassword.
+  /// Checks nothing; each argument may be nil. See setPassword.
   virtual bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label);
 
-  /// The secret as a new text, marked as a secret when the data is. Absent when there is no secret or it is
-  /// not UTF-8.
+  /// Returns the secret as a new string, marked as a secret if the data is. Returns nil if there is no secret
+  /// or it is malformed UTF-8.
   NSRefPtr<NSString> password() const;
-  /// Keeps the password's UTF-8 (RFC 3629), marked as a secret. An absent text, or one with an unpaired
-  /// surrogate, which UTF-8 cannot tell, clears the secret.
+  /// Sets the secret to the password's UTF-8 (RFC 3629), marked as a secret. Nil, or a string with an
+  /// unpaired surrogate, which UTF-8 cannot encode, clears the secret.
   void setPassword(NSStringArg password);
 
-  /// refreshItemFromKeychainIncludeData, for hosts that know the data as a password.
+  /// Does the same as refreshItemFromKeychainIncludeData; here the data is the password.
   virtual bool refreshItemFromKeychainIncludePassword(bool includePassword,
                                                       NSRefPtr<NSError>* error = nullptr);
 
-  /// As VXKeychainItem's; the secret must be UTF-8, too.
-  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const override;
+  /// As in VXKeychainItem, and the secret must be UTF-8.
+  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const override;
 };
 
 class VXGenericKeychainItem;
 
-/// The class operations of generic items, which know the class that received them: class MailItem : public
-/// VXGenericKeychainItem::Subclass<MailItem> has factories that make a MailItem and ask with its own query.
+/// The class operations of generic items, which act for the class that receives them: a class MailItem
+/// derived from VXGenericKeychainItem::Subclass<MailItem> has factories that make a MailItem and use
+/// MailItem's query.
 template <class Self, class Base>
 class [[gnu::visibility("default")]] VXGenericKeychainItemLayer : public NSObjectLayer<Self, Base> {
  public:
-  /// The base to derive a kind of generic item from.
+  /// The base class from which to derive a kind of generic item.
   template <class Derived>
   using Subclass = VXGenericKeychainItemLayer<Derived, Self>;
 
-  /// A new item of the receiving class with these fields, each of which may be absent; absent itself when its
-  /// initialiser says no. No store is asked.
+  /// Returns a new item of the receiving class with these fields, each of which may be nil; returns nil if
+  /// the item's initialiser returns false. The store is not accessed.
   static NSRefPtr<Self> keychainItemWithUsername(NSStringArg username, NSStringArg password,
                                                  NSStringArg label, NSStringArg serviceName);
-  /// An item without fields that holds the receiving class's query as its request, to be refreshed. It is a
-  /// VXGenericKeychainItem whichever class is asked. Asserts both arguments; no store is asked.
+  /// Returns an item without fields, to be refreshed, whose request is the receiving class's query. It is a
+  /// VXGenericKeychainItem, whatever the receiving class. Asserts that neither argument is nil; the store is
+  /// not accessed.
   static NSRef<VXGenericKeychainItem> findKeychainItemForUsername(NSStringArg username,
                                                                   NSStringArg serviceName);
 };
@@ -126,34 +130,34 @@ class NS_EXPORT VXGenericKeychainItem
     : public VXGenericKeychainItemLayer<VXGenericKeychainItem, VXPasswordKeychainItem> {
  public:
   using VXPasswordKeychainItem::initWithUsername;
-  /// Nothing is checked, and each may be absent; see setPassword.
+  /// Checks nothing; each argument may be nil. See setPassword.
   virtual bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label,
                                 NSStringArg serviceName);
 
-  /// As VXPasswordKeychainItem's; the service must be the same, too.
+  /// As in VXPasswordKeychainItem, and the services must be the same.
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
-  /// As VXPasswordKeychainItem's; there must be a service that is not empty, too.
-  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const override;
-  /// Writes the class, and the service when there is one, too.
+  /// As in VXPasswordKeychainItem, and there must be a service that is not empty.
+  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const override;
+  /// Also writes the class, and the service unless it is nil.
   NSRef<NSMutableDictionary> _createAttributesDictionary() const override;
-  /// An answer without a service clears that field.
+  /// Also sets the service; a response without one clears that field.
   void populateKeychainItemWithKeychainResponse(const NSRefPtr<NSDictionary>& response) override;
 
-  /// What the account is of; may be absent. The setter copies.
+  /// The service that the account belongs to; may be nil. The setter copies.
   ///@{
   const NSRefPtr<NSString>& serviceName() const { return serviceName_; }
   void setServiceName(NSStringArg serviceName);
   ///@}
 
-  /// A new query for the class and the arguments that are present. A subclass may have one of its own, which
-  /// its findKeychainItemForUsername then uses.
+  /// Returns a new query for the class and the arguments that are not nil. A subclass may define a function
+  /// of this name, which its findKeychainItemForUsername then uses.
   static NSRef<NSMutableDictionary> queryDictionaryWithUsername(NSStringArg username,
                                                                 NSStringArg serviceName);
 
  private:
   template <class Self, class Base>
   friend class VXGenericKeychainItemLayer;
-  // A class that derives without the layer would quietly make objects of its base; it does not compile, as
+  // A class derived without the layer would silently make objects of its base class. It does not compile, as
   // its destructor would be inaccessible.
   template <class Self, class Base>
   friend class NSObjectLayer;
@@ -166,10 +170,10 @@ class NS_EXPORT VXGenericKeychainItem
   NSRefPtr<NSString> serviceName_;
 };
 
-/// What an internet password is for. Other values can be held, but raise the invalid-argument exception
-/// where a map is made of them.
+/// The protocol that an internet password is for. An item can hold other values, but making a dictionary from
+/// them raises the invalid-argument exception.
 enum VXInternetKeychainItemProtocol : std::uint64_t {
-  VXInternetKeychainItemProtocolNone,   ///< no kSecAttrProtocol in maps
+  VXInternetKeychainItemProtocolNone,   ///< no kSecAttrProtocol in dictionaries
   VXInternetKeychainItemProtocolHTTP,   ///< kSecAttrProtocolHTTP
   VXInternetKeychainItemProtocolHTTPS,  ///< kSecAttrProtocolHTTPS
   VXInternetKeychainItemProtocolFTP,    ///< kSecAttrProtocolFTP
@@ -180,18 +184,18 @@ enum VXInternetKeychainItemProtocol : std::uint64_t {
 template <class Self, class Base>
 class [[gnu::visibility("default")]] VXInternetKeychainItemLayer : public NSObjectLayer<Self, Base> {
  public:
-  /// The base to derive a kind of internet item from.
+  /// The base class from which to derive a kind of internet item.
   template <class Derived>
   using Subclass = VXInternetKeychainItemLayer<Derived, Self>;
 
-  /// A new item of the receiving class with these fields, each text of which may be absent; absent itself
-  /// when its initialiser says no. No store is asked.
+  /// Returns a new item of the receiving class with these fields, of which every string may be nil; returns
+  /// nil if the item's initialiser returns false. The store is not accessed.
   static NSRefPtr<Self> keychainItemWithUsername(NSStringArg username, NSStringArg password,
                                                  NSStringArg label, NSStringArg server, NSStringArg path,
                                                  std::int64_t port, VXInternetKeychainItemProtocol protocol);
-  /// An item of the receiving class without fields that holds that class's query as its request, to be
-  /// refreshed. Asserts the account and the server; no store is asked. Raises the invalid-argument exception
-  /// for a protocol that is none.
+  /// Returns an item of the receiving class without fields, to be refreshed, whose request is that class's
+  /// query. Asserts that neither account nor server is nil; the store is not accessed. Raises the
+  /// invalid-argument exception for an unknown protocol.
   static NSRef<Self> findKeychainItemForUsername(NSStringArg username, NSStringArg server, NSStringArg path,
                                                  std::int64_t port, VXInternetKeychainItemProtocol protocol);
 };
@@ -201,25 +205,26 @@ class NS_EXPORT VXInternetKeychainItem
     : public VXInternetKeychainItemLayer<VXInternetKeychainItem, VXPasswordKeychainItem> {
  public:
   using VXPasswordKeychainItem::initWithUsername;
-  /// Nothing is checked, not even the protocol, and each text may be absent; see setPassword.
+  /// Checks nothing, not even the protocol; every string may be nil. See setPassword.
   virtual bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label,
                                 NSStringArg server, NSStringArg path, std::int64_t port,
                                 VXInternetKeychainItemProtocol protocol);
 
-  /// As VXPasswordKeychainItem's; server, path, port and protocol must be the same, too.
+  /// As in VXPasswordKeychainItem, and server, path, port and protocol must be the same.
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
-  /// As VXPasswordKeychainItem's; there must be a server that is not empty, too.
-  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const override;
-  /// Writes the class, and any port but 0, too. Raises the invalid-argument exception for a protocol that is
-  /// none.
+  /// As in VXPasswordKeychainItem, and there must be a server that is not empty.
+  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const override;
+  /// Also writes the class, and any port but 0. Raises the invalid-argument exception for an unknown
+  /// protocol.
   NSRef<NSMutableDictionary> _createAttributesDictionary() const override;
-  /// An answer without server, path or port clears that field; one without a protocol leaves it.
+  /// A response without server, path or port clears that field; one without a protocol leaves it unchanged.
   void populateKeychainItemWithKeychainResponse(const NSRefPtr<NSDictionary>& response) override;
-  /// The protocol of a value of kSecAttrProtocol; none for any other text.
+  /// Returns the protocol for a value of kSecAttrProtocol; VXInternetKeychainItemProtocolNone for any other
+  /// string.
   virtual VXInternetKeychainItemProtocol _VXInternetKeychainItemProtocolFromType(NSStringArg type) const;
 
-  /// Where the account is: texts that may be absent, and are copied by the setters; a port, where 0 is none;
-  /// a protocol, which is not checked here.
+  /// Where the account is. The strings may be nil, and setters copy them; port 0 means that there is no port;
+  /// the protocol is not checked here.
   ///@{
   const NSRefPtr<NSString>& server() const { return server_; }
   void setServer(NSStringArg server);
@@ -231,8 +236,8 @@ class NS_EXPORT VXInternetKeychainItem
   void setProtocol(VXInternetKeychainItemProtocol protocol) { protocol_ = protocol; }
   ///@}
 
-  /// A new query for the class and the arguments that are present, the port only when it is above 0. Raises
-  /// the invalid-argument exception for a protocol that is none.
+  /// Returns a new query for the class and the arguments that are not nil, with the port only if it is above
+  /// 0. Raises the invalid-argument exception for an unknown protocol.
   static NSRef<NSMutableDictionary> queryDictionaryWithUsername(NSStringArg username, NSStringArg server,
                                                                 NSStringArg path, std::int64_t port,
                                                                 VXInternetKeychainItemProtocol protocol);
@@ -240,7 +245,7 @@ class NS_EXPORT VXInternetKeychainItem
  private:
   template <class Self, class Base>
   friend class VXInternetKeychainItemLayer;
-  // A class that derives without the layer would quietly make objects of its base; it does not compile, as
+  // A class derived without the layer would silently make objects of its base class. It does not compile, as
   // its destructor would be inaccessible.
   template <class Self, class Base>
   friend class NSObjectLayer;
