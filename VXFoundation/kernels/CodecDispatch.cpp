@@ -23,12 +23,12 @@ std::vector<const CodecKernels*> detectKernels() {
   if (hasAVX2()) found.push_back(&avx2Kernels);
   if (hasAVX512VBMI()) found.push_back(&avx512vbmiKernels);
 #elif defined(__aarch64__)
-  found.push_back(&neonKernels);  // every 64-bit ARM has it
+  found.push_back(&neonKernels);  // every 64-bit ARM processor has it
 #endif
   return found;
 }
 
-// Null until the first use: a host's own static initialisers may already want a codec.
+// Null until the first use: a host's static initialisers may already use a codec.
 constinit std::atomic<const CodecKernels*> chosen{nullptr};
 
 }  // namespace

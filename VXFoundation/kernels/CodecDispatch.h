@@ -7,13 +7,13 @@
 
 namespace VXKernels {
 
-/// The sets that this machine can run, slowest first; the scalar one is always there.
+/// Returns the sets that this machine can run, slowest first; the scalar one is always among them.
 std::span<const CodecKernels* const> availableKernels();
 
-/// The set in use: the fastest that the machine can run, until `useKernels` said otherwise.
+/// Returns the set in use: the fastest that the machine can run, until `useKernels` selects another.
 const CodecKernels& kernels();
 
-/// Makes the set of that name the one in use, on all threads; false when the machine cannot run it.
+/// Selects the set of that name, for all threads. Returns false if the machine cannot run it.
 bool useKernels(std::string_view name);
 
 }  // namespace VXKernels

@@ -2,26 +2,26 @@
 
 #include <cstddef>
 
-/// The inner loops of the codecs, one set of them for each instruction set. All are pure, and safe on
-/// any thread.
+/// The inner loops of the codecs, one set of them for each instruction set. All are pure and thread-safe.
 ///
-/// They take pointers and counts: a kernel file is compiled for an instruction set that the machine may
-/// lack, so it must not emit an inline function of a header that the linker could then pick for all.
+/// They take pointers and counts: a kernel file is compiled for an instruction set that the machine may lack,
+/// so it must not emit an inline function from a header, which the linker could then choose for all callers.
 namespace VXKernels {
 
 /// Writes the digits of `count` bytes, and the padding of the last group.
 using Encode = void(const std::byte* bytes, std::size_t count, char* text);
 
-/// Writes the `count * bits / 8` bytes of `count` digits, padding taken off; bits of the last digit that
-/// fill no byte are dropped. False for anything that is no digit; what was written then means nothing.
+/// Writes the `count * bits / 8` bytes of `count` digits, from which padding has been removed; bits of the
+/// last digit that do not fill a byte are dropped. Returns false if any character is not a digit; the output
+/// is then meaningless.
 using Decode = bool(const char* digits, std::size_t count, std::byte* bytes);
 
-/// Writes bytes percent-encoded (RFC 3986, section 2.1), with room for three times `count`; gives the
-/// number written. What lies behind them within that room may be overwritten.
+/// Percent-encodes `count` bytes (RFC 3986, section 2.1) into a buffer of three times that size. Returns the
+/// number of bytes written. The rest of the buffer may be overwritten.
 using PercentEncode = std::size_t(const std::byte* bytes, std::size_t count, std::byte* text);
 
-/// Writes percent-decoded bytes, with room for `count`; gives the number written, or `malformed` for a
-/// "%" without two hexadecimal digits after it. What lies behind within that room may be overwritten.
+/// Percent-decodes `count` bytes into a buffer of that size. Returns the number of bytes written, or
+/// `malformed` if a "%" is not followed by two hexadecimal digits. The rest of the buffer may be overwritten.
 using PercentDecode = std::size_t(const std::byte* text, std::size_t count, std::byte* bytes);
 inline constexpr std::size_t malformed = static_cast<std::size_t>(-1);
 
@@ -31,7 +31,7 @@ struct RadixKernels {
   Decode* decode;
 };
 
-/// All that one instruction set offers.
+/// All kernels of one instruction set.
 struct CodecKernels {
   const char* name;
   RadixKernels base64;
@@ -41,10 +41,10 @@ struct CodecKernels {
   PercentDecode* percentDecode;
 };
 
-/// The definition: every other set equals it, byte for byte and refusal for refusal.
+/// The definition: every other set writes the same bytes and rejects the same input.
 extern const CodecKernels scalarKernels;
 
-/// The sets for particular instruction sets. Only those of the processor that the library is built for exist.
+/// The sets for particular instruction sets. Only those of the target processor's family exist.
 ///@{
 extern const CodecKernels avx2Kernels;
 extern const CodecKernels avx512vbmiKernels;

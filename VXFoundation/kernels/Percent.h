@@ -2,7 +2,7 @@
 
 namespace VXKernels {
 
-/// The unreserved characters of RFC 3986, section 2.3: what percent-encoding leaves as it is.
+/// The unreserved characters of RFC 3986, section 2.3, which percent-encoding leaves as they are.
 struct CharacterSet {
   bool has[256];
 };

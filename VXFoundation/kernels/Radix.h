@@ -20,14 +20,14 @@ struct Radix {
   std::size_t groupBytes;
   std::size_t groupDigits;
   const char* alphabet;
-  bool eitherCase;  // the decoder takes the letters in lower case, too
+  bool eitherCase;  // the decoder also accepts lower-case letters
 };
 
 inline constexpr Radix base64{6, 3, 4, _base64Alphabet, false};
 inline constexpr Radix base32{5, 5, 8, _base32Alphabet, false};
 inline constexpr Radix base16{4, 1, 2, _base16Alphabet, true};
 
-/// Where a set of kernels keeps those of a notation.
+/// The member of a set of kernels that holds the kernels of a notation.
 ///@{
 template <const Radix& radix>
 inline constexpr RadixKernels CodecKernels::*kernelsOf = nullptr;
@@ -39,7 +39,7 @@ template <>
 inline constexpr RadixKernels CodecKernels::*kernelsOf<base16> = &CodecKernels::base16;
 ///@}
 
-/// The value of every character, `notADigit` for those that are none.
+/// The value of every character; `notADigit` for those that are not digits.
 struct DigitValues {
   unsigned char of[256];
 };

@@ -4,14 +4,14 @@
 
 #include <cstddef>
 
-/// What the base kernels of this set share. All of it stays inside each file: see CodecKernels.h.
+/// Shared by the radix kernels of this set. All of it is local to each file: see CodecKernels.h.
 namespace VXKernels {
 namespace {
 
 inline constexpr std::size_t width = 32;
 
 /// A look-up table or a pattern, the same in both halves of a vector. Each half holds sixteen digits, which
-/// are `2 * bits` bytes, so that it holds whole groups of every notation.
+/// are `2 * bits` bytes and therefore whole groups in every notation.
 struct alignas(16) Half {
   unsigned char at[16];
   __m256i vector() const {

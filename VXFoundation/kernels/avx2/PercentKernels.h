@@ -19,7 +19,7 @@ struct alignas(blockWidth) Block {
   __m128i vector() const { return load(at); }
 };
 
-/// Byte 16h + l belongs to the set when bit h is set in entry l.
+/// Byte 16h + l belongs to the set if bit h is set in entry l.
 constexpr Block unreservedByLowHalf() {
   Block rows{};
   const CharacterSet unreserved = unreservedCharacters();
@@ -38,8 +38,8 @@ unsigned reservedIn(__m128i bytes) {
   return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(known, _mm_setzero_si128())));
 }
 
-/// For each choice of what to escape among four bytes: how the result is picked from the bytes themselves
-/// (at 0), their high digits (at 4), their low digits (at 8) and the percent sign (at 12).
+/// For each choice of which of four bytes to escape: the order in which the result is picked from the bytes
+/// themselves (at 0), their high digits (at 4), their low digits (at 8) and the percent sign (at 12).
 struct Escapes {
   Block order[16];
   unsigned char length[16];
@@ -79,7 +79,7 @@ std::byte* encodeBlock(std::byte* text, __m128i bytes, unsigned reserved) {
   return storeFour(text, reserved >> 12, _mm_unpackhi_epi32(lastParts, lastSigns));
 }
 
-/// The values of hexadecimal digits; -1 for the other characters.
+/// Returns the values of hexadecimal digits; -1 for all other characters.
 __m128i valuesOf(__m128i characters) {
   const auto inRange = [](__m128i places, char size) {
     return _mm_cmpeq_epi8(_mm_min_epu8(places, _mm_set1_epi8(static_cast<char>(size - 1))), places);
@@ -91,7 +91,7 @@ __m128i valuesOf(__m128i characters) {
   return _mm_blendv_epi8(letterValue, decimal, inRange(decimal, 10));
 }
 
-/// For each choice among eight bytes, how it moves to the front.
+/// For each choice among eight bytes, the order that moves the chosen ones to the front.
 struct Compressions {
   struct {
     unsigned char at[8];
@@ -130,7 +130,7 @@ std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* 
 
 std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
   std::byte* end = bytes;
-  unsigned digitsAhead = 0;  // of the block to come, those that belong to an escape of the one before
+  unsigned digitsAhead = 0;  // those in the next block that belong to an escape in the previous one
   for (; count >= blockWidth + 2; text += blockWidth, count -= blockWidth) {
     const __m128i characters = load(text);
     const __m128i signs = _mm_cmpeq_epi8(characters, _mm_set1_epi8('%'));
@@ -149,7 +149,7 @@ std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* b
     end = storeChosen(end, chosen >> 8, _mm_srli_si128(decoded, 8));
     digitsAhead = escapes >> 15 | escapes >> 14;
   }
-  // The digits ahead are the first characters of the rest, and done with.
+  // The digits ahead are the first characters of the rest, and have already been decoded.
   const std::size_t done = static_cast<std::size_t>(__builtin_popcount(digitsAhead));
   const std::size_t rest = scalarKernels.percentDecode(text + done, count - done, end);
   return rest == malformed ? malformed : static_cast<std::size_t>(end - bytes) + rest;

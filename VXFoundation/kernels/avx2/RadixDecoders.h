@@ -1,7 +1,7 @@
 #pragma once
 
-// Two look-ups, by the low and by the high half of a character, tell whether it is a digit, and a third one
-// its value.
+// Two look-ups, by the low and by the high half of a character, determine whether it is a digit, and a third
+// one its value.
 #include <VXFoundation/kernels/CodecKernels.h>
 #include <VXFoundation/kernels/Radix.h>
 #include <VXFoundation/kernels/avx2/Half.h>
@@ -14,7 +14,7 @@ void storeHalves(std::byte* low, std::byte* high, __m256i halves) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(high), _mm256_extracti128_si256(halves, 1));
 }
 
-/// Character 16h + l is a digit when bit h is set in entry l: a row of sixteen characters has a bit.
+/// Character 16h + l is a digit if bit h is set in entry l: each row of sixteen characters has one bit.
 constexpr Half digitsByLowHalf(const Radix& radix) {
   Half rows{};
   const DigitValues values = digitValues(radix);
@@ -24,8 +24,8 @@ constexpr Half digitsByLowHalf(const Radix& radix) {
   return rows;
 }
 
-/// Value less character, by row. "/" is the one digit that differs from its row; row 1, which has no
-/// digits, stands for it.
+/// Value minus character, by row. "/" is the only digit whose difference is not that of its row; it uses row
+/// 1, which has no digits.
 constexpr Half differencesByRow(const Radix& radix) {
   Half differences{};
   const DigitValues values = digitValues(radix);
@@ -48,8 +48,8 @@ bool valuesOf(__m256i characters, __m256i& values) {
   return _mm256_movemask_epi8(_mm256_cmpeq_epi8(known, _mm256_setzero_si256())) == 0;
 }
 
-/// Joins neighbouring digits until a lane of 16, 32 or 64 bits holds a group of whole bytes, and moves
-/// these to the front of each half.
+/// Joins neighbouring digits until a lane of 16, 32 or 64 bits holds a group of whole bytes, and moves the
+/// bytes to the front of each half.
 template <const Radix& radix>
 __m256i bytesOf(__m256i values) {
   constexpr int weight = 1 << radix.bits;

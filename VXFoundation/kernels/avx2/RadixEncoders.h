@@ -1,7 +1,7 @@
 #pragma once
 
-// Each half of a vector takes sixteen digits from its bytes; only spreading bytes into digits differs
-// between the notations.
+// Each half of a vector takes sixteen digits from its bytes. The notations differ in how bytes are spread
+// into digits and digits are turned into characters.
 #include <VXFoundation/kernels/CodecKernels.h>
 #include <VXFoundation/kernels/Radix.h>
 #include <VXFoundation/kernels/avx2/Half.h>
@@ -15,7 +15,7 @@ __m256i loadHalves(const void* low, const void* high) {
                                  _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
 }
 
-/// Where each digit lies in the group of bytes: in the 16 bits that begin with byte `5 * i / 8`.
+/// Digit i lies in the 16 bits that begin with byte `5 * i / 8` of its group.
 __m256i base32Digits(__m256i bytes) {
   const Half evenBytes{1, 0, 2, 1, 3, 2, 4, 3, 6, 5, 7, 6, 8, 7, 9, 8};
   const Half oddBytes{1, 0, 2, 1, 4, 3, 5, 4, 6, 5, 7, 6, 9, 8, 10, 9};
@@ -28,7 +28,7 @@ __m256i base32Digits(__m256i bytes) {
       _mm256_set1_epi8(31));
 }
 
-/// Of three bytes a, b, c, the words ba and cb; multiplying shifts each digit to its byte.
+/// Makes the words ba and cb from three bytes a, b and c; multiplying shifts each digit to its byte.
 __m256i base64Digits(__m256i bytes) {
   const Half words{1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10};
   const __m256i spread = _mm256_shuffle_epi8(bytes, words.vector());
@@ -52,8 +52,8 @@ __m256i add(__m256i digits, __m256i where, int difference) {
 template <const Radix& radix>
 __m256i charactersOf(__m256i bytes);
 
-/// Character less digit, which changes at 26, 52, 62 and 63. Capitals have a place of their own; the others
-/// have the place `digit - 51`, or 0 below that.
+/// Character minus digit, which changes at 26, 52, 62 and 63. Capitals have a separate place; the others have
+/// the place `digit - 51`, or 0 if that is negative.
 constexpr std::size_t capitalsPlace = 13;
 
 constexpr Half base64Differences() {

@@ -4,24 +4,25 @@
 
 #include <VXFoundation/kernels/Radix.h>
 
-/// What the kernels of this set share. All of it stays inside each file: see CodecKernels.h.
+/// Shared by the kernels of this set. All of it is local to each file: see CodecKernels.h.
 namespace VXKernels {
 namespace {
 
 inline constexpr std::size_t width = 64;
 
-/// A table or a pattern of one vector.
+/// A look-up table or a pattern as wide as a vector.
 struct alignas(width) Block {
   unsigned char at[width];
   __m512i vector() const { return _mm512_load_si512(at); }
 };
 
-/// The first so many bytes of a vector, at most all.
+/// Returns the mask of the first `count` bytes of a vector, at most all of them.
 inline __mmask64 firstBytes(std::size_t count) {
   return _bzhi_u64(~0ull, static_cast<unsigned>(count < width ? count : width));
 }
 
-/// The alphabet, repeated: a look-up takes six bits, of which the upper ones may belong to the digit before.
+/// Returns the alphabet, repeated: a look-up takes six bits, the upper of which may belong to the previous
+/// digit.
 constexpr Block digitCharacters(const Radix& radix) {
   Block characters{};
   for (std::size_t i = 0; i < width; ++i)
@@ -29,7 +30,7 @@ constexpr Block digitCharacters(const Radix& radix) {
   return characters;
 }
 
-/// One half of the values of the 128 characters; what is no digit has its top bit set.
+/// Returns one half of the values of the 128 characters; those that are not digits have the top bit set.
 constexpr Block valuesFrom(const Radix& radix, std::size_t first) {
   Block half{};
   const DigitValues values = digitValues(radix);
@@ -37,7 +38,7 @@ constexpr Block valuesFrom(const Radix& radix, std::size_t first) {
   return half;
 }
 
-/// The values of characters by their low seven bits: who asks must still look at the eighth.
+/// Returns the values of characters by their low seven bits; the caller must still check the eighth.
 template <const Radix& radix>
 __m512i valuesOf(__m512i characters) {
   static constexpr Block lower = valuesFrom(radix, 0), upper = valuesFrom(radix, width);

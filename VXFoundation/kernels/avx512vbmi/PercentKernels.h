@@ -7,7 +7,7 @@
 namespace VXKernels {
 namespace {
 
-/// One half of the 128 characters: zero for the unreserved ones, the top bit set for the others.
+/// Returns one half of the 128 characters: zero for the unreserved ones, the top bit set for the others.
 constexpr Block reservedFrom(std::size_t first) {
   Block half{};
   const CharacterSet unreserved = unreservedCharacters();
@@ -15,14 +15,14 @@ constexpr Block reservedFrom(std::size_t first) {
   return half;
 }
 
-/// Which byte of a block the output position stands for, when each takes three of them.
+/// Returns the byte of a block that each output position belongs to if every byte takes three positions.
 constexpr Block thirdsFrom(std::size_t first) {
   Block thirds{};
   for (std::size_t i = 0; i < width; ++i) thirds.at[i] = static_cast<unsigned char>((first + i) / 3);
   return thirds;
 }
 
-/// The output positions at place 0, 1 or 2 of their three.
+/// Returns the mask of the output positions at place 0, 1 or 2 of their three.
 constexpr __mmask64 placesFrom(std::size_t first, std::size_t place) {
   __mmask64 places = 0;
   for (std::size_t i = 0; i < width; ++i)
@@ -31,7 +31,7 @@ constexpr __mmask64 placesFrom(std::size_t first, std::size_t place) {
 }
 
 std::size_t storeChosen(std::byte* to, __mmask64 chosen, __m512i from) {
-  // Compressing into a register: the form that writes to memory is many times slower on some machines.
+  // Compresses into a register: the form that writes to memory is many times slower on some machines.
   const auto count = static_cast<std::size_t>(_mm_popcnt_u64(chosen));
   _mm512_mask_storeu_epi8(to, firstBytes(count), _mm512_maskz_compress_epi8(chosen, from));
   return count;
@@ -43,7 +43,8 @@ __mmask64 reservedIn(__m512i bytes) {
   return _mm512_movepi8_mask(_mm512_or_si512(bytes, marks));
 }
 
-/// A third of an escaped block: every byte takes three places, of which an unreserved one keeps the first.
+/// Stores a third of an escaped block: every byte takes three places, of which an unreserved byte keeps only
+/// the first.
 template <std::size_t first>
 std::size_t storeThird(std::byte* text, __m512i bytes, __m512i firstPlaces, __mmask64 wanted,
                        __m512i reserved) {
@@ -76,7 +77,7 @@ std::size_t encodeBlock(std::byte* text, __m512i bytes, __mmask64 wanted) {
   return static_cast<std::size_t>(end - text);
 }
 
-/// The values of hexadecimal digits; the top bit is set for the other characters.
+/// Returns the values of hexadecimal digits; the top bit is set for all other characters.
 __m512i hexadecimalValues(__m512i characters) {
   const __m512i values = valuesOf<base16>(characters);
   return _mm512_or_si512(values, _mm512_and_si512(characters, _mm512_set1_epi8(-128)));
@@ -93,7 +94,7 @@ std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* 
 
 std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
   std::byte* end = bytes;
-  __mmask64 digitsAhead = 0;  // of the block to come, those that belong to an escape of the one before
+  __mmask64 digitsAhead = 0;  // those in the next block that belong to an escape in the previous one
   __mmask64 faults = 0;
   for (std::size_t i = 0; i < count; i += width) {
     const std::size_t left = count - i;
@@ -102,7 +103,7 @@ std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* b
     const __mmask64 escapes = _mm512_cmpeq_epi8_mask(characters, _mm512_set1_epi8('%'));
     __m512i decoded = characters;
     if (escapes != 0) {
-      // Absent characters are read as NUL, which is no digit.
+      // Characters beyond the end are read as NUL, which is not a digit.
       const __m512i high = hexadecimalValues(_mm512_maskz_loadu_epi8(firstBytes(left - 1), text + i + 1));
       const __m512i low =
           hexadecimalValues(_mm512_maskz_loadu_epi8(left > 2 ? firstBytes(left - 2) : 0, text + i + 2));

@@ -1,8 +1,8 @@
 #pragma once
 
-// Eight digits of `bits` bits are `bits` bytes, so that every 64-bit lane holds a whole group of each
-// notation: encoding moves its bytes into a lane, most significant last, cuts the digits out of it and
-// looks them up; decoding goes back the same way.
+// Eight digits of `bits` bits are `bits` bytes, so that every 64-bit lane holds whole groups in each
+// notation. Encoding moves these bytes into a lane, most significant last, extracts the digits from it and
+// looks them up; decoding reverses these steps.
 #include <cstdint>
 
 #include <VXFoundation/kernels/CodecKernels.h>
@@ -11,8 +11,8 @@
 namespace VXKernels {
 namespace {
 
-/// The bytes of lane i, `bits` of them, in the order that makes the lane the number they stand for. It
-/// is its own inverse, but for where the bytes of the lanes are found.
+/// Returns the bytes of each lane, `bits` of them, in the order that makes the lane the number that they
+/// represent. The order is its own inverse, except for the places of the lanes' bytes.
 constexpr Block laneFromBytes(std::size_t bits) {
   Block order{};
   for (std::size_t i = 0; i < width; ++i)
@@ -28,7 +28,7 @@ constexpr Block bytesFromLane(std::size_t bits, std::size_t group) {
   return order;
 }
 
-/// Where the digits of a lane begin, counted in bits from its low end.
+/// Returns where the digits of a lane begin, counted in bits from its low end.
 constexpr Block digitShifts(std::size_t bits) {
   Block shifts{};
   for (std::size_t i = 0; i < width; ++i) shifts.at[i] = static_cast<unsigned char>(bits * (7 - i % 8));
@@ -44,7 +44,7 @@ __m512i charactersOf(__m512i bytes) {
   return _mm512_permutexvar_epi8(digits, characters.vector());
 }
 
-/// Encodes a block of at most 64 digits, padding included, and touches nothing beyond it.
+/// Encodes a block of at most 64 digits, including padding, and touches nothing beyond it.
 template <const Radix& radix>
 void encodePart(const std::byte* bytes, std::size_t count, char* text) {
   const std::size_t digits = (count * 8 + radix.bits - 1) / radix.bits;
@@ -57,7 +57,7 @@ void encodePart(const std::byte* bytes, std::size_t count, char* text) {
 template <const Radix& radix>
 void encode(const std::byte* bytes, std::size_t count, char* text) {
   constexpr std::size_t step = 8 * radix.bits;
-  // Stores that straddle cache lines cost a third of the speed: a long text gets to a line's start first.
+  // Stores that straddle cache lines cost a third of the speed: long output first advances to a line's start.
   const std::size_t toLine = -reinterpret_cast<std::uintptr_t>(text) % width;
   if (count >= 8 * width && toLine % radix.groupDigits == 0) {
     const std::size_t taken = toLine / radix.groupDigits * radix.groupBytes;

@@ -1,6 +1,7 @@
 #pragma once
 
-// Runs without escapes go sixteen bytes at a time; where escapes are, sixteen bytes by the scalar kernel.
+// Runs without escapes are processed sixteen bytes at a time. The scalar kernel encodes sixteen bytes if one
+// of them is to be escaped, and decodes the escapes.
 #include <cstdint>
 
 #include <VXFoundation/kernels/CodecKernels.h>
@@ -13,7 +14,7 @@ namespace {
 uint8x16_t load(const std::byte* from) { return vld1q_u8(reinterpret_cast<const std::uint8_t*>(from)); }
 void store(std::byte* to, uint8x16_t bytes) { vst1q_u8(reinterpret_cast<std::uint8_t*>(to), bytes); }
 
-/// 255 for each of the 128 characters that stands for itself.
+/// For each of the 128 characters, 255 if it stands for itself.
 struct Marks {
   std::uint8_t of[128];
 };
@@ -27,15 +28,15 @@ constexpr Marks unreservedMarks() {
 
 bool allUnreserved(uint8x16_t bytes) {
   static constexpr Marks marks = unreservedMarks();
-  // A look-up beyond its table gives 0, or keeps what the first one found.
+  // Beyond its table, the first look-up returns 0, and the second keeps what the first one found.
   const uint8x16_t found = vqtbl4q_u8(vld1q_u8_x4(marks.of), bytes);
   return vminvq_u8(vqtbx4q_u8(found, vld1q_u8_x4(marks.of + 64), vsubq_u8(bytes, vdupq_n_u8(64)))) != 0;
 }
 
-/// How many bytes stand before the first percent sign, at most sixteen.
+/// Returns the number of bytes before the first percent sign, at most sixteen.
 std::size_t beforeEscape(uint8x16_t characters) {
   const uint8x16_t signs = vceqq_u8(characters, vdupq_n_u8('%'));
-  // Four bits of each byte make a number of 64 bits.
+  // Takes four bits of each byte, which make a number of 64 bits.
   const std::uint64_t mask =
       vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(vreinterpretq_u16_u8(signs), 4)), 0);
   return mask == 0 ? width : static_cast<std::size_t>(__builtin_ctzll(mask)) / 4;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Sixteen digits at a time for base 32 and base 16; base 64 takes four vectors of them, which the
-// interleaving loads and stores of the instruction set tell apart.
+// Vectors of sixteen digits: one for base 32, two for base 16 and four for base 64, which the interleaving
+// loads and stores of the instruction set separate.
 #include <cstdint>
 
 #include <VXFoundation/kernels/CodecKernels.h>
@@ -14,19 +14,20 @@ namespace {
 const std::uint8_t* raw(const void* from) { return static_cast<const std::uint8_t*>(from); }
 std::uint8_t* raw(void* to) { return static_cast<std::uint8_t*>(to); }
 
-/// A quarter of the values of the 128 characters for each look-up of 64; what is no digit is 255.
+/// Returns the values of characters, with one look-up for each 64 of the 128; 255 for those that are not
+/// digits.
 template <const Radix& radix>
 uint8x16_t valuesOf(uint8x16_t characters) {
   static constexpr DigitValues values = digitValues(radix);
   const uint8x16x4_t lower = vld1q_u8_x4(values.of), upper = vld1q_u8_x4(values.of + 64);
-  // A look-up beyond its table keeps the fallback: here 255, then what the first one found.
+  // Beyond its table, a look-up keeps the fallback: here 255, then what the first look-up found.
   const uint8x16_t found = vqtbx4q_u8(vdupq_n_u8(notADigit), lower, characters);
   return vqtbx4q_u8(found, upper, vsubq_u8(characters, vdupq_n_u8(64)));
 }
 
 bool allDigits(uint8x16_t values) { return vmaxvq_u8(values) != notADigit; }
 
-/// Three vectors that hold the first, second and third bytes of sixteen groups.
+/// Loads three vectors, of the first, second and third bytes of sixteen groups.
 void encodeBase64Block(const std::byte* bytes, char* text) {
   const uint8x16x4_t characters = vld1q_u8_x4(raw(base64.alphabet));
   const uint8x16x3_t group = vld3q_u8(raw(bytes));
@@ -53,8 +54,8 @@ bool decodeBase64Block(const char* digits, std::byte* bytes) {
   return allDigits(highest);
 }
 
-/// Each digit lies in the 16 bits that begin with byte `5 * i / 8` of its group; a shift by its own
-/// distance brings it down.
+/// Digit i lies in the 16 bits that begin with byte `5 * i / 8` of its group; a shift by its distance moves
+/// it to the low end.
 uint16x8_t base32Digits(uint8x16_t bytes, const std::uint8_t (&windows)[width]) {
   static constexpr std::int16_t distances[8] = {-11, -6, -9, -4, -7, -10, -5, -8};
   const uint16x8_t window = vreinterpretq_u16_u8(vqtbl1q_u8(bytes, vld1q_u8(windows)));
@@ -71,7 +72,7 @@ void encodeBase32Block(const std::byte* bytes, char* text) {
   vst1q_u8(raw(text), vqtbl2q_u8(characters, digits));
 }
 
-/// Joins neighbours until a lane of 64 bits holds the five bytes of a group, the last one lowest.
+/// Joins neighbouring digits until a lane of 64 bits holds the five bytes of a group, the last one lowest.
 bool decodeBase32Block(const char* digits, std::byte* bytes) {
   static constexpr std::uint8_t order[width] = {4, 3, 2,   1,   0,   12,  11,  10,
                                                 9, 8, 255, 255, 255, 255, 255, 255};
@@ -102,7 +103,8 @@ bool decodeBase16Block(const char* digits, std::byte* bytes) {
   return allDigits(vmaxq_u8(high, low));
 }
 
-/// Encodes `step` bytes at a time as long as `room` bytes are left to read, then by the scalar kernel.
+/// Encodes `step` bytes at a time while at least `room` bytes are left to read, the rest with the scalar
+/// kernel.
 template <const Radix& radix, std::size_t step, std::size_t room, auto encodeBlock>
 void encode(const std::byte* bytes, std::size_t count, char* text) {
   constexpr std::size_t digits = step * 8 / radix.bits;
@@ -110,7 +112,7 @@ void encode(const std::byte* bytes, std::size_t count, char* text) {
   (scalarKernels.*kernelsOf<radix>).encode(bytes, count, text);
 }
 
-/// Decodes `digits` digits at a time as long as `room` digits are left to read, then by the scalar kernel.
+/// Decodes `digits` digits at a time while at least `room` digits are left, the rest with the scalar kernel.
 template <const Radix& radix, std::size_t digits, std::size_t room, auto decodeBlock>
 bool decode(const char* text, std::size_t count, std::byte* bytes) {
   constexpr std::size_t step = digits * radix.bits / 8;

@@ -7,7 +7,7 @@
 namespace VXKernels {
 namespace {
 
-/// Bytes of a vector.
+/// The number of bytes in a vector.
 inline constexpr std::size_t width = 16;
 
 }  // namespace

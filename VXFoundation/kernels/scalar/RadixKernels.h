@@ -9,8 +9,8 @@
 namespace VXKernels {
 namespace {
 
-/// Writes one group of 1 to `groupBytes` bytes; absent bytes count as zero, and digits that hold no bit
-/// of a byte are written as padding.
+/// Encodes one group of 1 to `groupBytes` bytes; missing bytes count as zero, and digits that hold no bit of
+/// a byte are written as padding.
 template <const Radix& radix>
 void encodeGroup(const std::byte* bytes, std::size_t count, char* text) {
   std::uint64_t group = 0;
@@ -33,7 +33,7 @@ void encode(const std::byte* bytes, std::size_t count, char* text) {
   if (count > 0) encodeGroup<radix>(bytes, count, text);
 }
 
-/// Writes the whole bytes of one group of 1 to `groupDigits` digits; absent digits count as zero.
+/// Decodes the whole bytes of one group of 1 to `groupDigits` digits; missing digits count as zero.
 template <const Radix& radix>
 bool decodeGroup(const char* digits, std::size_t count, std::byte* bytes) {
   static constexpr DigitValues values = digitValues(radix);
