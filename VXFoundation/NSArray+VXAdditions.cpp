@@ -10,36 +10,36 @@ namespace VXAdditions {
 
 namespace {
 
-// The texts of one list, of which one is chosen at a time: a wheel of an odometer.
+// The strings of one array, one of which is chosen at a time: a wheel of an odometer.
 struct Wheel {
-  std::vector<NSRef<NSString>> texts;
+  std::vector<NSRef<NSString>> strings;
   std::size_t counter = 0;
 };
 
-std::vector<NSRef<NSArray>> listsOf(const NSArray& outer) {
-  std::vector<NSRef<NSArray>> lists;
-  for (const NSRef<NSObject> list : outer) lists.emplace_back(NSDynamicCast<NSArray>(list));
-  return lists;
+std::vector<NSRef<NSArray>> arraysIn(const NSArray& outer) {
+  std::vector<NSRef<NSArray>> arrays;
+  for (const NSRef<NSObject> array : outer) arrays.emplace_back(NSDynamicCast<NSArray>(array));
+  return arrays;
 }
 
-Wheel wheelOf(const NSRef<NSArray>& list) {
+Wheel wheelOf(const NSRef<NSArray>& array) {
   Wheel wheel;
-  for (const NSRef<NSObject> each : *list) wheel.texts.emplace_back(NSDynamicCast<NSString>(each));
+  for (const NSRef<NSObject> each : *array) wheel.strings.emplace_back(NSDynamicCast<NSString>(each));
   return wheel;
 }
 
 NSRef<NSMutableString> combinationOf(const std::vector<Wheel>& wheels) {
   std::size_t length = 0;
-  for (const Wheel& wheel : wheels) length += wheel.texts[wheel.counter]->length();
+  for (const Wheel& wheel : wheels) length += wheel.strings[wheel.counter]->length();
   const NSRef<NSMutableString> joined = NSMutableString::stringWithCapacity(length);
-  for (const Wheel& wheel : wheels) joined->appendString(wheel.texts[wheel.counter]);
+  for (const Wheel& wheel : wheels) joined->appendString(wheel.strings[wheel.counter]);
   return joined;
 }
 
-// Whether there is a next combination: not when every wheel has come round.
+// Advances to the next combination. Returns false once every wheel has come round.
 bool turn(std::vector<Wheel>& wheels) {
   for (Wheel& wheel : wheels) {
-    if (++wheel.counter < wheel.texts.size()) return true;
+    if (++wheel.counter < wheel.strings.size()) return true;
     wheel.counter = 0;
   }
   return false;
@@ -47,14 +47,14 @@ bool turn(std::vector<Wheel>& wheels) {
 
 }  // namespace
 
-NSRef<NSMutableArray> vxfoundation_combinationsJoined(const NSRef<NSArray>& lists) {
+NSRef<NSMutableArray> vxfoundation_combinationsJoined(const NSRef<NSArray>& arrays) {
   const NSRef<NSMutableArray> combinations = NSMutableArray::array();
   std::vector<Wheel> wheels;
-  const std::vector<NSRef<NSArray>> inner = listsOf(*lists);
-  if (std::any_of(inner.begin(), inner.end(), [](const auto& list) { return list->count() == 0; }))
+  const std::vector<NSRef<NSArray>> inner = arraysIn(*arrays);
+  if (std::any_of(inner.begin(), inner.end(), [](const auto& array) { return array->count() == 0; }))
     return combinations;
   wheels.reserve(inner.size());
-  for (const NSRef<NSArray>& list : inner) wheels.push_back(wheelOf(list));
+  for (const NSRef<NSArray>& array : inner) wheels.push_back(wheelOf(array));
   do combinations->addObject(combinationOf(wheels));
   while (turn(wheels));
   return combinations;

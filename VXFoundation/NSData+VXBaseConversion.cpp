@@ -15,7 +15,7 @@ const VXKernels::RadixKernels& kernelsInUse() {
 
 NSRef<NSString> encode(const NSData& data, std::size_t length, VXKernels::Encode* kernel) {
   const auto text = NSString::stringWithASCIILength(
-      length, [&](std::span<char> place) { kernel(data.bytes().data(), data.length(), place.data()); });
+      length, [&](std::span<char> buffer) { kernel(data.bytes().data(), data.length(), buffer.data()); });
   text->setHoldsSecret(data.holdsSecret());
   return text;
 }
@@ -26,31 +26,31 @@ NSRef<NSString> encode(const NSData& data) {
   return encode(data, groups * radix.groupDigits, kernelsInUse<radix>().encode);
 }
 
-/// Whether the digits that so much padding leaves of a group are those that whole bytes give.
+/// Returns whether the digits that the padding leaves in a group are those of a whole number of bytes.
 constexpr bool leavesWholeBytes(std::size_t padding, const Radix& radix) {
   if (padding >= radix.groupDigits) return false;
   const std::size_t digits = radix.groupDigits - padding, bytes = digits * radix.bits / 8;
   return bytes > 0 && (bytes * 8 + radix.bits - 1) / radix.bits == digits;
 }
 
-/// One bit for each length of padding that a text may end in.
-constexpr unsigned rightPaddings(const Radix& radix) {
-  unsigned right = 0;
+/// Returns one bit for each length of padding with which encoded text may end.
+constexpr unsigned validPaddings(const Radix& radix) {
+  unsigned valid = 0;
   for (unsigned padding = 0; padding < radix.groupDigits; ++padding)
-    if (leavesWholeBytes(padding, radix)) right |= 1u << padding;
-  return right;
+    if (leavesWholeBytes(padding, radix)) valid |= 1u << padding;
+  return valid;
 }
 
-/// The text up to the padding at its end; absent when it is not whole groups, or the padding has a wrong
-/// length. Padding further in front is left for the kernel, to which it is no digit.
+/// Returns the text without the padding at its end; std::nullopt if the text is not whole groups or the
+/// padding has a wrong length. Earlier padding is left to the kernel, for which it is not a digit.
 template <const Radix& radix>
 std::optional<std::string_view> digitsOf(std::string_view text) {
   std::size_t digits = text.size();
   while (digits > 0 && text[digits - 1] == VXKernels::_padding) --digits;
   const std::size_t padding = text.size() - digits;
   if (text.size() % radix.groupDigits != 0 || padding >= radix.groupDigits) return std::nullopt;
-  constexpr unsigned right = rightPaddings(radix);
-  if ((right >> padding & 1) == 0) return std::nullopt;
+  constexpr unsigned valid = validPaddings(radix);
+  if ((valid >> padding & 1) == 0) return std::nullopt;
   return std::string_view(text.data(), digits);
 }
 
@@ -59,8 +59,8 @@ NSRefPtr<NSData> decode(std::string_view text) {
   const auto digits = digitsOf<radix>(text);
   if (!digits) return nullptr;
   const std::size_t length = digits->size() / 8 * radix.bits + digits->size() % 8 * radix.bits / 8;
-  const auto write = [&](std::span<std::byte> place) -> std::optional<std::size_t> {
-    if (!kernelsInUse<radix>().decode(digits->data(), digits->size(), place.data())) return std::nullopt;
+  const auto write = [&](std::span<std::byte> buffer) -> std::optional<std::size_t> {
+    if (!kernelsInUse<radix>().decode(digits->data(), digits->size(), buffer.data())) return std::nullopt;
     return length;
   };
   return NSMutableData::dataWithMaximumLength(length, write);

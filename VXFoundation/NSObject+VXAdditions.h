@@ -3,11 +3,11 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
 
-/// NSObject(VXAdditions): for classes that leave an operation to those below them. Safe on any thread.
+/// NSObject(VXAdditions): for classes that leave an operation to their subclasses. Thread-safe.
 namespace VXAdditions {
 
-/// Raises VXSubclassResponsibilityException: the operation named by the selector, with its colons, is one
-/// that the receiver's class should have implemented. The receiver is an object or a class. A nil selector
+/// Raises VXSubclassResponsibilityException, which says that the receiver's class should have implemented the
+/// operation named by the selector, with its colons. The receiver is an object or a class. A nil selector
 /// raises the invalid-argument exception.
 [[noreturn]] NS_EXPORT void subclassShouldImplementSelector(const NSObject& receiver, NSStringArg selector);
 

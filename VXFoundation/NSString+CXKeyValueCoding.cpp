@@ -5,13 +5,13 @@
 namespace CXKeyValueCoding {
 
 NSRefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<NSObjectArg> components) {
-  const NSRef<NSMutableArray> list = NSMutableArray::arrayWithCapacity(components.size());
+  const NSRef<NSMutableArray> path = NSMutableArray::arrayWithCapacity(components.size());
   for (const NSObjectArg& component : components) {
     if (!component) break;
-    list->addObject(component);
+    path->addObject(component);
   }
-  if (list->count() == 0) return nullptr;
-  return list->componentsJoinedByString(".");
+  if (path->count() == 0) return nullptr;
+  return path->componentsJoinedByString(".");
 }
 
 NSRef<NSString> stringByAppendingKeyPath(const NSString& receiver, NSObjectArg keyPath) {

@@ -4,16 +4,15 @@
 
 #include <Foundation/NSString.h>
 
-/// NSString(CXKeyValueCoding): key paths, which are texts of components with a full stop between neighbours.
-/// Nothing is checked or escaped: empty components and full stops within components are kept as they are.
-/// Safe on any thread.
+/// NSString(CXKeyValueCoding): key paths, which are strings of components separated by full stops. Nothing is
+/// checked or escaped: empty components and full stops within components are kept as they are. Thread-safe.
 namespace CXKeyValueCoding {
 
-/// The components' texts, of what is no text its description, up to the first that is nil; absent when
-/// that is the first one, or there is none.
+/// Returns the key path of the components up to the first nil; a component that is not a string is
+/// represented by its description. Returns nil if the first component is nil or there are none.
 NS_EXPORT NSRefPtr<NSString> stringWithKeyPathComponents(std::initializer_list<NSObjectArg> components);
 
-/// The receiver, a full stop and the key path, "(null)" for nil.
+/// Returns the receiver followed by a full stop and the key path, which is "(null)" for nil.
 NS_EXPORT NSRef<NSString> stringByAppendingKeyPath(const NSString& receiver, NSObjectArg keyPath);
 
 }  // namespace CXKeyValueCoding

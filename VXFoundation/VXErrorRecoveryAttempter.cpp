@@ -23,7 +23,7 @@ void VXErrorRecoveryAttempter::addRecoveryOptionWithLocalizedTitle(
   require(bool(localizedTitle), 45, "localizedTitle != nil");
   require(bool(recoveryBlock), 46, "recoveryBlock != nil");
   titles_->addObject(localizedTitle.get());
-  blocks_->addObject(recoveryBlock);  // blocks are fixed: a share in one is as good as a copy
+  blocks_->addObject(recoveryBlock);  // blocks are immutable: a reference is as good as a copy
 }
 
 void VXErrorRecoveryAttempter::addCancelRecoveryOption() {

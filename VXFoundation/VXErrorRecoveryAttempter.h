@@ -3,19 +3,19 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSErrorRecoveryAttempting.h>
 
-/// What an option does about an error, which may be absent; whether it recovered from it.
+/// The action of an option: takes the error, which may be nil, and returns whether it recovered from it.
 using VXErrorRecoveryBlock = NSBlock<bool(const NSRefPtr<NSError>& error)>;
 
-/// The class operation of attempters, for the class that receives it, so that a host's subclass makes
-/// objects of its own.
+/// The class operation of attempters. It acts for the class that receives it: sent to a host's subclass, it
+/// makes an object of that subclass.
 template <class Self, class Base>
 class [[gnu::visibility("default")]] VXErrorRecoveryAttempterLayer : public NSObjectLayer<Self, Base> {
  public:
-  /// The base to derive an attempter from.
+  /// The base class from which to derive an attempter.
   template <class Derived>
   using Subclass = VXErrorRecoveryAttempterLayer<Derived, Self>;
 
-  /// A new attempter of the receiving class, without options; absent when its initialiser says no.
+  /// Returns a new attempter of the receiving class, without options; nil if its initialiser returns false.
   static NSRefPtr<Self> errorRecoveryAttempter() {
     const NSRef<Self> attempter = Self::alloc();
     if (!attempter->init()) return nullptr;
@@ -26,40 +26,43 @@ class [[gnu::visibility("default")]] VXErrorRecoveryAttempterLayer : public NSOb
 /// Recovery options, each a localised title and an action, for an error. A host adds its options and puts
 /// the attempter and `recoveryOptions()` in the error's user information, under NSRecoveryAttempterErrorKey
 /// and NSLocalizedRecoveryOptionsErrorKey. An option's index is its place in the order of adding. The
-/// attempter owns both lists. For one thread at a time.
+/// attempter owns both arrays. It may be used by one thread at a time.
 class NS_EXPORT VXErrorRecoveryAttempter
     : public VXErrorRecoveryAttempterLayer<VXErrorRecoveryAttempter, NSObject>,
       public NSErrorRecoveryAttempting {
  public:
-  /// The initialiser: whether the attempter can be used. Both lists are there, and empty, from allocation on.
+  /// The initialiser: returns whether the attempter can be used. Both arrays exist, empty, from allocation
+  /// on.
   virtual bool init() { return true; }
 
-  /// The lists themselves. The title at an index belongs to the action there; a host that changes one list
-  /// alone breaks that, which is not checked.
+  /// Return the arrays themselves, not copies. The title at an index belongs to the action at that index; a
+  /// host that changes only one array breaks this, which is not checked.
   ///@{
   const NSRef<NSMutableArray>& titles() const noexcept { return titles_; }
   const NSRef<NSMutableArray>& blocks() const noexcept { return blocks_; }
   ///@}
-  /// Replace a list by the one given, without a copy. Nil raises the invalid-argument exception.
+  /// Replace an array by the argument, without copying it. Nil raises the invalid-argument exception.
   ///@{
   void setTitles(const NSRef<NSMutableArray>& titles) { titles_ = titles; }
   void setBlocks(const NSRef<NSMutableArray>& blocks) { blocks_ = blocks; }
   ///@}
 
-  /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Asserts first the title, then the action. Where the
-  /// assertion handler returns, the list that is given nil raises the invalid-argument exception.
+  /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Adds an option. Asserts first that the title,
+  /// then that the action is not nil; if the assertion handler returns, adding nil to the array raises the
+  /// invalid-argument exception.
   void addRecoveryOptionWithLocalizedTitle(NSStringArg localizedTitle,
                                            const NSRefPtr<VXErrorRecoveryBlock>& recoveryBlock);
-  /// Adds an option with the localised title "Cancel" that never recovers; its action is one and the same
-  /// block for all attempters. Without the library's bundle there is no title, which is asserted as above.
+  /// Adds an option with the localised title "Cancel" that never recovers; all attempters use the same block
+  /// as its action. Without the library's bundle the title is nil, which fails the assertion above.
   void addCancelRecoveryOption();
-  /// The titles at this moment, in a list that stays as it is.
+  /// Returns the current titles in an immutable array.
   NSRef<NSArray> recoveryOptions() const { return titles_->copy(); }
 
   // The category VXFoundationDelegate.
-  /// Calls the action at the index with the very error. Answers its result, or tells it to the delegate, on
-  /// this thread and before it returns; an absent one hears nothing. Raises the range exception from the
-  /// number of actions on, and the invalid-argument exception when a host put something else into `blocks`.
+  /// Call the action at the index with `error` itself. The first returns the action's result; the second
+  /// passes it to the delegate, unless that is nil, on this thread and before it returns. Both raise the
+  /// range exception if there is no action at the index, and the invalid-argument exception if a host has put
+  /// anything but an action into `blocks`.
   ///@{
   bool attemptRecoveryFromError(const NSRefPtr<NSError>& error, std::size_t optionIndex) override;
   void attemptRecoveryFromError(const NSRefPtr<NSError>& error, std::size_t optionIndex,
@@ -68,7 +71,7 @@ class NS_EXPORT VXErrorRecoveryAttempter
   using NSErrorRecoveryAttempting::attemptRecoveryFromError;
 
  private:
-  // A class that derives without the layer would quietly make objects of its base; it does not compile, as
+  // A class derived without the layer would silently make objects of its base class. It does not compile, as
   // its destructor would be inaccessible.
   template <class Self, class Base>
   friend class NSObjectLayer;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// A collection of children whose walk is under way.
+// A collection of children that is being enumerated.
 class Level {
  public:
   explicit Level(NSRef<NSFastEnumeration> children)
@@ -24,8 +24,8 @@ class Level {
   NSFastEnumeration::Iterator next_;
 };
 
-// Recursive in its order; the levels are kept apart from the call stack, which deep trees would exhaust.
-// The visitor says whether to descend.
+// Visits in the order of a recursion, but does not keep the levels on the call stack, which deep trees would
+// exhaust. The visitor returns whether to descend.
 template <class Visitor>
 void _VXFoundationVisitTreeRecursive(const VXChildrenAccessor& accessor, const NSRefPtr<NSObject>& root,
                                      Visitor&& visitor) {
@@ -46,9 +46,9 @@ void _VXFoundationVisitTreeRecursive(const VXChildrenAccessor& accessor, const N
 }  // namespace
 
 NSRef<NSMutableArray> VXFoundationUnionOfList(VXNextAccessor accessor, const NSRefPtr<NSObject>& start) {
-  const NSRef<NSMutableArray> list = NSMutableArray::array();
-  for (NSRefPtr<NSObject> node = start; node; node = accessor(node)) list->addObject(node);
-  return list;
+  const NSRef<NSMutableArray> nodes = NSMutableArray::array();
+  for (NSRefPtr<NSObject> node = start; node; node = accessor(node)) nodes->addObject(node);
+  return nodes;
 }
 
 NSRef<NSMutableArray> VXFoundationUnionOfTree(VXChildrenAccessor accessor, const NSRefPtr<NSObject>& root) {

@@ -16,8 +16,8 @@ std::size_t roomToEncode(std::size_t length) {
 NSRefPtr<NSData> VXURLEncodeData(const NSRefPtr<NSData>& data) {
   if (!data) return nullptr;
   auto encoded =
-      NSMutableData::dataWithMaximumLength(roomToEncode(data->length()), [&](std::span<std::byte> place) {
-        return VXKernels::kernels().percentEncode(data->bytes().data(), data->length(), place.data());
+      NSMutableData::dataWithMaximumLength(roomToEncode(data->length()), [&](std::span<std::byte> buffer) {
+        return VXKernels::kernels().percentEncode(data->bytes().data(), data->length(), buffer.data());
       });
   encoded->setHoldsSecret(data->holdsSecret());
   return encoded;
@@ -26,9 +26,9 @@ NSRefPtr<NSData> VXURLEncodeData(const NSRefPtr<NSData>& data) {
 NSRefPtr<NSData> VXURLDecodeData(const NSRefPtr<NSData>& data) {
   if (!data) return nullptr;
   auto decoded = NSMutableData::dataWithMaximumLength(
-      data->length(), [&](std::span<std::byte> place) -> std::optional<std::size_t> {
+      data->length(), [&](std::span<std::byte> buffer) -> std::optional<std::size_t> {
         const std::size_t count =
-            VXKernels::kernels().percentDecode(data->bytes().data(), data->length(), place.data());
+            VXKernels::kernels().percentDecode(data->bytes().data(), data->length(), buffer.data());
         if (count == VXKernels::malformed) return std::nullopt;
         return count;
       });

@@ -6,19 +6,20 @@
 /// @file
 /// Percent-encoding for pieces of URLs (RFC 3986, section 2.1). Only the unreserved characters (section
 /// 2.3: letters, digits, "-", ".", "_", "~") stand for themselves; every other byte, the space included,
-/// becomes "%" and two upper-case hexadecimal digits. All are pure and safe on any thread.
+/// becomes "%" and two upper-case hexadecimal digits. All functions are pure and thread-safe.
 
-/// The bytes encoded, all of them ASCII; absent for nil.
+/// Encodes the bytes; the result is ASCII. Returns nil for nil.
 NS_EXPORT NSRefPtr<NSData> VXURLEncodeData(const NSRefPtr<NSData>& data);
 
-/// The bytes decoded: every escape, its digits in either case, becomes its byte, and all else stays, "+"
-/// and bytes above 127 included. Absent for nil, and for a "%" without two hexadecimal digits after it.
+/// Decodes the bytes: every escape, with digits in either case, becomes its byte; everything else is kept,
+/// including "+" and bytes above 127. Returns nil for nil, and if a "%" is not followed by two hexadecimal
+/// digits.
 NS_EXPORT NSRefPtr<NSData> VXURLDecodeData(const NSRefPtr<NSData>& data);
 
-/// The UTF-8 of the text encoded; absent for nil, the empty text when a surrogate stands alone.
+/// Encodes the string's UTF-8. Returns nil for nil, and the empty string if there is an unpaired surrogate.
 NS_EXPORT NSRefPtr<NSString> VXURLEncodeString(NSStringArg text);
 
-/// The text that the decoded bytes are in UTF-8. Absent for nil, and when they are not UTF-8; the empty
-/// text for a malformed escape or any character that is not ASCII. To tell a malformed text from an
-/// empty one, use VXURLDecodeData.
+/// Decodes the string and reads the resulting bytes as UTF-8. Returns nil for nil, and if those bytes are
+/// malformed UTF-8; returns the empty string for a malformed escape or any character that is not ASCII. To
+/// distinguish a malformed string from an empty one, use VXURLDecodeData.
 NS_EXPORT NSRefPtr<NSString> VXURLDecodeString(NSStringArg text);

@@ -28,7 +28,7 @@ std::u16string_view withoutPadding(std::u16string_view body) {
   return body.substr(0, body.find_last_not_of(_VXUTTypeBase32Padding) + 1);
 }
 
-// Whether `count` characters that fill up the last group stand for whole bytes that leave out no character.
+// Whether the characters before a padding of `count` are exactly those that whole bytes encode to.
 bool isPadding(std::size_t count) {
   return count == 0 || count == 1 || count == 3 || count == 4 || count == 6;
 }
@@ -41,7 +41,7 @@ bool isValid(std::u16string_view body) {
                      [](char16_t character) { return valueOf(character) != VXKernels::notADigit; });
 }
 
-// Groups of eight characters are whole bytes, so that one buffer of bits serves all of them.
+// A group of eight characters is a whole number of bytes, so that one buffer of bits serves all groups.
 std::vector<std::byte> bytesOf(std::u16string_view characters) {
   std::vector<std::byte> bytes;
   bytes.reserve(characters.size() * radix.bits / 8);
@@ -68,11 +68,11 @@ NSRefPtr<NSString> VXUTTypeDecodeDynamicIdentifier(const NSString& identifier) {
 NSRefPtr<NSDictionary> VXUTTypeDynamicIdentifierMap(const NSString& identifier) {
   const NSRefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(identifier);
   if (!text) return nullptr;
-  const NSRef<NSMutableDictionary> map = NSMutableDictionary::dictionary();
+  const NSRef<NSMutableDictionary> pairs = NSMutableDictionary::dictionary();
   const NSRef<NSArray> components = text->componentsSeparatedByString(":");
   for (const NSRef<NSObject> component : *components) {
     const NSRef<NSArray> parts = NSRef(NSDynamicCast<NSString>(component))->componentsSeparatedByString("=");
-    if (parts->count() == 2) map->setObject(parts->objectAtIndex(1), parts->objectAtIndex(0));
+    if (parts->count() == 2) pairs->setObject(parts->objectAtIndex(1), parts->objectAtIndex(0));
   }
-  return map;
+  return pairs;
 }
