@@ -6,8 +6,8 @@ namespace {
 
 const char* const protocols[] = {"", "http", "https", "ftp", "ssh"};  // in the order of the enumeration
 
-NSRefPtr<NSString> textOf(const std::optional<std::string>& argument) {
-  return argument ? NSRefPtr<NSString>(textOfArgument(*argument)) : nullptr;
+NSRefPtr<NSString> stringOf(const std::optional<std::string>& argument) {
+  return argument ? NSRefPtr<NSString>(stringOfArgument(*argument)) : nullptr;
 }
 
 VXInternetKeychainItemProtocol protocolNamed(const std::string& name) {
@@ -17,26 +17,26 @@ VXInternetKeychainItemProtocol protocolNamed(const std::string& name) {
 
 }  // namespace
 
-const CLI::Validator isText(
+const CLI::Validator isUTF8(
     [](std::string& argument) -> std::string {
       return NSString::stringWithUTF8String(argument) ? "" : "the value is not UTF-8";
     },
     "", "UTF-8");
 
-NSRef<NSString> textOfArgument(const std::string& argument) {
+NSRef<NSString> stringOfArgument(const std::string& argument) {
   return NSString::stringWithUTF8String(argument);
 }
 
 std::string nameOfProtocol(VXInternetKeychainItemProtocol protocol) { return protocols[protocol]; }
 
 void KeychainEntry::addOptions(CLI::App& command) {
-  command.add_option("--account", account, "The account")->required()->check(isText);
+  command.add_option("--account", account, "The account")->required()->check(isUTF8);
   CLI::Option_group* kind = command.add_option_group("kind");
-  kind->add_option("--service", service, "The service that a generic password is for")->check(isText);
-  CLI::Option* host = kind->add_option("--server", server, "The server that an internet password is for");
-  host->check(isText);
+  kind->add_option("--service", service, "The service of a generic password")->check(isUTF8);
+  CLI::Option* host = kind->add_option("--server", server, "The server of an internet password");
+  host->check(isUTF8);
   kind->require_option(1);
-  command.add_option("--path", path, "The path on the server")->check(isText)->needs(host);
+  command.add_option("--path", path, "The path on the server")->check(isUTF8)->needs(host);
   command.add_option("--port", port, "The port of the server")->check(CLI::Range(1, 65535))->needs(host);
   command.add_option("--protocol", protocol, "The protocol")
       ->check(CLI::IsMember(std::vector<std::string>(std::next(std::begin(protocols)), std::end(protocols))))
@@ -46,15 +46,16 @@ void KeychainEntry::addOptions(CLI::App& command) {
 NSRef<VXPasswordKeychainItem> KeychainEntry::makeItem(const NSRefPtr<NSString>& password,
                                                       const NSRefPtr<NSString>& label) const {
   if (service)
-    return VXGenericKeychainItem::keychainItemWithUsername(textOfArgument(account), password, label,
-                                                           textOf(service));
-  return VXInternetKeychainItem::keychainItemWithUsername(
-      textOfArgument(account), password, label, textOf(server), textOf(path), port, protocolNamed(protocol));
+    return VXGenericKeychainItem::keychainItemWithUsername(stringOfArgument(account), password, label,
+                                                           stringOf(service));
+  return VXInternetKeychainItem::keychainItemWithUsername(stringOfArgument(account), password, label,
+                                                          stringOf(server), stringOf(path), port,
+                                                          protocolNamed(protocol));
 }
 
 NSRef<VXPasswordKeychainItem> KeychainEntry::findItem() const {
   if (service)
-    return VXGenericKeychainItem::findKeychainItemForUsername(textOfArgument(account), textOf(service));
-  return VXInternetKeychainItem::findKeychainItemForUsername(textOfArgument(account), textOf(server),
-                                                             textOf(path), port, protocolNamed(protocol));
+    return VXGenericKeychainItem::findKeychainItemForUsername(stringOfArgument(account), stringOf(service));
+  return VXInternetKeychainItem::findKeychainItemForUsername(stringOfArgument(account), stringOf(server),
+                                                             stringOf(path), port, protocolNamed(protocol));
 }

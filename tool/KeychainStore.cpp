@@ -13,7 +13,8 @@ namespace {
 
 constexpr char inMemory[] = ":memory:";
 
-/// From the descriptor where one was named, else from the person; absent when there is neither.
+/// Reads from the descriptor if one was named, otherwise asks at the terminal; returns nil if there is
+/// neither.
 NSRefPtr<NSData> passphrase(const KeychainStore& store, const std::string& question) {
   if (store.passphraseDescriptor) {
     const NSRefPtr<NSData> line = readSecretLine(*store.passphraseDescriptor);
@@ -26,7 +27,7 @@ NSRefPtr<NSData> passphrase(const KeychainStore& store, const std::string& quest
 std::unique_ptr<SecFileStorage> openFile(const KeychainStore& store) {
   SecFilePlace place;
   requireSuccess(store.place.empty() ? secDefaultFilePlace(place) : secFilePlaceAt(store.place, place),
-                 "the keychain has no place");
+                 "the keychain cannot be located");
   std::unique_ptr<SecFileStorage> file;
   requireSuccess(SecFileStorage::open(place, SecFileStorage::Missing::make, file),
                  "the keychain cannot be opened");
@@ -43,7 +44,7 @@ void unlock(SecFileStorage& file, const KeychainStore& store) {
   const SecFileInfo info = infoOf(file);
   if (!info.locked || info.protection != SecFileProtection::passphrase) return;
   const NSRefPtr<NSData> entered = passphrase(store, "Passphrase of " + info.path);
-  if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain stays locked");
+  if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain cannot be unlocked");
 }
 
 SecFileStorage& requireFile(SecFileStorage* file) {
@@ -51,7 +52,8 @@ SecFileStorage& requireFile(SecFileStorage* file) {
   return *file;
 }
 
-/// The store as a file that is not the default, for what only files have; null for one in memory.
+/// Opens the store's file, without making it the default, for operations that only files have. Returns null
+/// for a store in memory.
 std::unique_ptr<SecFileStorage> openForUpkeep(const KeychainStore& store) {
   return store.place == inMemory ? nullptr : openFile(store);
 }
@@ -69,17 +71,17 @@ int showInfo(const KeychainStore& store) {
 int verify(const KeychainStore& store) {
   const auto file = openForUpkeep(store);
   unlock(requireFile(file.get()), store);
-  requireSuccess(file->verify(), "the keychain is not intact");
+  requireSuccess(file->verify(), "the keychain failed verification");
   writeStandardOutput("intact, entries: " + std::to_string(infoOf(*file).entries) + '\n');
   return 0;
 }
 
 NSRefPtr<NSData> newPassphrase(const KeychainStore& store) {
   const NSRefPtr<NSData> entered = passphrase(store, "New passphrase");
-  if (!entered) throw Failure("a passphrase is read from a terminal or with --passphrase-fd");
+  if (!entered) throw Failure("a passphrase must come from a terminal or from --passphrase-fd");
   if (entered->length() == 0) throw Failure("the new passphrase is empty");
   if (store.passphraseDescriptor) return entered;
-  if (!entered->isEqual(askSecret("The same again"))) throw Failure("the two passphrases differ");
+  if (!entered->isEqual(askSecret("Repeat the new passphrase"))) throw Failure("the two passphrases differ");
   return entered;
 }
 
@@ -87,16 +89,17 @@ int changePassphrase(const KeychainStore& store, bool removing) {
   const auto file = openForUpkeep(store);
   unlock(requireFile(file.get()), store);
   if (removing)
-    requireSuccess(file->removePassphrase(), "the passphrase stays");
+    requireSuccess(file->removePassphrase(), "the passphrase was not removed");
   else
-    requireSuccess(file->setPassphrase(newPassphrase(store)->bytes()), "the passphrase is not changed");
+    requireSuccess(file->setPassphrase(newPassphrase(store)->bytes()), "the passphrase was not changed");
   return 0;
 }
 
 }  // namespace
 
 void KeychainStore::addOptions(CLI::App& keychain) {
-  keychain.add_option("--keychain", place, "The store file, or :memory:; else the user's own")->check(isText);
+  keychain.add_option("--keychain", place, "The store file, or :memory:; by default the user's store")
+      ->check(isUTF8);
   keychain
       .add_option("--passphrase-fd", passphraseDescriptor,
                   "Read a passphrase, one line, from this descriptor")
@@ -111,14 +114,15 @@ void KeychainStore::open() const {
 }
 
 void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store) {
-  keychain.add_subcommand("info", "Say which store is used, how it is protected and what it holds")
+  keychain
+      .add_subcommand("info", "Show which store is used, how it is protected and how many entries it holds")
       ->callback([store, &action] { action = [store] { return showInfo(*store); }; });
   keychain.add_subcommand("verify", "Check every entry of the store")->callback([store, &action] {
     action = [store] { return verify(*store); };
   });
   CLI::App* command = keychain.add_subcommand("passphrase", "Set, change or remove the store's passphrase");
   const auto removing = std::make_shared<bool>();
-  command->add_flag("--remove", *removing, "Protect the store by a key file again");
+  command->add_flag("--remove", *removing, "Protect the store with a key file again");
   command->callback([store, removing, &action] {
     action = [store, removing] { return changePassphrase(*store, *removing); };
   });

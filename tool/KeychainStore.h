@@ -9,13 +9,13 @@
 
 /// Which store the keychain subcommands act on.
 struct KeychainStore {
-  std::string place;  // empty for the user's own, ":memory:" for one that ends with the process
+  std::string place;  // empty for the user's store, ":memory:" for one that ends with the process
   std::optional<int> passphraseDescriptor;
 
   void addOptions(CLI::App& keychain);
 
-  /// Makes it the process's default store, unlocked where that takes no passphrase or one can be had. Throws
-  /// Failure when it cannot be opened.
+  /// Makes it the process's default store, unlocked if that takes no passphrase or one can be obtained.
+  /// Throws Failure if it cannot be opened.
   void open() const;
 };
 

@@ -39,7 +39,7 @@ NSRef<NSData> readAll(int descriptor, bool secret, const std::string& name) {
 }  // namespace
 
 void guardStandardStreams() {
-  // Read-only also where output is expected: writing there then fails, as it does for a closed stream.
+  // Read-only even where output is expected: writing to it then fails, as it does for a closed stream.
   for (int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (!isOpen(descriptor)) open("/dev/null", O_RDONLY);
   }

@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
-/// What a subcommand does once its options are read; returns the exit status.
+/// What a subcommand does once its options have been read; returns the exit status.
 using Action = std::function<int()>;
 
-/// Each adds its subcommand to `app` and, once that is chosen on the command line, sets `action`.
+/// Each adds its subcommand to `app`; choosing the subcommand on the command line sets `action`.
 void addEncode(CLI::App& app, Action& action);
 void addDecode(CLI::App& app, Action& action);
 void addDigest(CLI::App& app, Action& action);

@@ -13,29 +13,31 @@
 
 namespace {
 
-termios shownEcho;
+termios originalSettings;
 
-void showEcho() { tcsetattr(STDIN_FILENO, TCSANOW, &shownEcho); }
+void restoreEcho() { tcsetattr(STDIN_FILENO, TCSANOW, &originalSettings); }
 
-/// A terminal that stops showing what is typed must show it again however the tool ends.
-void showEchoAndEnd(int signal) {
-  showEcho();
+/// Hidden echo must be restored however the tool ends.
+void restoreEchoAndEnd(int signal) {
+  restoreEcho();
   std::raise(signal);
 }
 
 class HiddenEcho {
  public:
   HiddenEcho() {
-    if (tcgetattr(STDIN_FILENO, &shownEcho) != 0) throw Failure("the terminal cannot be asked");
-    for (const int signal : endings) install(signal, showEchoAndEnd);
-    termios hidden = shownEcho;
+    if (tcgetattr(STDIN_FILENO, &originalSettings) != 0)
+      throw Failure("the terminal's settings cannot be read");
+    for (const int signal : endings) install(signal, restoreEchoAndEnd);
+    termios hidden = originalSettings;
     hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0) throw Failure("the terminal shows what is typed");
+    if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0)
+      throw Failure("the terminal's echo cannot be turned off");
   }
   HiddenEcho(const HiddenEcho&) = delete;
   HiddenEcho& operator=(const HiddenEcho&) = delete;
   ~HiddenEcho() {
-    showEcho();
+    restoreEcho();
     for (const int signal : endings) install(signal, SIG_DFL);
   }
 
@@ -50,7 +52,7 @@ class HiddenEcho {
   }
 };
 
-void tell(std::string_view text) {
+void show(std::string_view text) {
   const int terminal = open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY);
   while (!text.empty()) {
     const ssize_t count = write(terminal < 0 ? STDIN_FILENO : terminal, text.data(), text.size());
@@ -76,7 +78,7 @@ NSRefPtr<NSData> readSecretLine(int descriptor) {
   const NSRef<NSMutableData> line = NSMutableData::data();
   line->setHoldsSecret(true);
   for (;;) {
-    // One at a time: what follows the line may be for somebody else.
+    // One byte at a time: what follows the line may be for another reader.
     std::byte byte{};
     const ssize_t count = read(descriptor, &byte, 1);
     if (count < 0 && errno == EINTR) continue;
@@ -92,23 +94,23 @@ NSRef<NSData> askSecret(const std::string& question) {
   NSRefPtr<NSData> answer;
   {
     const HiddenEcho hidden;
-    tell(question + ": ");
+    show(question + ": ");
     answer = readSecretLine(STDIN_FILENO);
   }
-  tell("\n");
+  show("\n");
   if (!answer) throw Failure("nothing was entered");
   return answer;
 }
 
 std::optional<std::size_t> TerminalPresenter::choose(const NSError& error, const NSArray& localizedOptions) {
   for (;;) {
-    tell(explain(error) + '\n');
+    show(explain(error) + '\n');
     for (std::size_t index = 0; index < localizedOptions.count(); ++index)
-      tell("  " + std::to_string(index + 1) + "  " +
+      show("  " + std::to_string(index + 1) + "  " +
            std::string(*localizedOptions.objectAtIndex(index)->description()) + '\n');
-    tell("Number: ");
+    show("Number: ");
     const NSRefPtr<NSData> answer = readSecretLine(STDIN_FILENO);
-    if (!answer) return tell("\n"), std::nullopt;
+    if (!answer) return show("\n"), std::nullopt;
     if (const auto option = optionOf(*answer, localizedOptions.count())) return option;
   }
 }

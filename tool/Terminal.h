@@ -6,17 +6,17 @@
 #include <optional>
 #include <string>
 
-/// Questions to the person at the terminal, which is used when standard input is one. They are asked at the
-/// terminal itself, so that nothing of them is in the tool's output.
+/// Questions to the person at the terminal, which is used if it is standard input. They are written to the
+/// terminal itself, so that no part of them is in the tool's output.
 
 bool isOnTerminal();
 
-/// Asks for a secret without showing what is typed, to be cleansed from memory after use. Throws Failure
-/// when the input ends first.
+/// Asks for a secret without showing what is typed. The result is cleansed from memory after use. Throws
+/// Failure if the input ends first.
 NSRef<NSData> askSecret(const std::string& question);
 
-/// One line of a descriptor, without its end, to be cleansed from memory after use. Throws Failure when it
-/// cannot be read; absent at the end of the input.
+/// Reads one line from a descriptor, without its end; the result is cleansed from memory after use. Returns
+/// nil at the end of the input. Throws Failure if it cannot be read.
 NSRefPtr<NSData> readSecretLine(int descriptor);
 
 /// Shows an error and its options, numbered from 1, until one of them is chosen or the input ends.

@@ -24,11 +24,13 @@ int conforms(const std::string& type, const std::vector<std::string>& others) {
 }  // namespace
 
 void addConforms(CLI::App& app, Action& action) {
-  CLI::App* command = app.add_subcommand("conforms", "Say whether a type conforms to one of others");
+  CLI::App* command = app.add_subcommand("conforms", "Show whether a type conforms to any of the others");
   const auto type = std::make_shared<std::string>();
   const auto others = std::make_shared<std::vector<std::string>>();
-  command->add_option("TYPE", *type, "The type in question")->required()->check(complaintAbout);
-  command->add_option("OTHER", *others, "The types that will do")->required()->check(complaintAbout);
+  command->add_option("TYPE", *type, "The type to check")->required()->check(complaintAbout);
+  command->add_option("OTHER", *others, "The types that it may conform to")
+      ->required()
+      ->check(complaintAbout);
   command->callback(
       [type, others, &action] { action = [type, others] { return conforms(*type, *others); }; });
 }

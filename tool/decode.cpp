@@ -27,7 +27,7 @@ const std::map<std::string, Decoder> decoders = {
     {"url", decodeURL},
 };
 
-/// What `encode` and echo add to a text is not part of it.
+/// Removes the newline that `encode` and echo add.
 NSRef<NSData> withoutFinalNewline(NSRef<NSData> bytes) {
   const auto content = bytes->bytes();
   if (content.empty() || content.back() != std::byte{'\n'}) return bytes;
@@ -44,8 +44,8 @@ int decode(const std::string& form) {
 }  // namespace
 
 void addDecode(CLI::App& app, Action& action) {
-  CLI::App* command = app.add_subcommand("decode", "Read a text, write the bytes that it stands for");
+  CLI::App* command = app.add_subcommand("decode", "Read text, write the bytes that it encodes");
   const auto form = std::make_shared<std::string>();
-  command->add_option("FORM", *form, "How they are written")->required()->check(CLI::IsMember(decoders));
+  command->add_option("FORM", *form, "How the text is encoded")->required()->check(CLI::IsMember(decoders));
   command->callback([form, &action] { action = [form] { return decode(*form); }; });
 }

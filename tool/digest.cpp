@@ -11,7 +11,7 @@ namespace {
 int writeDigest(const NSRef<NSData>& digest) {
   auto text = std::string(*VXBaseConversion::base16String(*digest));
   for (char& digit : text) {
-    if (digit >= 'A') digit |= 0x20;  // to lower case, as other digest tools write it
+    if (digit >= 'A') digit |= 0x20;  // in lower case, as other digest tools write it
   }
   writeStandardOutput(text + '\n');
   return 0;
@@ -28,7 +28,7 @@ int authenticateInput(const std::string& keyFile) {
 }
 
 void addAuthentication(CLI::App& digest, Action& action) {
-  CLI::App* command = digest.add_subcommand("hmac-sha1", "The HMAC-SHA1, under a key");
+  CLI::App* command = digest.add_subcommand("hmac-sha1", "The HMAC-SHA1 under a key");
   const auto keyFile = std::make_shared<std::string>();
   command->add_option("--key-file", *keyFile, "The file whose exact content is the key")->required();
   command->callback([keyFile, &action] { action = [keyFile] { return authenticateInput(*keyFile); }; });

@@ -35,8 +35,8 @@ int encode(const std::string& form) {
 }  // namespace
 
 void addEncode(CLI::App& app, Action& action) {
-  CLI::App* command = app.add_subcommand("encode", "Read bytes, write them as text and a newline");
+  CLI::App* command = app.add_subcommand("encode", "Read bytes, write them as text followed by a newline");
   const auto form = std::make_shared<std::string>();
-  command->add_option("FORM", *form, "How to write them")->required()->check(CLI::IsMember(encoders));
+  command->add_option("FORM", *form, "How to encode the bytes")->required()->check(CLI::IsMember(encoders));
   command->callback([form, &action] { action = [form] { return encode(*form); }; });
 }

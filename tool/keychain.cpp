@@ -12,18 +12,18 @@
 
 namespace {
 
-/// What the subcommands are told on the command line.
+/// What the command line asks of a subcommand.
 struct Request {
   KeychainEntry entry;
   std::optional<std::string> label;
   bool password = false;
 
-  NSRefPtr<NSString> labelText() const {
-    return label ? NSRefPtr<NSString>(textOfArgument(*label)) : nullptr;
+  NSRefPtr<NSString> labelString() const {
+    return label ? NSRefPtr<NSString>(stringOfArgument(*label)) : nullptr;
   }
 };
 
-/// Does something with an item, and throws Failure with its error when it could not be done.
+/// Performs an operation on an item. Throws Failure with its error if it fails.
 template <class Operation>
 void require(Operation&& operation) {
   NSRefPtr<NSError> error;
@@ -41,11 +41,11 @@ void update(const Request& request, const NSRefPtr<NSString>& password) {
   const NSRef<VXPasswordKeychainItem> item = request.entry.findItem();
   require([&](auto* error) { return item->refreshItemFromKeychainIncludePassword(false, error); });
   item->setPassword(password);
-  if (request.label) item->setLabel(request.labelText());
+  if (request.label) item->setLabel(request.labelString());
   require([&](auto* error) { return item->updateItemInKeychain(error); });
 }
 
-/// Lets the person at the terminal choose a way out of the error; whether that recovered from it.
+/// Lets the person at the terminal choose a recovery option; returns whether it recovered from the error.
 bool recover(const NSError& error, const Request& request, const NSRefPtr<NSString>& password) {
   const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
   attempter->addRecoveryOptionWithLocalizedTitle(
@@ -65,7 +65,7 @@ bool isDuplicate(const NSError& error) {
 int add(const Request& request) {
   const NSRefPtr<NSString> password = readPassword();
   NSRefPtr<NSError> error;
-  if (request.entry.makeItem(password, request.labelText())->addItemToKeychain(&error)) return 0;
+  if (request.entry.makeItem(password, request.labelString())->addItemToKeychain(&error)) return 0;
   const bool recovered = isOnTerminal() && isDuplicate(*error) && recover(*error, request, password);
   if (!recovered) throw Failure(explain(*error));
   return 0;
@@ -107,7 +107,7 @@ int change(const Request& request) {
   return 0;
 }
 
-/// By the request alone, so that an entry goes whose secret is no password.
+/// Deletes by the request alone, so that an entry whose secret is not a password can be deleted, too.
 int remove(const Request& request) {
   const OSStatus status = SecItemDelete(request.entry.findItem()->keychainItemRequest());
   if (status == errSecItemNotFound) {
@@ -121,7 +121,7 @@ int remove(const Request& request) {
 }  // namespace
 
 void addKeychain(CLI::App& app, Action& action) {
-  CLI::App* keychain = app.add_subcommand("keychain", "Keep, show, change and remove passwords");
+  CLI::App* keychain = app.add_subcommand("keychain", "Store, show, change and delete passwords");
   keychain->require_subcommand(1);
   const auto store = std::make_shared<KeychainStore>();
   store->addOptions(*keychain);
@@ -135,11 +135,12 @@ void addKeychain(CLI::App& app, Action& action) {
     return std::pair(command, request);
   };
   for (const auto& [command, request] :
-       {subcommand("add", "Keep a password, read from standard input or asked for", add),
-        subcommand("update", "Change the password, read from standard input or asked for", change)})
-    command->add_option("--label", request->label, "The label of the entry")->check(isText);
+       {subcommand("add", "Store a password, read from standard input or typed at a prompt", add),
+        subcommand("update", "Change the password to one read from standard input or typed at a prompt",
+                   change)})
+    command->add_option("--label", request->label, "The label of the entry")->check(isUTF8);
   const auto [command, request] = subcommand("show", "Show an entry, without its password", show);
-  command->add_flag("--password", request->password, "Show the password alone");
-  subcommand("delete", "Remove all entries that the options match", remove);
+  command->add_flag("--password", request->password, "Show only the password");
+  subcommand("delete", "Delete all entries that match the options", remove);
   addKeychainStore(*keychain, action, store);
 }

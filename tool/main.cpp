@@ -13,13 +13,13 @@ constexpr int failed = 1;
 constexpr int wrongUsage = 2;
 
 int complain(std::string message, int status) {
-  std::replace(message.begin(), message.end(), '\n',
-               ' ');  // an argument may hold it, and one line is promised
+  // An argument in the message may contain newlines, but the message is always one line.
+  std::replace(message.begin(), message.end(), '\n', ' ');
   std::cerr << "vxfoundation: " << message << std::endl;
   return status;
 }
 
-/// The subcommand that the command line got as far as.
+/// Returns the innermost subcommand that the command line reached.
 CLI::App* reached(CLI::App& app) {
   const auto chosen = app.get_subcommands();
   return chosen.empty() ? &app : reached(*chosen.front());
@@ -35,7 +35,7 @@ std::string explain(CLI::App& app, const CLI::ParseError& error) {
   return error.what();
 }
 
-/// Help and version come as errors of the parser, too, with the exit code 0.
+/// The parser also reports help and version as errors, with the exit code 0.
 int finish(CLI::App& app, const CLI::ParseError& error) {
   if (error.get_exit_code() != 0)
     return complain(explain(app, error) + "; see vxfoundation --help", wrongUsage);
@@ -54,9 +54,9 @@ int run(int argc, char** argv) {
   CLI::App app("Codecs, digests, type conformance and the keychain on the command line", "vxfoundation");
   app.set_version_flag(
       "--version", [&app] { return version(app.count("--verbose") > 0); },
-      "Print the version; with --verbose, the kernels of the codecs in use, too");
+      "Print the version; with --verbose, also the codec kernels in use");
   app.require_subcommand(1);
-  app.fallthrough();  // --verbose may stand anywhere
+  app.fallthrough();  // --verbose is accepted anywhere
   app.add_flag_callback(
       "--verbose", [] { NSLogSetSink({}); }, "Show the library's log");
   Action action;
@@ -77,7 +77,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   guardStandardStreams();
-  NSLogSetSink([](std::string_view) {});  // the tool's own message is the one line
+  NSLogSetSink([](std::string_view) {});  // the tool's message is the only line
   try {
     return run(argc, argv);
   } catch (const std::bad_alloc&) {
