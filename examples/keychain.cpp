@@ -1,6 +1,6 @@
-// Stores a password, finds it, changes it and deletes it, once for a service and once for a server. The
-// store is one in memory, so that running this leaves nothing behind; without the first line of main it
-// would be the user's own.
+// Stores a password, finds it, changes it and deletes it, once for a service and once for a server. The store
+// is in memory, so that running this leaves nothing behind; without the first line of main it would be the
+// user's.
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecMemoryStorage.h>
 #include <VXFoundation/VXFoundation.h>
@@ -11,7 +11,7 @@ namespace {
 
 void report(const char* what, bool done) { std::cout << what << ": " << (done ? "done" : "failed") << '\n'; }
 
-/// Gives an error the ways out of it that a user may choose from.
+/// Returns the error with the recovery options that the user may choose from.
 NSRef<NSError> withRecovery(const NSError& error, const NSRef<VXErrorRecoveryAttempter>& attempter) {
   const NSRef<NSMutableDictionary> userInfo = error.userInfo()->mutableCopy();
   userInfo->setObject(attempter, NSRecoveryAttempterErrorKey);
@@ -19,7 +19,8 @@ NSRef<NSError> withRecovery(const NSError& error, const NSRef<VXErrorRecoveryAtt
   return NSError::errorWithDomain(error.domain(), error.code(), userInfo);
 }
 
-/// What a window would do: show the description and the options, and take the user's choice, here the first.
+/// Does what a window would do: shows the description and the options, and takes the user's choice, here the
+/// first option.
 class Presenter final : public NSErrorPresenter {
   std::optional<std::size_t> choose(const NSError& error, const NSArray& localizedOptions) override {
     std::cout << *error.localizedDescription()
@@ -77,7 +78,7 @@ void internetPassword() {
 
 int main() {
   secSetDefaultStorage(std::make_shared<SecMemoryStorage>());
-  NSLogSetSink([](std::string_view) {});  // what fails here is shown where it happens
+  NSLogSetSink([](std::string_view) {});  // failures are shown where they happen
   genericPassword();
   internetPassword();
 }

@@ -1,10 +1,10 @@
-# quotes.sh README FILE...: every indented line of the section "Passwords" is a line of one of the files.
+# quotes.sh README FILE...: every indented line of the section "Passwords" must be a line of one of the files.
 readme=$1
 shift
 sed -n '/^## Passwords/,/^## The/s/^    //p' "$readme" | {
   lines=0
   while IFS= read -r line; do
-    grep -qFx -e "$line" "$@" || { echo "not quoted as it is: $line"; exit 1; }
+    grep -qFx -e "$line" "$@" || { echo "not a verbatim quote: $line"; exit 1; }
     lines=$((lines + 1))
   done
   test "$lines" -gt 5
