@@ -3,29 +3,30 @@
 #include <Foundation/NSString.h>
 
 /// @file
-/// The names in attribute maps and their values, compared by value only. Stores keep values, never names.
+/// The keys of attribute dictionaries and their values, compared by value only. Stores keep values, never
+/// keys.
 
-/// The key of the kind of entry, kSecClassGenericPassword or kSecClassInternetPassword. Every query has it.
+/// The key of the entry's class, kSecClassGenericPassword or kSecClassInternetPassword. Every query has it.
 NS_EXPORT extern const NSRef<NSString> kSecClass;
-/// Keys of texts of either kind. The label is not part of an entry's identity.
+/// Keys of strings in entries of either class. The label is not part of an entry's identity.
 ///@{
 NS_EXPORT extern const NSRef<NSString> kSecAttrAccount;
 NS_EXPORT extern const NSRef<NSString> kSecAttrLabel;
 ///@}
-/// The key of the service, a text, of generic passwords.
+/// The key of the service of a generic password, a string.
 NS_EXPORT extern const NSRef<NSString> kSecAttrService;
-/// Keys of texts of internet passwords. No path is the same as an empty one.
+/// Keys of strings in internet passwords. A missing path is the same as an empty one.
 ///@{
 NS_EXPORT extern const NSRef<NSString> kSecAttrServer;
 NS_EXPORT extern const NSRef<NSString> kSecAttrPath;
 ///@}
-/// The key of the port, a number, of internet passwords. No port is the same as 0.
+/// The key of the port of an internet password, a number. A missing port is the same as 0.
 NS_EXPORT extern const NSRef<NSString> kSecAttrPort;
-/// The key of the protocol, a text, of internet passwords.
+/// The key of the protocol of an internet password, a string.
 NS_EXPORT extern const NSRef<NSString> kSecAttrProtocol;
 /// The key of the secret, an NSData.
 NS_EXPORT extern const NSRef<NSString> kSecValueData;
-/// Keys of numbers, which say whether the answer has the attributes, and the secret.
+/// Keys of numbers that say whether the result contains the attributes, and whether it contains the secret.
 ///@{
 NS_EXPORT extern const NSRef<NSString> kSecReturnAttributes;
 NS_EXPORT extern const NSRef<NSString> kSecReturnData;
@@ -37,7 +38,7 @@ NS_EXPORT extern const NSRef<NSString> kSecClassGenericPassword;
 NS_EXPORT extern const NSRef<NSString> kSecClassInternetPassword;
 ///@}
 
-/// Values of kSecAttrProtocol, which may be any other text, too. They are kept in stores and never change.
+/// Values of kSecAttrProtocol, which may be any other string too. They are kept in stores and never change.
 ///@{
 NS_EXPORT extern const NSRef<NSString> kSecAttrProtocolHTTP;
 NS_EXPORT extern const NSRef<NSString> kSecAttrProtocolHTTPS;

@@ -6,17 +6,17 @@
 
 #include <Security/SecSecret.h>
 
-/// Text of an attribute: UTF-16, overwritten when it is let go of, unpaired surrogates kept.
+/// The text of an attribute: UTF-16 that may hold unpaired surrogates, overwritten when it is freed.
 using SecText = std::basic_string<char16_t, std::char_traits<char16_t>, SecCleansingAllocator<char16_t>>;
 
-/// The kind of an entry. The numbers are kept in stores and never change.
+/// The class of an entry. The numbers are kept in stores and never change.
 enum class SecItemClass : std::uint8_t {
   genericPassword = 1,   ///< for an account of a service
   internetPassword = 2,  ///< for an account on a server
 };
 
-/// The attributes that tell one entry from another. Absent and empty are kept apart here, since the
-/// values come back as they were given; SecIdentity says when two entries are the same one.
+/// The attributes of an entry. No value and an empty value are distinguished here, since values are returned
+/// as they were given; secIdentity decides when two entries are the same.
 struct SecAttributes {
   /// Of every entry.
   ///@{
@@ -35,12 +35,12 @@ struct SecAttributes {
   /// For people; never part of the identity.
   std::optional<SecText> label;
 
-  /// Whether all of them are the same, the label included.
+  /// Whether all attributes are equal, the label included.
   friend bool operator==(const SecAttributes&, const SecAttributes&) = default;
 };
 
-/// One password of a store: what is known of it, and the secret itself.
+/// One password of a store: its attributes, and the secret itself.
 struct SecEntry {
-  SecAttributes attributes;  ///< what may be asked for
-  SecSecret secret;          ///< what is kept: bytes of any content and length
+  SecAttributes attributes;  ///< what queries match
+  SecSecret secret;          ///< bytes of any content and length
 };

@@ -6,12 +6,12 @@
 #include <Security/SecStatus.h>
 
 /// Why an operation of the credential store failed. Everything below the public calls throws it; the public
-/// calls, SecItemAdd and its like and the operations of a storage, catch it and return its status.
+/// calls (SecItemAdd and the like, and the operations of a storage) catch it and return its status.
 struct NS_EXPORT SecFailure {
   OSStatus status;  ///< never errSecSuccess
 };
 
-/// Runs `action` and returns errSecSuccess, the status of the failure that it threw, or errSecAllocate where
+/// Runs `action` and returns errSecSuccess, the status of the failure that it threw, or errSecAllocate if
 /// memory ran out. Other exceptions pass through.
 template <class Action>
 OSStatus secStatusOf(Action&& action) {

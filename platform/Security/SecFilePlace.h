@@ -11,14 +11,15 @@
 struct SecFilePlace {
   std::string store;        ///< the store file
   std::string keyFolder;    ///< where key files are, each named by the id of its store
-  bool ownsFolder = false;  ///< whether the store's folder is made, and kept private, by the store
+  bool ownsFolder = false;  ///< whether the store makes its folder and insists that it is private
 };
 
-/// The user's own store: VXFoundation/credentials.store in $XDG_DATA_HOME or ~/.local/share, its key in
-/// VXFoundation/keys in $XDG_CONFIG_HOME or ~/.config. Variables that hold no absolute path count as not
-/// set; without any, and without HOME, the answer is errSecNotAvailable. Nothing is made or read on the disk.
+/// Sets `place` to the user's own store: VXFoundation/credentials.store in $XDG_DATA_HOME or ~/.local/share,
+/// its key in VXFoundation/keys in $XDG_CONFIG_HOME or ~/.config. A variable that does not hold an absolute
+/// path counts as unset. Returns errSecNotAvailable if HOME is needed in place of another variable and is
+/// unset too. Nothing is made or read on the disk.
 NS_EXPORT OSStatus secDefaultFilePlace(SecFilePlace& place);
 
-/// A store file of the host's choice, in a folder that is there; its key is kept where the default store's
-/// is. An empty path is errSecParam.
+/// Sets `place` to a store file of the host's choice, in an existing folder; its key is kept where the
+/// default store's key is. Returns errSecParam for an empty path.
 NS_EXPORT OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place);

@@ -5,5 +5,5 @@
 /// What opens a store file. The numbers are kept in stores and never change.
 enum class SecFileProtection : std::uint8_t {
   keyFile = 1,     ///< a file in the key folder
-  passphrase = 2,  ///< what a person knows
+  passphrase = 2,  ///< a secret that a person knows
 };

@@ -12,7 +12,7 @@ class SecFileStorage::Implementation {
  public:
   Implementation(std::string path, std::string keyFolder) : session_(std::move(path), std::move(keyFolder)) {}
 
-  /// Runs `action` with the session to itself.
+  /// Runs `action` with exclusive use of the session.
   template <class Action>
   OSStatus alone(Action&& action) {
     const std::lock_guard lock(mutex_);
@@ -28,7 +28,7 @@ class SecFileStorage::Implementation {
 
 namespace {
 
-/// Splits a path into a folder without links and the name in it.
+/// Returns the store's path with links in its folder resolved. Makes a missing folder if the place allows it.
 std::string resolve(const SecFilePlace& place, SecFileStorage::Missing missing) {
   const std::size_t slash = place.store.rfind('/');
   const std::string folder = slash == place.store.npos ? "." : place.store.substr(0, slash + 1);
@@ -48,7 +48,7 @@ std::string describe(const SecFileInfo& info) {
   return (byKeyFile ? "key file " + info.keyFile : "passphrase") + (info.locked ? ", locked" : ", unlocked");
 }
 
-/// Runs `action` for a part of a damaged store; true unless that part is damaged.
+/// Runs `action` on a part of a damaged store and returns whether that part is intact.
 template <class Action>
 bool holds(Action&& action) {
   const OSStatus status = secStatusOf(action);

@@ -10,11 +10,11 @@ constexpr std::size_t arenaSize = std::size_t{64} << 10;
 constexpr std::size_t arenaBlock = 32;
 constexpr std::size_t largestInArena = 1024;
 
-/// One arena serves the process; a host that has set it up first keeps its own.
-bool arenaIsThere() {
-  static const bool there =
+/// A process has one arena; if the host has set it up first, that one is used.
+bool hasArena() {
+  static const bool available =
       CRYPTO_secure_malloc_initialized() == 1 || CRYPTO_secure_malloc_init(arenaSize, arenaBlock) != 0;
-  return there;
+  return available;
 }
 
 std::size_t wholePages(std::size_t size) {
@@ -35,7 +35,7 @@ void* map(std::size_t size) {
 }  // namespace
 
 void* secAllocate(std::size_t size) {
-  if (size <= largestInArena && arenaIsThere())
+  if (size <= largestInArena && hasArena())
     if (void* const memory = OPENSSL_secure_malloc(size)) return memory;
   return map(wholePages(size));
 }

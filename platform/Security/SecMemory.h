@@ -7,20 +7,20 @@
 #include <memory>
 #include <new>
 
-/// Memory for secrets: left out of core dumps and locked against swapping where the system allows it.
-/// Never null for a size above 0; throws std::bad_alloc. Safe from any thread.
+/// Allocates memory for secrets, excluded from core dumps and locked against swapping where the system allows
+/// it. Never returns null for a size above 0; throws std::bad_alloc. Safe from any thread.
 NS_EXPORT void* secAllocate(std::size_t size);
 
-/// Overwrites and gives back what secAllocate gave for the same size; null is nothing.
+/// Overwrites and frees memory that secAllocate returned for the same size. Does nothing for null.
 NS_EXPORT void secFree(void* memory, std::size_t size) noexcept;
 
-/// Overwrites memory in a way that no compiler leaves out.
+/// Overwrites memory in a way that no compiler optimises away.
 NS_EXPORT void secCleanse(void* memory, std::size_t size) noexcept;
 
-/// Containers of secrets keep them in memory from secAllocate.
+/// The allocator of containers that hold secrets; it takes memory from secAllocate.
 template <class Value>
 struct SecSecretAllocator {
-  /// What the standard library asks of an allocator.
+  /// What the standard library requires of an allocator.
   ///@{
   using value_type = Value;
 
@@ -38,16 +38,17 @@ struct SecSecretAllocator {
   ///@}
 };
 
-/// Containers of what should not linger, such as names of accounts: ordinary memory, overwritten when freed.
+/// The allocator of containers whose content should not linger, such as account names: ordinary memory,
+/// overwritten when it is freed.
 template <class Value>
 struct SecCleansingAllocator : std::allocator<Value> {
-  /// What the standard library asks of an allocator.
+  /// What the standard library requires of an allocator.
   ///@{
   using value_type = Value;
   /// The allocator of another type.
   template <class Other>
   struct rebind {
-    using other = SecCleansingAllocator<Other>;  ///< as it is asked for
+    using other = SecCleansingAllocator<Other>;  ///< that allocator
   };
 
   SecCleansingAllocator() = default;

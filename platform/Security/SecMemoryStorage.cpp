@@ -7,7 +7,7 @@
 #include <Security/Items/SecIdentity.h>
 #include <Security/SecFailure.h>
 
-/// Keeps what each change displaced, and puts it back at the end unless the changes are kept.
+/// Remembers what each change displaced, and puts it back at the end unless the changes are kept.
 class SecMemoryStorage::Transaction final : public SecTransaction {
  public:
   Transaction(SecMemoryStorage& storage, Access access) : storage_(storage), access_(access) {}

@@ -7,7 +7,7 @@
 
 #include <Security/SecStorage.h>
 
-/// Entries that end with the process, for tests and throw-away hosts. Safe from any thread.
+/// A storage whose entries end with the process, for tests and throw-away hosts. Safe from any thread.
 class NS_EXPORT SecMemoryStorage final : public SecStorage {
  public:
   OSStatus transact(Access access, const Work& work) override;

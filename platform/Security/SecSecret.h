@@ -7,8 +7,8 @@
 
 #include <Security/SecMemory.h>
 
-/// Bytes that nobody else may read: overwritten when they are let go of, kept out of core dumps and locked
-/// in memory where the system allows it, moved rather than copied.
+/// Bytes that nobody else may read: overwritten when they are freed, kept out of core dumps and locked in
+/// memory where the system allows it, moved rather than copied.
 /// Not thread-safe; each belongs to one owner at a time.
 class SecSecret {
  public:
@@ -17,9 +17,9 @@ class SecSecret {
   SecSecret() = default;
   explicit SecSecret(std::span<const std::byte> bytes) : bytes_(bytes.begin(), bytes.end()) {}
   ///@}
-  /// `size` bytes of zero, to be written to.
+  /// `size` zero bytes, to be overwritten.
   explicit SecSecret(std::size_t size) : bytes_(size) {}
-  /// Takes the bytes over, and leaves none behind.
+  /// Takes over the other's bytes and leaves it empty.
   ///@{
   SecSecret(SecSecret&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
   SecSecret& operator=(SecSecret&& other) noexcept {
@@ -30,12 +30,12 @@ class SecSecret {
   SecSecret(const SecSecret&) = delete;
   SecSecret& operator=(const SecSecret&) = delete;
 
-  /// The bytes in place, until the secret is assigned to, moved from or let go of.
+  /// The bytes in place, valid until the secret is assigned to, moved from or destroyed.
   ///@{
   std::span<const std::byte> bytes() const { return bytes_; }
   std::span<std::byte> writableBytes() { return bytes_; }
   ///@}
-  /// A copy, which has to be asked for.
+  /// Returns a copy; copying is never implicit.
   SecSecret clone() const { return SecSecret(bytes()); }
 
  private:

@@ -43,5 +43,5 @@ const char* secStatusMessage(OSStatus status) noexcept {
     case errSecDecode:
       return "The credential store is damaged; it was left as it is.";
   }
-  return "The credential store gave a status that has no message.";
+  return "The credential store returned a status that has no message.";
 }

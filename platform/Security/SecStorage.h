@@ -10,26 +10,26 @@
 
 #include <Security/SecEntry.h>
 
-/// One row of a storage: an entry, and the number by which the storage knows it. An older entry has the
-/// smaller number.
+/// One row of a storage: an entry, and the number by which the storage knows it. An older entry has a smaller
+/// number.
 struct SecRow {
-  std::int64_t number = 0;  ///< the same for as long as the row is there
-  SecEntry entry;           ///< a copy, with the secret
+  std::int64_t number = 0;  ///< unchanged for as long as the row exists
+  SecEntry entry;           ///< a copy, including the secret
 };
 
-/// The operations of one transaction. Each throws SecFailure when it fails, and must be let through: the
+/// The operations of one transaction. Each fails by throwing SecFailure, which the caller must let pass: the
 /// transaction then ends without a change.
 class NS_EXPORT SecTransaction {
  public:
   virtual ~SecTransaction() = default;
 
-  /// Passes `visit` the rows that `query` matches (secMatches), oldest first, until it returns false. No row
-  /// is ever left out silently: a storage that cannot be sure fails with errSecDecode.
+  /// Passes `visit` the rows that `query` matches (secMatches), oldest first, until `visit` returns false. No
+  /// row is ever left out silently: a storage that cannot be sure fails with errSecDecode.
   virtual void find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
 
-  /// Adds a row, replaces one or removes one; the number is one that `find` gave in this transaction. Fails
-  /// with errSecDuplicateItem where two rows would have one identity (secIdentity), and with errSecReadOnly
-  /// in a transaction that only reads.
+  /// Adds a row, replaces one or removes one; the number is one that `find` reported in this transaction.
+  /// Fails with errSecDuplicateItem if two rows would have the same identity (secIdentity), and with
+  /// errSecReadOnly in a transaction that only reads.
   ///@{
   virtual void insert(const SecEntry& entry) = 0;
   virtual void replace(std::int64_t number, const SecEntry& entry) = 0;
@@ -37,31 +37,32 @@ class NS_EXPORT SecTransaction {
   ///@}
 };
 
-/// What a person wants to know of a storage.
+/// A description of a storage, for people.
 struct SecStorageInfo {
   std::string place;        ///< "memory", or the path of a file
   std::string protection;   ///< in a few English words
-  std::size_t entries = 0;  ///< how many there are
+  std::size_t entries = 0;  ///< how many entries there are
 };
 
-/// A place where entries are kept. Safe from any thread: transactions follow one another.
+/// A place where entries are kept. Safe from any thread: transactions run one after another.
 class NS_EXPORT SecStorage {
  public:
   /// What a transaction is for.
   enum class Access {
-    read,    ///< looking only: a change is errSecReadOnly
-    change,  ///< looking and changing
+    read,    ///< only reading: a change fails with errSecReadOnly
+    change,  ///< reading and changing
   };
-  /// The steps of a transaction. They start no other transaction in the same storage and keep no reference to
-  /// this one; to give up, they throw SecFailure.
+  /// The steps of a transaction. They must not start another transaction in the same storage, nor keep a
+  /// reference to this one; to give up, they throw SecFailure.
   using Work = std::function<void(SecTransaction&)>;
 
   virtual ~SecStorage() = default;
 
-  /// Runs `work` as one transaction, which is kept exactly when `work` returns. Returns errSecSuccess, the
-  /// status of the failure that `work` threw, or why the transaction could not be begun or kept.
+  /// Runs `work` as one transaction: committed when `work` returns, rolled back when it throws. Returns
+  /// errSecSuccess, the status of the failure that `work` threw, or the reason why the transaction could not
+  /// be begun or committed.
   virtual OSStatus transact(Access access, const Work& work) = 0;
 
-  /// Describes this storage; after a status other than errSecSuccess `info` is filled in only in part.
+  /// Describes this storage. After a status other than errSecSuccess, `info` may be incomplete.
   virtual OSStatus copyInfo(SecStorageInfo& info) = 0;
 };

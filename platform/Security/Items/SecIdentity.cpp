@@ -8,7 +8,7 @@ bool agrees(const std::optional<Value>& wanted, const std::optional<Value>& held
 }
 
 template <class Value>
-bool agreesWithNone(const std::optional<Value>& wanted, const std::optional<Value>& held) {
+bool agreesOrDefault(const std::optional<Value>& wanted, const std::optional<Value>& held) {
   return !wanted || *wanted == held.value_or(Value());
 }
 
@@ -26,6 +26,6 @@ SecAttributes secIdentity(const SecAttributes& attributes) {
 bool secMatches(const SecAttributes& query, const SecAttributes& entry) {
   return query.itemClass == entry.itemClass && agrees(query.account, entry.account) &&
          agrees(query.service, entry.service) && agrees(query.server, entry.server) &&
-         agreesWithNone(query.path, entry.path) && agreesWithNone(query.port, entry.port) &&
+         agreesOrDefault(query.path, entry.path) && agreesOrDefault(query.port, entry.port) &&
          agrees(query.protocol, entry.protocol);
 }

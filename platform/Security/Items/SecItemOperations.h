@@ -5,26 +5,28 @@
 #include <Security/SecEntry.h>
 #include <Security/SecStorage.h>
 
-/// What the four operations mean, the same for every storage: when two entries are the same one, which entry
-/// a query stands for, what a change leaves alone. Each runs within a transaction and throws SecFailure,
-/// which ends it without a change. Nothing is kept here.
+/// @file
+/// The four operations, the same for every storage: which entry a query stands for, what a change leaves
+/// alone. SecIdentity.h says when two entries are the same. Each operation runs within a transaction and
+/// fails by throwing SecFailure, which ends the transaction without a change. No state is kept here.
 
-/// Attributes to change, and the secret if it is to change; what is missing stays as it is.
+/// The attributes to change, and the secret if it is to change; whatever has no value stays as it is.
 struct SecChanges {
   SecAttributes attributes;
   std::optional<SecSecret> secret;
 };
 
-/// Adds `entry`: errSecDuplicateItem when there is one of its identity, errSecDataTooLarge when its secret is
-/// larger than 16 MiB.
+/// Adds `entry`. Fails with errSecDuplicateItem if there is an entry of the same identity, and with
+/// errSecDataTooLarge if its secret is larger than 16 MiB.
 void secAdd(SecTransaction& transaction, const SecEntry& entry);
 
-/// The oldest entry that `query` matches: errSecItemNotFound when none does.
+/// Returns the oldest entry that `query` matches. Fails with errSecItemNotFound if it matches none.
 SecEntry secCopyMatching(SecTransaction& transaction, const SecAttributes& query);
 
-/// Changes the oldest entry that `query` matches: errSecItemNotFound when none does, errSecDuplicateItem when
-/// two entries would become one, errSecDataTooLarge as for adding, errSecParam for a change of its class.
+/// Changes the oldest entry that `query` matches. Fails with errSecItemNotFound if it matches none, with
+/// errSecDuplicateItem if two entries would become the same, with errSecDataTooLarge as secAdd does, and with
+/// errSecParam if the class would change.
 void secUpdate(SecTransaction& transaction, const SecAttributes& query, const SecChanges& changes);
 
-/// Removes every entry that `query` matches: errSecItemNotFound when none does.
+/// Removes every entry that `query` matches. Fails with errSecItemNotFound if it matches none.
 void secDelete(SecTransaction& transaction, const SecAttributes& query);

@@ -26,8 +26,8 @@ const TextAttribute textAttributes[] = {
     {kSecAttrProtocol, &SecAttributes::protocol, internet},
 };
 
-SecText textOf(const NSString& text) {
-  return text.visit([](auto units) { return SecText(units.begin(), units.end()); });
+SecText textOf(const NSString& string) {
+  return string.visit([](auto units) { return SecText(units.begin(), units.end()); });
 }
 
 std::optional<SecItemClass> classNamed(const NSString& name) {
@@ -36,25 +36,25 @@ std::optional<SecItemClass> classNamed(const NSString& name) {
   return std::nullopt;
 }
 
-/// Asks a map for each attribute there is, and counts, so that a key nobody asked for is noticed.
+/// Looks up each known attribute in a dictionary and counts those found, so that an unknown key is noticed.
 class Reader {
  public:
-  explicit Reader(const NSDictionary& map) : map_(map) {}
+  explicit Reader(const NSDictionary& dictionary) : dictionary_(dictionary) {}
 
-  /// The value of a key, absent when there is none or one of another kind.
+  /// Returns the value of a key, or nil if the key is missing or its value is of another class.
   template <class Kind>
   NSRefPtr<Kind> value(const NSRef<NSString>& key) {
-    const NSRefPtr<NSObject> object = map_.objectForKey(key);
+    const NSRefPtr<NSObject> object = dictionary_.objectForKey(key);
     if (!object) return nullptr;
     const NSRefPtr<Kind> value = NSDynamicCast<Kind>(object);
     if (value) ++read_;
     return value;
   }
 
-  bool hasReadAll() const { return read_ == map_.count(); }
+  bool hasReadAll() const { return read_ == dictionary_.count(); }
 
  private:
-  const NSDictionary& map_;
+  const NSDictionary& dictionary_;
   std::size_t read_ = 0;
 };
 
@@ -77,21 +77,21 @@ bool readFlag(Reader& reader, const NSRef<NSString>& key) {
   return flag && flag->boolValue();
 }
 
-void addAttributes(const SecAttributes& attributes, NSMutableDictionary& map) {
-  map.setObject(attributes.itemClass == generic ? kSecClassGenericPassword : kSecClassInternetPassword,
-                kSecClass);
+void addAttributes(const SecAttributes& attributes, NSMutableDictionary& dictionary) {
+  dictionary.setObject(attributes.itemClass == generic ? kSecClassGenericPassword : kSecClassInternetPassword,
+                       kSecClass);
   for (const TextAttribute& attribute : textAttributes) {
     const auto& text = attributes.*attribute.value;
-    if (text) map.setObject(NSString::stringWithCharacters(*text), attribute.key);
+    if (text) dictionary.setObject(NSString::stringWithCharacters(*text), attribute.key);
   }
-  if (attributes.port) map.setObject(NSNumber::numberWithInteger(*attributes.port), kSecAttrPort);
+  if (attributes.port) dictionary.setObject(NSNumber::numberWithInteger(*attributes.port), kSecAttrPort);
 }
 
 }  // namespace
 
-SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& map, std::optional<SecItemClass> implied) {
-  secRequire(bool(map), errSecParam);
-  Reader reader(*map);
+SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& dictionary, std::optional<SecItemClass> implied) {
+  secRequire(bool(dictionary), errSecParam);
+  Reader reader(*dictionary);
   const auto itemClass = readClass(reader, implied);
   secRequire(itemClass.has_value(), errSecParam);
   SecItemRequest request;

@@ -6,7 +6,7 @@
 
 #include <Security/SecEntry.h>
 
-/// An attribute map, read: what it names, and what the result should hold.
+/// The content of an attribute dictionary: what it names, and what the result should contain.
 struct SecItemRequest {
   SecAttributes attributes;
   std::optional<SecSecret> secret;
@@ -14,11 +14,11 @@ struct SecItemRequest {
   bool returnData = false;
 };
 
-/// Reads an attribute map. One without a class is of the class `implied`, if that is given. Fails with
-/// errSecParam for nil, and for a map without a class, with an unknown key, with a value of a wrong kind or
-/// with an attribute of the other class.
-SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& map,
+/// Reads an attribute dictionary. One without a class is of the class `implied`, if that is given. Fails with
+/// errSecParam for nil, and for a dictionary without a class, with an unknown key, with a value of the wrong
+/// type or with an attribute of the other class.
+SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& dictionary,
                               std::optional<SecItemClass> implied = std::nullopt);
 
-/// A new map of the entry's attributes, of its secret, or both; nil when neither is wanted.
+/// Returns a new dictionary of the entry's attributes, its secret, or both; nil if neither is wanted.
 NSRefPtr<NSDictionary> secMakeResponse(const SecEntry& entry, bool withAttributes, bool withData);
