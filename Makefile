@@ -1,8 +1,8 @@
-# The front door: each target is one command, and what it does is in its script.
+# The entry point: each target is one command, and the script of its name does the work.
 .PHONY: demo check format bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
 
 PRESET = release
-# What CTest is to pick or leave out, say ARGS="-R Base64".
+# Options for CTest, such as ARGS="-R Base64".
 ARGS =
 
 demo:
@@ -11,7 +11,7 @@ demo:
 check:
 	scripts/check $(PRESET) $(ARGS)
 
-# ARGS=--check changes nothing and fails where a file differs.
+# ARGS=--check changes nothing and fails if a file differs.
 format:
 	scripts/format $(ARGS)
 
@@ -34,7 +34,7 @@ check-arm64:
 faults:
 	scripts/faults
 
-# Seconds a target: FUZZ_SECONDS=600 make fuzz
+# FUZZ_SECONDS is the time for each target: FUZZ_SECONDS=600 make fuzz
 fuzz:
 	scripts/fuzz
 

@@ -1,11 +1,12 @@
-# The framework bundle: the library file, its headers and its resources in one directory, found at run
-# time beside the loaded library. The build tree and the installed tree have the same layout:
+# The framework bundle: the library file, its headers and its resources in one directory. The resources are
+# found at run time relative to the loaded library. The build tree and the installed tree have the same
+# layout:
 #
 #   VXFoundation.framework/Versions/A/{VXFoundation,Headers,Resources}
 #   VXFoundation.framework/Versions/Current -> A
 #   VXFoundation.framework/{VXFoundation,Headers,Resources} -> Versions/Current/...
 #
-# For the ordinary linker and loader, libVXFoundation.so and libVXFoundation.so.MAJOR lead to the file.
+# For the ordinary linker and loader, libVXFoundation.so and libVXFoundation.so.MAJOR are links to the file.
 include(CMakePackageConfigHelpers)
 
 set(framework VXFoundation.framework)
@@ -17,13 +18,14 @@ set(soname "libVXFoundation.so.${PROJECT_VERSION_MAJOR}")
 set_target_properties(VXFoundation PROPERTIES
   PREFIX "" SUFFIX "" OUTPUT_NAME VXFoundation NO_SONAME ON
   LIBRARY_OUTPUT_DIRECTORY "${built_bundle}")
-# Functions bind within the library, whatever a host defines. Constants and tables of virtual functions stay
-# shared with the host, which a program that is not position-independent needs: their prefixes keep them apart.
+# Calls of functions bind within the library, whatever a host defines. Constants and tables of virtual
+# functions stay shared with the host, since a program that is not position-independent uses copies of them;
+# their prefixes prevent conflicts.
 target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}" "LINKER:-Bsymbolic-functions")
-if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")  # whose run time comes with the program
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")  # whose runtime comes with the program
   target_link_options(VXFoundation PRIVATE "LINKER:--no-undefined")
 endif()
-# CMake takes the folder of a framework, not the bundle inside it, for the one where the loader looks.
+# CMake makes the loader look in the folder that holds the framework, not in the bundle inside it.
 file(CREATE_LINK "${bundle}/VXFoundation" "${PROJECT_BINARY_DIR}/${soname}" SYMBOLIC)
 
 file(GLOB_RECURSE resources CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" "Resources/*")
@@ -43,7 +45,8 @@ install(TARGETS VXFoundation
   FILE_SET generated_headers DESTINATION "${installed_bundle}/Headers")
 install(DIRECTORY "${built_bundle}/Resources" DESTINATION "${installed_bundle}")
 
-# install_link(LINK TARGET): a symbolic link, both given relative to the library directory and the link.
+# install_link(LINK TARGET): installs a symbolic link. LINK is relative to the library directory, TARGET to
+# the link.
 set(links "${CMAKE_CURRENT_BINARY_DIR}/links")
 function(install_link link target)
   cmake_path(GET link PARENT_PATH directory)
@@ -59,7 +62,8 @@ endforeach()
 install_link(${soname} ${bundle}/VXFoundation)
 install_link(libVXFoundation.so ${soname})
 
-# What other builds find: a CMake package and a pkg-config file, both relative to where they lie.
+# What other builds find: a CMake package and a pkg-config file, whose paths are relative to the files
+# themselves.
 set(installed_package "${CMAKE_INSTALL_LIBDIR}/cmake/VXFoundation")
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/VXFoundationConfig.cmake.in" VXFoundationConfig.cmake

@@ -1,5 +1,5 @@
-# Cross-building for 64-bit ARM on Debian: its cross compiler, its arm64 libraries beside the native ones,
-# and an emulator for what must run.
+# Cross-building for 64-bit ARM on Debian: its cross compiler, its arm64 libraries next to the native ones,
+# and an emulator to run the programs.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
