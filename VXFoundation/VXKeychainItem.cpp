@@ -91,6 +91,15 @@ void setIfNotNil(NSMutableDictionary& dictionary, NSObjectArg value, const NSRef
   if (value) dictionary.setObject(value, key);
 }
 
+/// A request that finds the entry of a response and no other.
+NSRef<NSDictionary> exactRequest(const NSDictionary& response) {
+  const NSRef<NSMutableDictionary> request = response.mutableCopy();
+  request->removeObjectForKey(kSecAttrLabel);
+  request->removeObjectForKey(kSecValueData);
+  request->setObject(NSNumber::numberWithBool(true), kSecMatchExactly);
+  return request;
+}
+
 NSRefPtr<NSData> secretFromPassword(NSStringArg password) {
   if (!password) return nullptr;
   const NSRefPtr<NSData> secret = password.borrow()->dataUsingEncoding(NSUTF8StringEncoding);
@@ -190,6 +199,28 @@ bool VXKeychainItem::deleteItemFromKeychain(NSRefPtr<NSError>* error) {
   const OSStatus status = SecItemDelete(attributes);
   const bool deleted = _VXKeychainItemCheckStatus(status, error);
   return deleted || status == errSecItemNotFound;
+}
+
+NSRefPtr<NSArray> VXKeychainItem::itemsMatching(const NSRef<NSMutableDictionary>& query, bool includeData,
+                                                NSFunctionRef<NSRefPtr<VXKeychainItem>()> makeItem,
+                                                NSRefPtr<NSError>* error) {
+  const NSRef<NSNumber> yes = NSNumber::numberWithBool(true);
+  query->setObject(kSecMatchLimitAll, kSecMatchLimit);
+  query->setObject(yes, kSecReturnAttributes);
+  if (includeData) query->setObject(yes, kSecReturnData);
+  NSRefPtr<NSArray> responses;
+  const OSStatus status = SecItemCopyMatching(query, &responses);
+  if (status == errSecItemNotFound) return NSArray::array();
+  if (!_VXKeychainItemCheckStatus(status, error)) return nullptr;
+  const NSRef<NSMutableArray> items = NSMutableArray::arrayWithCapacity(responses->count());
+  for (const NSRef<NSObject> each : *responses) {
+    const NSRef<NSDictionary> response = NSDynamicCast<NSDictionary>(each);
+    const NSRef<VXKeychainItem> item = makeItem();
+    item->setKeychainItemRequest(exactRequest(*response));
+    item->populateKeychainItemWithKeychainResponse(response);
+    items->addObject(item);
+  }
+  return items;
 }
 
 void VXKeychainItem::setLabel(NSStringArg label) { label_ = immutableCopy(label); }

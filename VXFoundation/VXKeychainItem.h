@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <utility>
 
+#include <Foundation/NSArray.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>
+#include <Foundation/NSFunctionRef.h>
 #include <Foundation/NSString.h>
 
 /// @file
@@ -71,6 +73,13 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
   }
   ///@}
 
+ protected:
+  /// What the class operations that return several items share: one item from `makeItem` for each entry that
+  /// matches the query, which is changed. Nil after an error.
+  static NSRefPtr<NSArray> itemsMatching(const NSRef<NSMutableDictionary>& query, bool includeData,
+                                         NSFunctionRef<NSRefPtr<VXKeychainItem>()> makeItem,
+                                         NSRefPtr<NSError>* error);
+
  private:
   NSRefPtr<NSMutableDictionary> validAttributes(NSRefPtr<NSError>* error) const;
 
@@ -123,6 +132,13 @@ class [[gnu::visibility("default")]] VXGenericKeychainItemLayer : public NSObjec
   /// not accessed.
   static NSRef<VXGenericKeychainItem> findKeychainItemForUsername(NSStringArg username,
                                                                   NSStringArg serviceName);
+  /// Returns all items of the receiving class whose account and service are these, any where one is nil: the
+  /// one of exactly this identity first, then the oldest. Each has its response and a request that finds its
+  /// entry and no other. Empty where there are none; nil, with the error, where the store fails. Passwords
+  /// are read only where asked for, and an item whose secret is not UTF-8 is in the array all the same.
+  static NSRefPtr<NSArray> findAllKeychainItemsForUsername(NSStringArg username, NSStringArg serviceName,
+                                                           bool includePassword = false,
+                                                           NSRefPtr<NSError>* error = nullptr);
 };
 
 /// A password for an account of a service.
@@ -198,6 +214,13 @@ class [[gnu::visibility("default")]] VXInternetKeychainItemLayer : public NSObje
   /// invalid-argument exception for an unknown protocol.
   static NSRef<Self> findKeychainItemForUsername(NSStringArg username, NSStringArg server, NSStringArg path,
                                                  std::int64_t port, VXInternetKeychainItemProtocol protocol);
+  /// Returns all items of the receiving class whose fields are these, any where one is nil, the port 0 or the
+  /// protocol none; otherwise as VXGenericKeychainItem's. Raises the invalid-argument exception for a value
+  /// that is not a protocol.
+  static NSRefPtr<NSArray> findAllKeychainItemsForUsername(
+      NSStringArg username, NSStringArg server, NSStringArg path = nullptr, std::int64_t port = 0,
+      VXInternetKeychainItemProtocol protocol = VXInternetKeychainItemProtocolNone,
+      bool includePassword = false, NSRefPtr<NSError>* error = nullptr);
 };
 
 /// A password for an account on a server.
@@ -299,4 +322,21 @@ NSRef<Self> VXInternetKeychainItemLayer<Self, Base>::findKeychainItemForUsername
   const NSRef<Self> item = Self::alloc();
   item->setKeychainItemRequest(Self::queryDictionaryWithUsername(username, server, path, port, protocol));
   return item;
+}
+
+template <class Self, class Base>
+NSRefPtr<NSArray> VXGenericKeychainItemLayer<Self, Base>::findAllKeychainItemsForUsername(
+    NSStringArg username, NSStringArg serviceName, bool includePassword, NSRefPtr<NSError>* error) {
+  return VXKeychainItem::itemsMatching(
+      Self::queryDictionaryWithUsername(username, serviceName), includePassword,
+      [] { return NSRefPtr<VXKeychainItem>(Self::alloc()); }, error);
+}
+
+template <class Self, class Base>
+NSRefPtr<NSArray> VXInternetKeychainItemLayer<Self, Base>::findAllKeychainItemsForUsername(
+    NSStringArg username, NSStringArg server, NSStringArg path, std::int64_t port,
+    VXInternetKeychainItemProtocol protocol, bool includePassword, NSRefPtr<NSError>* error) {
+  return VXKeychainItem::itemsMatching(
+      Self::queryDictionaryWithUsername(username, server, path, port, protocol), includePassword,
+      [] { return NSRefPtr<VXKeychainItem>(Self::alloc()); }, error);
 }

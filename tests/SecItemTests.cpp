@@ -2,6 +2,47 @@
 
 using SecItemTest = KeychainTest;
 
+namespace {
+
+/// Hands everything on to a store in memory, and counts the secrets that it gives away.
+class CountingStorage : public SecStorage {
+ public:
+  OSStatus transact(Access access, const Work& work) override {
+    return memory_.transact(access, [&](SecTransaction& transaction) {
+      Counting counting(transaction, secretsRead);
+      work(counting);
+    });
+  }
+  OSStatus copyInfo(SecStorageInfo& info) override { return memory_.copyInfo(info); }
+
+  int secretsRead = 0;
+
+ private:
+  struct Counting : SecTransaction {
+    Counting(SecTransaction& counted, int& count) : transaction(counted), secretsRead(count) {}
+    void find(const SecQuery& query, SecSecrets secrets, const std::function<bool(SecRow)>& visit) override {
+      transaction.find(query, secrets, [&](SecRow row) {
+        if (secrets == SecSecrets::read) ++secretsRead;
+        EXPECT_EQ(row.entry.secret.bytes().empty(), secrets == SecSecrets::skip);
+        return visit(std::move(row));
+      });
+    }
+    void insert(const SecEntry& entry) override { transaction.insert(entry); }
+    void replace(std::int64_t number, const SecAttributes& attributes,
+                 const std::optional<SecSecret>& secret) override {
+      transaction.replace(number, attributes, secret);
+    }
+    void remove(std::int64_t number) override { transaction.remove(number); }
+
+    SecTransaction& transaction;
+    int& secretsRead;
+  };
+
+  SecMemoryStorage memory_;
+};
+
+}  // namespace
+
 TEST(SecMemoryStorage, Conforms) {
   SecStorageConformance::expect([] { return std::make_shared<SecMemoryStorage>(); });
 }
@@ -48,4 +89,27 @@ TEST_F(SecItemTest, TheDefaultStoreIsTheOneThatWasChosen) {
     EXPECT_EQ(chosen->copyInfo(info), errSecSuccess);
     EXPECT_EQ(info.entries, 1u);
   }
+}
+
+TEST_F(SecItemTest, SecretsAreReadOnlyWhereTheyAreAskedFor) {
+  const auto storage = std::make_shared<CountingStorage>();
+  secSetDefaultStorage(storage);
+  const auto secretsReadBy = [&](OSStatus status) {
+    EXPECT_TRUE(status == errSecSuccess || status == errSecDuplicateItem) << status;
+    return std::exchange(storage->secretsRead, 0);
+  };
+  const auto all = writtenMap("class=generic");
+  for (const char* account : {"ann", "bob", "cat"}) {
+    const auto entry = writtenMap(std::string("class=generic valueData=secret account=") + account);
+    EXPECT_EQ(secretsReadBy(SecItemAdd(entry)), 0);
+    EXPECT_EQ(secretsReadBy(SecItemAdd(entry)), 0);
+  }
+  EXPECT_EQ(secretsReadBy(SecItemCopyMatching(writtenMap("class=generic matchLimit=all returnAttributes=1"))),
+            0);
+  EXPECT_EQ(secretsReadBy(SecItemCopyMatching(writtenMap("class=generic matchLimit=2 returnData=1"))), 2);
+  EXPECT_EQ(secretsReadBy(SecItemCopyMatching(writtenMap("class=generic returnData=1"))), 1);
+  EXPECT_EQ(secretsReadBy(SecItemUpdate(all, writtenMap("label=L"))), 0);
+  EXPECT_EQ(secretsReadBy(SecItemUpdate(all, writtenMap("class=generic valueData=new account=ann"))), 0);
+  EXPECT_TRUE(VXGenericKeychainItem::findAllKeychainItemsForUsername(nullptr, nullptr));
+  EXPECT_EQ(secretsReadBy(SecItemDelete(all)), 0);
 }

@@ -19,6 +19,14 @@ class Fields {
     return made;
   }
 
+  NSRefPtr<NSArray> all(bool includePassword, NSRefPtr<NSError>* error) const {
+    if (isGeneric())
+      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account(), service(), includePassword,
+                                                                    error);
+    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account(), server(), path(), port(),
+                                                                   protocol(), includePassword, error);
+  }
+
   NSRef<VXPasswordKeychainItem> finder() const {
     if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
     return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
@@ -155,12 +163,27 @@ class VXKeychainItemTest : public KeychainTest {
       items_.insert_or_assign(name, Fields(detail).item());
     else if (operation == "find")
       items_.insert_or_assign(name, Fields(detail).finder());
+    else if (operation.starts_with("findAll"))
+      answer = findAll(name, Fields(detail), operation == "findAllWithPassword");
     else
       answer = answerOfItem(operation, *items_.at(name), detail);
     return answer;
   }
 
  private:
+  /// How many there are, or the platform's status.
+  std::string findAll(const std::string& name, const Fields& fields, bool includePassword) {
+    NSRefPtr<NSError> error;
+    const auto all = fields.all(includePassword, &error);
+    if (!all)
+      return std::to_string(
+          NSDynamicCast<NSError>(error->userInfo()->objectForKey(NSUnderlyingErrorKey))->code());
+    std::size_t number = 0;
+    for (const NSRef<NSObject> each : *all)
+      items_.insert_or_assign(name + std::to_string(++number), NSDynamicCast<VXPasswordKeychainItem>(each));
+    return std::to_string(all->count());
+  }
+
   std::string answerOfItem(const std::string& operation, VXPasswordKeychainItem& item,
                            const std::string& detail) {
     if (operation == "fields") return shown(item._createAttributesDictionary());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,6 +23,13 @@ class Contestant {
 
 /// The file store in a new folder below `folder`, opened once or for every operation.
 std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall);
+/// Two ways to look at every entry of a file store of `held`: reading its rows in a transaction, and listing
+/// them through SecItemCopyMatching, which makes an array of dictionaries. Each returns how many there are.
+struct Listing {
+  std::function<std::size_t()> rows;
+  std::function<std::size_t()> list;
+};
+Listing makeListing(const std::string& folder, std::size_t held);
 /// What SQLite takes at least for changes that last: the bound of a store on top of it.
 std::unique_ptr<Contestant> makeSQLiteAlone(const std::string& folder, bool openedPerCall);
 /// The desktop's store by libsecret's simple functions.

@@ -1,4 +1,8 @@
+#include <Foundation/NSArray.h>
+#include <Foundation/NSNumber.h>
+#include <Security/SecDefaultStorage.h>
 #include <Security/SecFileStorage.h>
+#include <Security/SecItem.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -51,14 +55,15 @@ class FileStore final : public Contestant {
       found = !row.entry.secret.bytes().empty();
       return false;
     };
-    run(SecStorage::Access::read,
-        [&](SecTransaction& store) { store.find(entryOf(account, "").attributes, take); });
+    run(SecStorage::Access::read, [&](SecTransaction& store) {
+      store.find({entryOf(account, "").attributes}, SecSecrets::read, take);
+    });
     return found;
   }
 
   void update(std::size_t account) override {
     changeFound(account, [&](SecTransaction& store, std::int64_t number) {
-      store.replace(number, entryOf(account, "new password"));
+      store.replace(number, entryOf(account, "").attributes, entryOf(account, "new password").secret.clone());
     });
   }
 
@@ -66,15 +71,19 @@ class FileStore final : public Contestant {
     changeFound(account, [](SecTransaction& store, std::int64_t number) { store.remove(number); });
   }
 
- private:
-  void open() {
-    const SecFilePlace place{folder_ + "/data/credentials.store", folder_ + "/keys", true};
-    require(SecFileStorage::open(place, SecFileStorage::Missing::make, storage_) == errSecSuccess);
-  }
+  std::shared_ptr<SecFileStorage> storage() { return storage_; }
 
   void run(SecStorage::Access access, const SecStorage::Work& work) {
     if (openedPerCall_) open();
     require(storage_->transact(access, work) == errSecSuccess);
+  }
+
+ private:
+  void open() {
+    const SecFilePlace place{folder_ + "/data/credentials.store", folder_ + "/keys", true};
+    std::unique_ptr<SecFileStorage> storage;
+    require(SecFileStorage::open(place, SecFileStorage::Missing::make, storage) == errSecSuccess);
+    storage_ = std::move(storage);
   }
 
   void change(const SecStorage::Work& work) { run(SecStorage::Access::change, work); }
@@ -83,7 +92,7 @@ class FileStore final : public Contestant {
   void changeFound(std::size_t account, Action action) {
     change([&](SecTransaction& store) {
       std::int64_t number = 0;
-      store.find(entryOf(account, "").attributes, [&](const SecRow& row) {
+      store.find({entryOf(account, "").attributes}, SecSecrets::skip, [&](const SecRow& row) {
         number = row.number;
         return false;
       });
@@ -93,11 +102,34 @@ class FileStore final : public Contestant {
 
   bool openedPerCall_;
   std::string folder_;
-  std::unique_ptr<SecFileStorage> storage_;
+  std::shared_ptr<SecFileStorage> storage_;
 };
 
 }  // namespace
 
 std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall) {
   return std::make_unique<FileStore>(folder, openedPerCall);
+}
+
+Listing makeListing(const std::string& folder, std::size_t held) {
+  const auto store = std::make_shared<FileStore>(folder, false);
+  store->fill(held);
+  const auto rows = [store] {
+    std::size_t count = 0;
+    store->run(SecStorage::Access::read, [&](SecTransaction& transaction) {
+      transaction.find({}, SecSecrets::skip, [&](const SecRow&) { return ++count > 0; });
+    });
+    return count;
+  };
+  const auto list = [store] {
+    secSetDefaultStorage(store->storage());
+    const auto query = NSMutableDictionary::dictionary();
+    query->setObject(kSecClassGenericPassword, kSecClass);
+    query->setObject(kSecMatchLimitAll, kSecMatchLimit);
+    query->setObject(NSNumber::numberWithBool(true), kSecReturnAttributes);
+    NSRefPtr<NSArray> entries;
+    require(SecItemCopyMatching(query, &entries) == errSecSuccess);
+    return entries->count();
+  };
+  return {rows, list};
 }

@@ -98,6 +98,19 @@ void compete(Contestant& contestant, std::size_t held, Journal& journal) {
   print(contestant, held, "miss", misses);
 }
 
+void list(const std::string& folder) {
+  constexpr std::size_t held = 10000;
+  const Listing listing = makeListing(folder, held);
+  Times rows, lists, ratios;
+  for (std::size_t round = 0; round < rounds; ++round) {
+    rows.push_back(timed([&] { requireAnswer(listing.rows() == held); }));
+    lists.push_back(timed([&] { requireAnswer(listing.list() == held); }));
+    ratios.push_back(lists.back() / rows.back());
+  }
+  std::printf("\nAll of %zu entries: rows %.3f ms, listed %.3f ms, %.2f times as long\n", held, median(rows),
+              median(lists), median(ratios));
+}
+
 void run(const std::string& folder, bool libsecret) {
   Journal journal(folder);
   std::printf("| store                       |   held | what    |      median | to append and sync |\n");
@@ -113,6 +126,7 @@ void run(const std::string& folder, bool libsecret) {
 #else
   if (libsecret) throw std::runtime_error("built without libsecret");
 #endif
+  list(folder);
 }
 
 }  // namespace

@@ -32,6 +32,14 @@ NS_EXPORT extern const NSRef<NSString> kSecReturnAttributes;
 NS_EXPORT extern const NSRef<NSString> kSecReturnData;
 ///@}
 
+/// The key of how many matches SecItemCopyMatching returns, as an array: a number from 1 on, or
+/// kSecMatchLimitAll. Without it, it returns one match, and no array.
+NS_EXPORT extern const NSRef<NSString> kSecMatchLimit;
+NS_EXPORT extern const NSRef<NSString> kSecMatchLimitAll;
+/// The key of a number that says whether the query's identity must be the entry's, so that a query without a
+/// port, path or protocol stands for the entry that has none.
+NS_EXPORT extern const NSRef<NSString> kSecMatchExactly;
+
 /// Values of kSecClass.
 ///@{
 NS_EXPORT extern const NSRef<NSString> kSecClassGenericPassword;

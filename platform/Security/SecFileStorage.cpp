@@ -129,6 +129,10 @@ OSStatus SecFileStorage::copyInfo(SecStorageInfo& info) {
   });
 }
 
+void SecFileStorage::setWaitLimit(std::chrono::milliseconds limit) {
+  static_cast<void>(implementation_->alone([&](SecFileSession& session) { session.setWaitLimit(limit); }));
+}
+
 OSStatus SecFileStorage::unlock() {
   return implementation_->alone([](SecFileSession& session) { session.unlockByKeyFile(); });
 }

@@ -31,9 +31,9 @@ struct SecFileInfo {
 /// Safe from any thread, and from any number of processes using one file. After a fork the child reopens the
 /// file; a fork while another thread is in a transaction is not supported.
 /// In addition to the statuses of each operation: errSecInteractionNotAllowed when locked, errSecBusy after
-/// five seconds of waiting for other processes, errSecDecode for damage (then also for every later change),
-/// errSecInvalidKeychain, errSecWrongSecVersion, errSecNotPrivate, errSecNoSuchKeychain when the file is
-/// gone, errSecReadOnly, errSecDiskFull, errSecIO.
+/// waiting for other processes (see setWaitLimit), errSecDecode for damage (then also for every later
+/// change), errSecInvalidKeychain, errSecWrongSecVersion, errSecNotPrivate, errSecNoSuchKeychain when the
+/// file is gone, errSecReadOnly, errSecDiskFull, errSecIO.
 class NS_EXPORT SecFileStorage final : public SecStorage {
  public:
   /// What opening does when the store does not exist.
@@ -52,6 +52,7 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
 
   OSStatus transact(Access access, const Work& work) override;
   OSStatus copyInfo(SecStorageInfo& info) override;
+  void setWaitLimit(std::chrono::milliseconds limit) override;
 
   /// Unlocks with the key file; errSecInteractionNotAllowed if the store has a passphrase.
   OSStatus unlock();

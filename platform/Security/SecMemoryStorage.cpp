@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include <Security/Items/SecIdentity.h>
 #include <Security/SecFailure.h>
+#include <Security/SecIdentity.h>
 
 /// Remembers what each change displaced, and puts it back at the end unless the changes are kept.
 class SecMemoryStorage::Transaction final : public SecTransaction {
@@ -14,9 +14,10 @@ class SecMemoryStorage::Transaction final : public SecTransaction {
   ~Transaction() override;
   void keep() { displaced_.clear(); }
 
-  void find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) override;
+  void find(const SecQuery& query, SecSecrets secrets, const std::function<bool(SecRow)>& visit) override;
   void insert(const SecEntry& entry) override;
-  void replace(std::int64_t number, const SecEntry& entry) override;
+  void replace(std::int64_t number, const SecAttributes& attributes,
+               const std::optional<SecSecret>& secret) override;
   void remove(std::int64_t number) override;
 
  private:
@@ -26,8 +27,8 @@ class SecMemoryStorage::Transaction final : public SecTransaction {
     Entries::node_type node;  // empty for a number that was free
   };
 
-  void put(std::int64_t number, const SecEntry* entry);
-  void requireUnique(std::int64_t number, const SecEntry& entry) const;
+  void put(std::int64_t number, std::optional<SecEntry> entry);
+  void requireUnique(std::int64_t number, const SecAttributes& attributes) const;
 
   SecMemoryStorage& storage_;
   Access access_;
@@ -41,34 +42,40 @@ SecMemoryStorage::Transaction::~Transaction() {
   }
 }
 
-void SecMemoryStorage::Transaction::find(const SecAttributes& query,
+void SecMemoryStorage::Transaction::find(const SecQuery& query, SecSecrets secrets,
                                          const std::function<bool(SecRow)>& visit) {
   for (const auto& [number, entry] : storage_.entries_) {
     if (!secMatches(query, entry.attributes)) continue;
-    if (!visit({number, {entry.attributes, entry.secret.clone()}})) break;
+    SecRow row{number, {entry.attributes, {}}};
+    if (secrets == SecSecrets::read) row.entry.secret = entry.secret.clone();
+    if (!visit(std::move(row))) break;
   }
 }
 
-void SecMemoryStorage::Transaction::insert(const SecEntry& entry) { put(++storage_.lastNumber_, &entry); }
-
-void SecMemoryStorage::Transaction::replace(std::int64_t number, const SecEntry& entry) {
-  put(number, &entry);
+void SecMemoryStorage::Transaction::insert(const SecEntry& entry) {
+  requireUnique(0, entry.attributes);
+  put(++storage_.lastNumber_, SecEntry{entry.attributes, entry.secret.clone()});
 }
 
-void SecMemoryStorage::Transaction::remove(std::int64_t number) { put(number, nullptr); }
+void SecMemoryStorage::Transaction::replace(std::int64_t number, const SecAttributes& attributes,
+                                            const std::optional<SecSecret>& secret) {
+  requireUnique(number, attributes);
+  put(number, SecEntry{attributes, (secret ? *secret : storage_.entries_.at(number).secret).clone()});
+}
 
-void SecMemoryStorage::Transaction::put(std::int64_t number, const SecEntry* entry) {
+void SecMemoryStorage::Transaction::remove(std::int64_t number) { put(number, std::nullopt); }
+
+void SecMemoryStorage::Transaction::put(std::int64_t number, std::optional<SecEntry> entry) {
   secRequire(access_ == Access::change, errSecReadOnly);
-  if (entry) requireUnique(number, *entry);
   displaced_.push_back({number, {}});
   displaced_.back().node = storage_.entries_.extract(number);
-  if (entry) storage_.entries_.emplace(number, SecEntry{entry->attributes, entry->secret.clone()});
+  if (entry) storage_.entries_.emplace(number, std::move(*entry));
 }
 
-void SecMemoryStorage::Transaction::requireUnique(std::int64_t number, const SecEntry& entry) const {
-  const SecAttributes identity = secIdentity(entry.attributes);
+void SecMemoryStorage::Transaction::requireUnique(std::int64_t number,
+                                                  const SecAttributes& attributes) const {
   for (const auto& [other, held] : storage_.entries_)
-    secRequire(other == number || secIdentity(held.attributes) != identity, errSecDuplicateItem);
+    secRequire(other == number || !secMatches({attributes, true}, held.attributes), errSecDuplicateItem);
 }
 
 OSStatus SecMemoryStorage::transact(Access access, const Work& work) {

@@ -1,20 +1,32 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include <Foundation/NSExport.h>
 #include <Security/SecStatus.h>
 
 #include <Security/SecEntry.h>
 
-/// One row of a storage: an entry, and the number by which the storage knows it. An older entry has a smaller
-/// number.
+/// What a look-up asks for.
+struct SecQuery {
+  SecAttributes attributes;  ///< each that has a value narrows the look-up, except the label
+  bool exactly = false;      ///< whether the whole identity (secIdentity) must match, missing values included
+};
+
+/// Whether a look-up reads the secrets of the rows that it finds.
+enum class SecSecrets {
+  skip,  ///< rows come with an empty secret
+  read,  ///< rows come with their secret
+};
+
+/// One row of a storage: an entry, and the number by which the storage knows it within one transaction.
 struct SecRow {
-  std::int64_t number = 0;  ///< unchanged for as long as the row exists
-  SecEntry entry;           ///< a copy, including the secret
+  std::int64_t number = 0;
+  SecEntry entry;  ///< a copy; the secret is empty where secrets are skipped
 };
 
 /// The operations of one transaction. Each fails by throwing SecFailure, which the caller must let pass: the
@@ -23,16 +35,18 @@ class NS_EXPORT SecTransaction {
  public:
   virtual ~SecTransaction() = default;
 
-  /// Passes `visit` the rows that `query` matches (secMatches), oldest first, until `visit` returns false. No
-  /// row is ever left out silently: a storage that cannot be sure fails with errSecDecode.
-  virtual void find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) = 0;
+  /// Passes `visit` the rows that match `query` (secMatches), oldest first, until it returns false. No row is
+  /// ever left out silently: a storage that cannot be sure fails with errSecDecode.
+  virtual void find(const SecQuery& query, SecSecrets secrets, const std::function<bool(SecRow)>& visit) = 0;
 
-  /// Adds a row, replaces one or removes one; the number is one that `find` reported in this transaction.
-  /// Fails with errSecDuplicateItem if two rows would have the same identity (secIdentity), and with
-  /// errSecReadOnly in a transaction that only reads.
+  /// Adds a row, replaces one or removes one; the number is one that `find` reported in this transaction. A
+  /// replacement without a secret keeps the present one, without reading it. Fails with errSecDuplicateItem
+  /// if two rows would have the same identity (secIdentity), and with errSecReadOnly in a transaction that
+  /// only reads.
   ///@{
   virtual void insert(const SecEntry& entry) = 0;
-  virtual void replace(std::int64_t number, const SecEntry& entry) = 0;
+  virtual void replace(std::int64_t number, const SecAttributes& attributes,
+                       const std::optional<SecSecret>& secret) = 0;
   virtual void remove(std::int64_t number) = 0;
   ///@}
 };
@@ -62,6 +76,10 @@ class NS_EXPORT SecStorage {
   /// errSecSuccess, the status of the failure that `work` threw, or the reason why the transaction could not
   /// be begun or committed.
   virtual OSStatus transact(Access access, const Work& work) = 0;
+
+  /// Sets how long a call waits for another process before it fails with errSecBusy: 5 seconds unless set,
+  /// and not at all for 0. A storage that no other process shares ignores it.
+  virtual void setWaitLimit(std::chrono::milliseconds limit) { static_cast<void>(limit); }
 
   /// Describes this storage. After a status other than errSecSuccess, `info` may be incomplete.
   virtual OSStatus copyInfo(SecStorageInfo& info) = 0;

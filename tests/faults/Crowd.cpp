@@ -14,12 +14,12 @@ constexpr std::size_t members = 8;
 OSStatus countUp(Passwords& passwords, const std::string& what) {
   return passwords.storage->transact(SecStorage::Access::change, [&](SecTransaction& store) {
     std::optional<SecRow> row;
-    store.find(Passwords::named(what), [&](SecRow found) {
+    store.find({Passwords::named(what)}, SecSecrets::read, [&](SecRow found) {
       row = std::move(found);
       return false;
     });
     const std::string next = std::to_string(std::stoul(textFrom(row->entry.secret)) + 1);
-    store.replace(row->number, Passwords::entryOf(what, next));
+    store.replace(row->number, Passwords::named(what), secretFrom(next));
   });
 }
 
@@ -121,7 +121,10 @@ TEST_F(SecFileFaults, StoppedHolder) {
     Passwords::Found found;
     EXPECT_EQ(passwords.look("changes", found), errSecSuccess) << "a reader was kept waiting";
     EXPECT_EQ(found, "0");
+    passwords.storage->setWaitLimit(std::chrono::milliseconds(0));
+    const auto asked = std::chrono::steady_clock::now();
     EXPECT_EQ(passwords.add("bob", "3"), errSecBusy);
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(4)) << "it waited all the same";
     ::kill(holder, SIGCONT);
     EXPECT_EQ(waitFor(holder), 0) << "the holder could not go on";
     EXPECT_EQ(passwords.add("bob", "3"), errSecSuccess) << "still busy";

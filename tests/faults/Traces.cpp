@@ -86,11 +86,11 @@ int keep(const TemporaryPlace& temporary, int from) {
     Calls::arm(Calls::naming, 1, Calls::Fate::stop);
     const auto replace = [&](SecTransaction& store) {
       std::int64_t number = 0;
-      store.find(entry.attributes, [&](const SecRow& row) {
+      store.find({entry.attributes}, SecSecrets::skip, [&](const SecRow& row) {
         number = row.number;
         return false;
       });
-      store.replace(number, entry);
+      store.replace(number, entry.attributes, entry.secret.clone());
     };
     if (storage->transact(SecStorage::Access::change, replace) != errSecSuccess) return 3;
     Calls::disarm();

@@ -65,6 +65,11 @@ class KeychainTest : public testing::Test {
 inline std::string shown(const NSRefPtr<NSObject>& object) {
   if (!object) return "nil";
   if (const auto data = NSDynamicCast<NSData>(object)) return *bytesOf(data);
+  if (const auto list = NSDynamicCast<NSArray>(object)) {
+    std::string all;
+    for (const NSRef<NSObject> each : *list) all += (all.empty() ? "[" : " [") + shown(each) + "]";
+    return all;
+  }
   const auto map = NSDynamicCast<NSDictionary>(object);
   if (!map) return std::string(*object->description());
   std::string all;
@@ -87,7 +92,9 @@ inline NSRef<NSString> writtenText(const std::string& written) {
 
 inline NSRef<NSObject> writtenValue(const std::string& kind, const std::string& value) {
   if (kind == "number" || kind == "port") return NSNumber::numberWithInteger(std::stoll(value));
-  if (kind == "returnAttributes" || kind == "returnData") return NSNumber::numberWithBool(value == "1");
+  if (kind == "matchLimit" && value != "all") return NSNumber::numberWithInteger(std::stoll(value));
+  if (kind == "returnAttributes" || kind == "returnData" || kind == "matchExactly")
+    return NSNumber::numberWithBool(value == "1");
   if (kind == "class") return writtenText(value + " password");
   if (kind != "data" && kind != "valueData") return writtenText(value);
   return dataOf(value[0] == '@' ? std::string(std::stoul(value.substr(1)), 'x') : unescaped(value));

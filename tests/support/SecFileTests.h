@@ -41,7 +41,7 @@ class Passwords {
 
   OSStatus update(const std::string& account, std::string_view password) {
     return changeFound(account, [&](SecTransaction& store, const SecRow& row) {
-      store.replace(row.number, entryOf(account, password));
+      store.replace(row.number, named(account), secretFrom(password));
     });
   }
 
@@ -52,7 +52,7 @@ class Passwords {
   OSStatus look(const std::string& account, Found& found) {
     found.reset();
     return storage->transact(SecStorage::Access::read, [&](SecTransaction& store) {
-      store.find(named(account), [&](SecRow row) {
+      store.find({named(account)}, SecSecrets::read, [&](SecRow row) {
         found = textFrom(row.entry.secret);
         return false;
       });
@@ -62,7 +62,7 @@ class Passwords {
   OSStatus all(std::map<std::string, std::string>& held) {
     held.clear();
     return storage->transact(SecStorage::Access::read, [&](SecTransaction& store) {
-      store.find({}, [&](SecRow row) {
+      store.find({}, SecSecrets::read, [&](SecRow row) {
         const SecText& account = *row.entry.attributes.account;
         held[std::string(account.begin(), account.end())] = textFrom(row.entry.secret);
         return true;
@@ -92,7 +92,7 @@ class Passwords {
   OSStatus changeFound(const std::string& account, Action action) {
     return change([&](SecTransaction& store) {
       std::optional<SecRow> found;
-      store.find(named(account), [&](SecRow row) {
+      store.find({named(account)}, SecSecrets::skip, [&](SecRow row) {
         found = std::move(row);
         return false;
       });

@@ -19,11 +19,11 @@ SecStoreID decodeID(SecView bytes) {
 
 }  // namespace
 
-SecFileConnection::SecFileConnection(std::string path)
+SecFileConnection::SecFileConnection(std::string path, std::chrono::milliseconds waitLimit)
     : path_(std::move(path)),
       process_(::getpid()),
       file_(judge(path_)),
-      database_(path_),
+      database_(path_, waitLimit),
       content_(readContent()) {
   secRequire(isCurrent(), errSecBusy);
 }

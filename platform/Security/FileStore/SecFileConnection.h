@@ -11,7 +11,7 @@
 class SecFileConnection {
  public:
   /// Opens the file at `path`; fails with errSecNoSuchKeychain when there is none.
-  explicit SecFileConnection(std::string path);
+  SecFileConnection(std::string path, std::chrono::milliseconds waitLimit);
 
   /// Whether it was opened by this process, and not by one that this was forked from.
   bool isOurs() const;

@@ -13,7 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto busyLimit = 5s;
 constexpr std::size_t reserve = std::size_t{256} << 10;
 constexpr std::size_t pageSize = 4096;
 constexpr std::size_t headerSize = 100;
@@ -41,7 +40,8 @@ void set(sqlite3* connection, int option, int value) {
 
 }  // namespace
 
-SecFileDatabase::SecFileDatabase(const std::string& path) {
+SecFileDatabase::SecFileDatabase(const std::string& path, std::chrono::milliseconds waitLimit)
+    : waitLimit_(waitLimit) {
   open(path.c_str(), SQLITE_OPEN_NOFOLLOW);
   checkMode(path);
   checkHeader();
@@ -127,10 +127,10 @@ void SecFileDatabase::beginWriting() {
 /// Asks again every few milliseconds: SQLite's own waits grow so long that one of several busy writers
 /// may never meet the moment between two others.
 int SecFileDatabase::wait(void* database, int tries) {
-  auto& waitingSince = static_cast<SecFileDatabase*>(database)->waitingSince_;
+  auto& self = *static_cast<SecFileDatabase*>(database);
   const auto now = std::chrono::steady_clock::now();
-  if (tries == 0) waitingSince = now;
-  if (now - waitingSince > busyLimit) return 0;
+  if (tries == 0) self.waitingSince_ = now;
+  if (now - self.waitingSince_ >= self.waitLimit_) return 0;
   std::this_thread::sleep_for(500us * (1 + tries % 5));
   return 1;
 }

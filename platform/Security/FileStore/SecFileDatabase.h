@@ -17,12 +17,14 @@ class SecFileDatabase {
   /// Opens a file that is there, without following links, and makes sure by its first bytes that it is a
   /// store of this format; fails with errSecInvalidKeychain, errSecDecode or errSecWrongSecVersion. Nothing
   /// is written.
-  explicit SecFileDatabase(const std::string& path);
+  SecFileDatabase(const std::string& path, std::chrono::milliseconds waitLimit);
   /// Makes an empty store in memory.
   SecFileDatabase();
   SecFileDatabase(const SecFileDatabase&) = delete;
   SecFileDatabase& operator=(const SecFileDatabase&) = delete;
 
+  /// How long to wait for the lock of another connection before errSecBusy.
+  void setWaitLimit(std::chrono::milliseconds limit) { waitLimit_ = limit; }
   /// Gives the statement of `sql`, a text that lives as long as the program.
   SecFileStatement use(const char* sql);
   void run(const char* sql) { use(sql).run(); }
@@ -60,6 +62,7 @@ class SecFileDatabase {
   std::map<const char*, std::unique_ptr<sqlite3_stmt, Close>> statements_;
   bool writes_ = false;
   std::optional<unsigned> checkedVersion_;
+  std::chrono::milliseconds waitLimit_{5000};
   std::chrono::steady_clock::time_point waitingSince_;
 };
 

@@ -1,6 +1,6 @@
 #include <Security/FileStore/SecFileIndex.h>
 
-#include <Security/Items/SecIdentity.h>
+#include <Security/SecIdentity.h>
 
 namespace {
 
@@ -59,11 +59,12 @@ SecByteWriter& secPutIdentity(SecByteWriter& writer, const SecFileIdentity& iden
   return writer.raw(identity.account).raw(identity.site).raw(identity.rest);
 }
 
-SecFileQuery::SecFileQuery(SecView indexKey, const SecAttributes& query)
-    : identity_(secFileIdentity(indexKey, query)),
-      account_(query.account.has_value()),
-      site_(siteOf(query).has_value()),
-      rest_(isGeneric(query) || (query.path && query.port && query.protocol)) {}
+SecFileQuery::SecFileQuery(SecView indexKey, const SecQuery& query)
+    : identity_(secFileIdentity(indexKey, query.attributes)),
+      account_(query.exactly || query.attributes.account.has_value()),
+      site_(query.exactly || siteOf(query.attributes).has_value()),
+      rest_(query.exactly || isGeneric(query.attributes) ||
+            (query.attributes.path && query.attributes.port && query.attributes.protocol)) {}
 
 std::optional<std::uint8_t> SecFileQuery::bucket() const {
   if (!account_ || !site_) return std::nullopt;

@@ -7,7 +7,7 @@
 
 #include <Security/FileStore/SecFileFormat.h>
 #include <Security/FileStore/SecFileKeys.h>
-#include <Security/SecEntry.h>
+#include <Security/SecStorage.h>
 
 /// What an entry is found by: a keyed tag of each part of its identity, so that equal parts can be told
 /// and nothing else.
@@ -28,7 +28,7 @@ SecByteWriter& secPutIdentity(SecByteWriter& writer, const SecFileIdentity& iden
 /// The parts of an identity that a query names; what it lacks matches anything.
 class SecFileQuery {
  public:
-  SecFileQuery(SecView indexKey, const SecAttributes& query);
+  SecFileQuery(SecView indexKey, const SecQuery& query);
 
   /// The one bucket that holds all matches, when there is one.
   std::optional<std::uint8_t> bucket() const;

@@ -15,12 +15,17 @@ SecFileConnection& SecFileSession::connection() {
   if (connection_ && !connection_->isOurs()) static_cast<void>(connection_.release());
   if (connection_ && !connection_->isCurrent()) connection_.reset();
   if (connection_) return *connection_;
-  connection_ = std::make_unique<SecFileConnection>(path_);
+  connection_ = std::make_unique<SecFileConnection>(path_, waitLimit_);
   damaged_ = false;
   if (!keys_ || keysFor_ == connection_->store()) return *connection_;
   keys_.reset();
   unlockWhereNothingIsAsked();
   return *connection_;
+}
+
+void SecFileSession::setWaitLimit(std::chrono::milliseconds limit) {
+  waitLimit_ = limit;
+  if (connection_) connection_->database().setWaitLimit(limit);
 }
 
 SecFileContext SecFileSession::context() {

@@ -17,6 +17,7 @@ class SecFileSession {
   SecFileConnection& connection();
   /// What is needed to read entries; fails with errSecInteractionNotAllowed when locked.
   SecFileContext context();
+  void setWaitLimit(std::chrono::milliseconds limit);
   bool isLocked() const { return keys_ == nullptr; }
 
   void unlockByKeyFile();
@@ -45,4 +46,5 @@ class SecFileSession {
   std::unique_ptr<SecFileKeys> keys_;
   SecStoreID keysFor_{};
   bool damaged_ = false;
+  std::chrono::milliseconds waitLimit_{5000};
 };

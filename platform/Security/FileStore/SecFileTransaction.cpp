@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <Security/Items/SecIdentity.h>
+#include <Security/SecIdentity.h>
 
 namespace {
 
@@ -24,11 +24,13 @@ SecFileSeal readSeal(const SecFileContext& context) {
 SecFileTransaction::SecFileTransaction(const SecFileContext& context, SecStorage::Access access)
     : context_(context), access_(access), seal_(readSeal(context)) {}
 
-void SecFileTransaction::find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) {
+void SecFileTransaction::find(const SecQuery& query, SecSecrets secrets,
+                              const std::function<bool(SecRow)>& visit) {
   for (const SecFileLine& line : candidates(SecFileQuery(context_.keys.index(), query))) {
     SecRow row{line.number, secReadEntry(context_, line)};
     if (!secMatches(query, row.entry.attributes)) continue;
-    known_[line.number] = line.identity;
+    if (secrets == SecSecrets::skip) row.entry.secret = SecSecret();
+    known_[line.number] = line;
     if (!visit(std::move(row))) break;
   }
 }
@@ -41,20 +43,22 @@ void SecFileTransaction::insert(const SecEntry& entry) {
   });
 }
 
-void SecFileTransaction::replace(std::int64_t number, const SecEntry& entry) {
+void SecFileTransaction::replace(std::int64_t number, const SecAttributes& attributes,
+                                 const std::optional<SecSecret>& secret) {
   change([&] {
-    const SecFileIdentity before = known(number);
-    const SecFileIdentity after = secFileIdentity(context_.keys.index(), entry.attributes);
-    if (after != before) requireFree(after);
-    drop(before);
+    const SecFileLine before = known(number);
+    const SecFileIdentity after = secFileIdentity(context_.keys.index(), attributes);
+    if (after != before.identity) requireFree(after);
+    const SecEntry entry{attributes, secret ? secret->clone() : secReadEntry(context_, before).secret};
+    drop(before.identity);
     put(after, number, entry);
-    known_[number] = after;
+    known_[number] = put_[number];
   });
 }
 
 void SecFileTransaction::remove(std::int64_t number) {
   change([&] {
-    drop(known(number));
+    drop(known(number).identity);
     known_.erase(number);
   });
 }
@@ -145,7 +149,7 @@ void SecFileTransaction::write(std::uint8_t number) {
   seal_.sums[number] = secBucketSum(context_.keys.seal(), number, bytes);
 }
 
-SecFileIdentity SecFileTransaction::known(std::int64_t number) const {
+SecFileLine SecFileTransaction::known(std::int64_t number) const {
   const auto row = known_.find(number);
   secRequire(row != known_.end(), errSecParam);
   return row->second;

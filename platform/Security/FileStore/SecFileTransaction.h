@@ -14,9 +14,10 @@ class SecFileTransaction final : public SecTransaction {
   /// Fails with errSecDecode when the seal does not hold.
   SecFileTransaction(const SecFileContext& context, SecStorage::Access access);
 
-  void find(const SecAttributes& query, const std::function<bool(SecRow)>& visit) override;
+  void find(const SecQuery& query, SecSecrets secrets, const std::function<bool(SecRow)>& visit) override;
   void insert(const SecEntry& entry) override;
-  void replace(std::int64_t number, const SecEntry& entry) override;
+  void replace(std::int64_t number, const SecAttributes& attributes,
+               const std::optional<SecSecret>& secret) override;
   void remove(std::int64_t number) override;
 
   /// Brings the seal up to date; the last thing to do before the transaction is committed. Fails with
@@ -37,13 +38,13 @@ class SecFileTransaction final : public SecTransaction {
   void write(std::uint8_t number);
   void readBack();
   SecFileBucket believe(std::uint8_t number, SecView bytes) const;
-  SecFileIdentity known(std::int64_t number) const;
+  SecFileLine known(std::int64_t number) const;
 
   const SecFileContext& context_;
   SecStorage::Access access_;
   SecFileSeal seal_;
   std::map<std::uint8_t, SecFileBucket> buckets_;  // those that were read and believed
-  std::map<std::int64_t, SecFileIdentity> known_;  // rows that find gave
+  std::map<std::int64_t, SecFileLine> known_;      // rows that find gave
   std::map<std::int64_t, SecFileLine> put_;        // rows that this transaction wrote
   std::set<std::uint8_t> written_;                 // buckets that it wrote
   int begun_ = 0;                                  // changes, and those that came to their end

@@ -1,7 +1,6 @@
 #include <Security/Items/SecItemOperations.h>
 
 #include <utility>
-#include <vector>
 
 #include <Security/SecFailure.h>
 
@@ -13,14 +12,18 @@ void requireSize(const SecSecret& secret) {
   secRequire(secret.bytes().size() <= largestSecret, errSecDataTooLarge);
 }
 
-SecRow findOldest(SecTransaction& transaction, const SecAttributes& query) {
-  std::optional<SecRow> oldest;
-  transaction.find(query, [&](SecRow row) {
-    oldest = std::move(row);
+/// Passes `visit` the rows that match, in their order, until it returns false.
+void visitInOrder(SecTransaction& transaction, const SecQuery& query, SecSecrets secrets,
+                  const std::function<bool(SecRow)>& visit) {
+  std::optional<std::int64_t> first;
+  bool goesOn = !query.exactly;
+  transaction.find({query.attributes, true}, secrets, [&](SecRow row) {
+    first = row.number;
+    goesOn = visit(std::move(row)) && goesOn;
     return false;
   });
-  secRequire(oldest.has_value(), errSecItemNotFound);
-  return std::move(*oldest);
+  if (!goesOn) return;
+  transaction.find(query, secrets, [&](SecRow row) { return row.number == first || visit(std::move(row)); });
 }
 
 template <class Value>
@@ -28,16 +31,14 @@ void change(std::optional<Value>& held, const std::optional<Value>& wanted) {
   if (wanted) held = wanted;
 }
 
-void apply(const SecChanges& changes, SecEntry& entry) {
-  SecAttributes& attributes = entry.attributes;
-  change(attributes.account, changes.attributes.account);
-  change(attributes.service, changes.attributes.service);
-  change(attributes.server, changes.attributes.server);
-  change(attributes.path, changes.attributes.path);
-  change(attributes.port, changes.attributes.port);
-  change(attributes.protocol, changes.attributes.protocol);
-  change(attributes.label, changes.attributes.label);
-  if (changes.secret) entry.secret = changes.secret->clone();
+void apply(const SecAttributes& changes, SecAttributes& attributes) {
+  change(attributes.account, changes.account);
+  change(attributes.service, changes.service);
+  change(attributes.server, changes.server);
+  change(attributes.path, changes.path);
+  change(attributes.port, changes.port);
+  change(attributes.protocol, changes.protocol);
+  change(attributes.label, changes.label);
 }
 
 }  // namespace
@@ -47,21 +48,33 @@ void secAdd(SecTransaction& transaction, const SecEntry& entry) {
   transaction.insert(entry);
 }
 
-SecEntry secCopyMatching(SecTransaction& transaction, const SecAttributes& query) {
-  return findOldest(transaction, query).entry;
+std::vector<SecEntry> secCopyMatching(SecTransaction& transaction, const SecQuery& query, SecSecrets secrets,
+                                      std::size_t limit) {
+  std::vector<SecEntry> found;
+  visitInOrder(transaction, query, secrets, [&](SecRow row) {
+    found.push_back(std::move(row.entry));
+    return found.size() < limit;
+  });
+  secRequire(!found.empty(), errSecItemNotFound);
+  return found;
 }
 
-void secUpdate(SecTransaction& transaction, const SecAttributes& query, const SecChanges& changes) {
-  secRequire(changes.attributes.itemClass == query.itemClass, errSecParam);
+void secUpdate(SecTransaction& transaction, const SecQuery& query, const SecChanges& changes) {
+  secRequire(changes.attributes.itemClass == query.attributes.itemClass, errSecParam);
   if (changes.secret) requireSize(*changes.secret);
-  SecRow row = findOldest(transaction, query);
-  apply(changes, row.entry);
-  transaction.replace(row.number, row.entry);
+  std::optional<SecRow> first;
+  visitInOrder(transaction, query, SecSecrets::skip, [&](SecRow row) {
+    first = std::move(row);
+    return false;
+  });
+  secRequire(first.has_value(), errSecItemNotFound);
+  apply(changes.attributes, first->entry.attributes);
+  transaction.replace(first->number, first->entry.attributes, changes.secret);
 }
 
-void secDelete(SecTransaction& transaction, const SecAttributes& query) {
+void secDelete(SecTransaction& transaction, const SecQuery& query) {
   std::vector<std::int64_t> numbers;
-  transaction.find(query, [&](const SecRow& row) {
+  transaction.find(query, SecSecrets::skip, [&](const SecRow& row) {
     numbers.push_back(row.number);
     return true;
   });

@@ -1,14 +1,18 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
-#include <Security/SecEntry.h>
 #include <Security/SecStorage.h>
 
 /// @file
-/// The four operations, the same for every storage: which entry a query stands for, what a change leaves
-/// alone. SecIdentity.h says when two entries are the same. Each operation runs within a transaction and
-/// fails by throwing SecFailure, which ends the transaction without a change. No state is kept here.
+/// The four operations, the same for every storage: which entries a query stands for, in which order, and
+/// what a change leaves alone. SecIdentity.h says when two entries are the same. Each operation runs within a
+/// transaction and fails by throwing SecFailure, which ends the transaction without a change. No state is
+/// kept here.
+///
+/// Where several entries match a query, the one whose identity is exactly the query's comes first, then the
+/// oldest. Only look-ups that ask for secrets read any.
 
 /// The attributes to change, and the secret if it is to change; whatever has no value stays as it is.
 struct SecChanges {
@@ -20,13 +24,14 @@ struct SecChanges {
 /// errSecDataTooLarge if its secret is larger than 16 MiB.
 void secAdd(SecTransaction& transaction, const SecEntry& entry);
 
-/// Returns the oldest entry that `query` matches. Fails with errSecItemNotFound if it matches none.
-SecEntry secCopyMatching(SecTransaction& transaction, const SecAttributes& query);
+/// Returns the first `limit` entries that match `query`. Fails with errSecItemNotFound if none does.
+std::vector<SecEntry> secCopyMatching(SecTransaction& transaction, const SecQuery& query, SecSecrets secrets,
+                                      std::size_t limit);
 
-/// Changes the oldest entry that `query` matches. Fails with errSecItemNotFound if it matches none, with
+/// Changes the first entry that matches `query`. Fails with errSecItemNotFound if none does, with
 /// errSecDuplicateItem if two entries would become the same, with errSecDataTooLarge as secAdd does, and with
 /// errSecParam if the class would change.
-void secUpdate(SecTransaction& transaction, const SecAttributes& query, const SecChanges& changes);
+void secUpdate(SecTransaction& transaction, const SecQuery& query, const SecChanges& changes);
 
-/// Removes every entry that `query` matches. Fails with errSecItemNotFound if it matches none.
-void secDelete(SecTransaction& transaction, const SecAttributes& query);
+/// Removes every entry that matches `query`. Fails with errSecItemNotFound if none does.
+void secDelete(SecTransaction& transaction, const SecQuery& query);

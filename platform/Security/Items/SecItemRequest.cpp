@@ -1,5 +1,7 @@
 #include <Security/Items/SecItemRequest.h>
 
+#include <limits>
+
 #include <Foundation/NSData.h>
 #include <Foundation/NSNumber.h>
 
@@ -77,6 +79,17 @@ bool readFlag(Reader& reader, const NSRef<NSString>& key) {
   return flag && flag->boolValue();
 }
 
+std::size_t readLimit(Reader& reader) {
+  const auto word = reader.value<NSString>(kSecMatchLimit);
+  if (word) {
+    secRequire(word->isEqual(kSecMatchLimitAll), errSecParam);
+    return std::numeric_limits<std::size_t>::max();
+  }
+  const auto number = reader.value<NSNumber>(kSecMatchLimit);
+  secRequire(number && !number->isBoolean() && number->integerValue() >= 1, errSecParam);
+  return static_cast<std::size_t>(number->integerValue());
+}
+
 void addAttributes(const SecAttributes& attributes, NSMutableDictionary& dictionary) {
   dictionary.setObject(attributes.itemClass == generic ? kSecClassGenericPassword : kSecClassInternetPassword,
                        kSecClass);
@@ -89,7 +102,8 @@ void addAttributes(const SecAttributes& attributes, NSMutableDictionary& diction
 
 }  // namespace
 
-SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& dictionary, std::optional<SecItemClass> implied) {
+SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& dictionary, SecRequestKind kind,
+                              std::optional<SecItemClass> implied) {
   secRequire(bool(dictionary), errSecParam);
   Reader reader(*dictionary);
   const auto itemClass = readClass(reader, implied);
@@ -100,14 +114,18 @@ SecItemRequest secReadRequest(const NSRefPtr<NSDictionary>& dictionary, std::opt
   if (const auto secret = reader.value<NSData>(kSecValueData)) request.secret.emplace(secret->bytes());
   request.returnAttributes = readFlag(reader, kSecReturnAttributes);
   request.returnData = readFlag(reader, kSecReturnData);
+  if (kind != SecRequestKind::change) request.exactly = readFlag(reader, kSecMatchExactly);
+  if (kind == SecRequestKind::search && dictionary->objectForKey(kSecMatchLimit))
+    request.limit = readLimit(reader);
   secRequire(reader.hasReadAll(), errSecParam);
   return request;
 }
 
-NSRefPtr<NSDictionary> secMakeResponse(const SecEntry& entry, bool withAttributes, bool withData) {
-  if (!withAttributes && !withData) return nullptr;
+NSRefPtr<NSDictionary> secMakeResponse(const SecItemRequest& request, const SecEntry& entry) {
+  if (!request.returnAttributes && !request.returnData) return nullptr;
   const NSRef<NSMutableDictionary> response = NSMutableDictionary::dictionary();
-  if (withAttributes) addAttributes(entry.attributes, *response);
-  if (withData) response->setObject(NSData::dataWithBytes(entry.secret.bytes(), true), kSecValueData);
+  if (request.returnAttributes) addAttributes(entry.attributes, *response);
+  if (request.returnData)
+    response->setObject(NSData::dataWithBytes(entry.secret.bytes(), true), kSecValueData);
   return response;
 }

@@ -1,4 +1,4 @@
-#include <Security/Items/SecIdentity.h>
+#include <Security/SecIdentity.h>
 
 namespace {
 
@@ -23,9 +23,11 @@ SecAttributes secIdentity(const SecAttributes& attributes) {
   return identity;
 }
 
-bool secMatches(const SecAttributes& query, const SecAttributes& entry) {
-  return query.itemClass == entry.itemClass && agrees(query.account, entry.account) &&
-         agrees(query.service, entry.service) && agrees(query.server, entry.server) &&
-         agreesOrDefault(query.path, entry.path) && agreesOrDefault(query.port, entry.port) &&
-         agrees(query.protocol, entry.protocol);
+bool secMatches(const SecQuery& query, const SecAttributes& entry) {
+  const SecAttributes& wanted = query.attributes;
+  if (query.exactly) return secIdentity(wanted) == secIdentity(entry);
+  return wanted.itemClass == entry.itemClass && agrees(wanted.account, entry.account) &&
+         agrees(wanted.service, entry.service) && agrees(wanted.server, entry.server) &&
+         agreesOrDefault(wanted.path, entry.path) && agreesOrDefault(wanted.port, entry.port) &&
+         agrees(wanted.protocol, entry.protocol);
 }
