@@ -14,8 +14,6 @@ class NSString;
 
 template <class Self, class Base>
 class NSObjectLayer;
-template <class Self>
-class NSAllocated;
 
 /// What is known about the equality of an object without asking it.
 enum class NSEquality {
@@ -101,8 +99,6 @@ class NS_EXPORT NSObject {
  private:
   template <class Self, class Base>
   friend class NSObjectLayer;
-  template <class Self>
-  friend class NSAllocated;
   friend class NSClass;
 
   static void* operator new(std::size_t size) { return ::operator new(size); }

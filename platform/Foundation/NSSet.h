@@ -74,8 +74,6 @@ class NS_EXPORT NSMutableSet : public NSSet::Subclass<NSMutableSet> {
   NSRef<NSSet> copy() const { return fixedCopy(); }
 
  protected:
-  friend class NSSet;
-
   /// How the growable kind is made and copied, and how a walk sees that it changed.
   ///@{
   NSMutableSet() = default;
