@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// All of the platform layer's foundation.
+/// Includes the platform layer's Foundation, except NSLocale.h and NSPropertyList.h.
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSAssertionHandler.h>

@@ -9,16 +9,16 @@
 
 class NSString;
 
-/// A new string from a UTF-8 literal; malformed UTF-8 raises the invalid-argument exception.
+/// Returns a new string from a UTF-8 literal. Malformed UTF-8 raises the invalid-argument exception.
 NS_EXPORT NSRef<NSString> NSStringFromLiteral(std::string_view literal);
 
-/// How an operation takes an object that the caller may give as a handle, as the object itself, as nil or as
-/// a UTF-8 literal, which is checked at compile time. For parameters only: it holds no reference to the
-/// object, which must outlive it.
+/// A parameter type for an object that the caller may pass as a handle, as the object itself, as nil or as a
+/// UTF-8 literal, which is checked at compile time. For parameters only: it holds no reference to the object,
+/// which must outlive it.
 template <class T>
 class NSArg {
  public:
-  /// Nil, the object itself, or the object of a handle.
+  /// Takes nil, the object itself, or the object of a handle.
   ///@{
   constexpr NSArg(std::nullptr_t) noexcept {}
   NSArg(const T& object) noexcept : object_(&object) {}
@@ -28,7 +28,7 @@ class NSArg {
   NSArg(const NSRef<U>& handle) : object_(handle.get()) {}
   ///@}
 
-  /// A literal; malformed UTF-8 does not compile.
+  /// Takes a literal; malformed UTF-8 does not compile.
   template <std::size_t Size>
   consteval NSArg(const char (&literal)[Size]) : literal_(literal), length_(Size - 1) {
     if (!NSIsUTF8({literal, Size - 1})) throw "a string literal must be UTF-8";
@@ -37,22 +37,23 @@ class NSArg {
   /// Whether it is not nil.
   explicit operator bool() const noexcept { return object_ || literal_; }
 
-  /// A handle to the object, nil for nil; a literal gives a new string.
+  /// Returns a handle to the object, nil for nil, or a new string for a literal.
   NSRefPtr<T> get() const {
     if (literal_) return NSStringFromLiteral({literal_, length_});
     return NSRefPtr<T>(const_cast<T*>(object_));
   }
 
-  /// The object, usable for as long as this lives; it holds a reference only to a string made from a literal.
+  /// The object, valid for as long as this lives; it holds a reference only to a string created from a
+  /// literal.
   class Borrowed {
    public:
-    /// Makes the string of a literal and keeps it.
+    /// Creates the string of a literal and keeps it.
     explicit Borrowed(const NSArg& argument)
         : made_(argument.literal_ ? argument.get() : nullptr),
           object_(made_ ? made_.get() : argument.object_) {}
     /// Whether it is not nil.
     explicit operator bool() const noexcept { return object_ != nullptr; }
-    /// The object. Using nil is undefined; debug builds assert that it is not nil.
+    /// Returns the object. Using nil is undefined; debug builds assert that it is not nil.
     ///@{
     const T& operator*() const noexcept {
       assert(object_ && "nil is used");
@@ -65,7 +66,7 @@ class NSArg {
     NSRefPtr<T> made_;
     const T* object_;
   };
-  /// The object, for immediate use.
+  /// Returns the object for immediate use.
   Borrowed borrow() const { return Borrowed(*this); }
 
  private:

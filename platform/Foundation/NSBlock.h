@@ -16,20 +16,20 @@ inline constexpr bool NSIsHandle<NSRef<T>> = true;
 template <class T>
 inline constexpr bool NSIsHandle<NSRefPtr<T>> = true;
 
-/// What a block can be made of: anything callable with the signature, other than a handle or nil.
+/// What a block can be created from: anything callable with the signature, other than a handle or nil.
 template <class Callable, class Signature>
 concept NSBlockCallable = !NSIsHandle<std::remove_cvref_t<Callable>> &&
                           !std::same_as<std::remove_cvref_t<Callable>, std::nullptr_t> &&
                           std::constructible_from<std::function<Signature>, Callable>;
 
-/// A callable that is kept, listed or tested for absence. It is made implicitly where a NSRefPtr to one is
-/// wanted, from anything callable; an empty std::function or a null pointer makes an absent one. Whether
-/// it may be called on several threads at once is the callable's affair.
+/// A callable that can be kept, put into a collection or compared with nil. Anything callable converts
+/// implicitly to an NSRefPtr to a block; an empty std::function or a null pointer converts to nil. Whether a
+/// block may be called on several threads at once depends on the callable.
 template <class Result, class... Arguments>
 class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
     : public NSObject::Subclass<NSBlock<Result(Arguments...)>> {
  public:
-  /// Keeps the callable, which must not be empty: `implicitly` makes an absent block of such a one.
+  /// Keeps the callable, which must not be empty; `implicitly` returns nil for an empty one.
   ///@{
   explicit NSBlock(std::function<Result(Arguments...)> callable) : callable_(std::move(callable)) {}
   template <NSBlockCallable<Result(Arguments...)> Callable>
@@ -40,10 +40,10 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
   }
   ///@}
 
-  /// Calls the callable and answers its result; what it throws passes through.
+  /// Calls the callable and returns its result; exceptions pass through.
   Result operator()(Arguments... arguments) const { return callable_(std::forward<Arguments>(arguments)...); }
 
-  /// A block is fixed: another reference.
+  /// Returns another reference, because a block is immutable.
   NSRef<NSBlock> copy() const { return const_cast<NSBlock&>(*this); }
 
  private:

@@ -11,20 +11,22 @@
 
 namespace {
 
-/// Classes by the name of their type, which every shared object of the process spells alike. A class without
-/// linkage, in an unnamed namespace say, shares its name with others: it goes by its address, too.
+/// Classes by the name of their type, which is spelled the same in every shared object of the process. A
+/// class without linkage, for example in an unnamed namespace, shares its name with others, so the address of
+/// its type is part of its key.
 struct Registry {
   std::mutex mutex;
   std::map<std::pair<std::string_view, const std::type_info*>, NSClass*> classes;
 };
 
-/// Whether the name (Itanium C++ ABI, section 5.1) is of a type in an unnamed namespace or in a function with
-/// internal linkage. g++ marks some of these with an asterisk, which name() leaves out; clang marks none.
+/// Returns whether the name (Itanium C++ ABI, section 5.1) is that of a type in an unnamed namespace or in a
+/// function with internal linkage. g++ marks some of these with an asterisk, which name() omits; clang marks
+/// none.
 bool isLocalToOneSource(std::string_view name) {
   return name.find("_GLOBAL__N_") != name.npos || name.find("ZL") != name.npos;
 }
 
-// Never destroyed: objects may be let go of after the destructors of this library ran.
+// Never destroyed: objects may be released after this library's static destructors have run.
 Registry& registry() {
   static Registry& only = *new Registry;
   return only;

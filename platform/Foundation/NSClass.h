@@ -6,25 +6,27 @@
 
 #include <Foundation/NSObject.h>
 
-/// What an object was made of, and an object itself, so that a class can be a receiver. There is one for
-/// each class in the process, whichever shared object asks; it is never let go of.
+/// The class of an object, and an object itself, so that a class can be a receiver. There is one for each
+/// class in the process, whichever shared object asks for it; it is never released.
 class NS_EXPORT NSClass final : public NSObject {
  public:
-  /// The class of classes.
+  /// Returns the class of classes.
   static NSClass& classObject();
   NSClass& isa() const override { return classObject(); }
 
-  /// The class of a C++ type below `superclass`, made at the first call. Safe from any thread.
+  /// Returns the class of a C++ type, creating it with the given superclass on the first call. Safe from any
+  /// thread.
   static NSClass& ofType(const std::type_info& type, NSClass* superclass);
 
-  /// The name without namespaces.
+  /// Returns the name without namespaces.
   std::string_view name() const noexcept { return name_; }
-  /// Null for the root class.
+  /// Returns the superclass; null for the root class.
   NSClass* superclass() const noexcept { return superclass_; }
-  /// Whether this is the other class, or one below it. The cost grows with the classes between.
+  /// Returns whether this is the other class or a subclass of it. The cost grows with the number of classes
+  /// in between.
   bool isSubclassOfClass(const NSClass& other) const noexcept;
 
-  /// The name.
+  /// Returns the name.
   NSRef<NSString> description() const override;
 
  private:
@@ -35,7 +37,7 @@ class NS_EXPORT NSClass final : public NSObject {
   NSClass* superclass_;
 };
 
-/// The name of the class as a text, without namespaces.
+/// Returns the name of the class, without namespaces.
 NS_EXPORT NSRef<NSString> NSStringFromClass(const NSClass& receiver);
 
 template <class Self, class Base>
@@ -44,8 +46,8 @@ NSClass& NSObjectLayer<Self, Base>::classObject() {
   return ofSelf;
 }
 
-/// The object as one of class T; absent, or null, when it is none. A plain pointer gives one that does not
-/// share in the object.
+/// Returns the object as a T, or nil if it is not one. The overload for a plain pointer returns a plain
+/// pointer, which holds no reference to the object.
 ///@{
 template <class T, class U>
 NSRefPtr<T> NSDynamicCast(const NSRefPtr<U>& object) {

@@ -9,19 +9,19 @@
 template <class Signature>
 class NSFunctionRef;
 
-/// A type that, but for references and qualifiers, is none of the others.
+/// A type that, apart from references and qualifiers, is not one of the others.
 template <class Value, class... Others>
 concept NSOtherThan = (!std::same_as<std::remove_cvref_t<Value>, Others> && ...);
 
-/// How an operation takes a callable that it calls before it returns and does not keep: anything that
-/// std::invoke accepts, or a handle to a block. A null pointer, an empty std::function and an absent block
-/// are nil; calling nil raises the invalid-argument exception. A pointer to a member may be that of a class
-/// below the first argument's; an argument of another class then raises that exception, too. For
+/// A parameter type for a callable that the operation calls before it returns and does not keep: anything
+/// that std::invoke accepts, or a handle to a block. A null pointer, an empty std::function and a nil block
+/// are nil; calling nil raises the invalid-argument exception. A pointer to member may belong to a subclass
+/// of the first argument's class; an argument of another class then raises that exception, too. For
 /// parameters only: the callable must outlive it.
 template <class Result, class... Arguments>
 class NSFunctionRef<Result(Arguments...)> {
  public:
-  /// Nil, or what the class says; the callable is not copied.
+  /// Takes nil, or a callable as described above, which is not copied.
   ///@{
   constexpr NSFunctionRef(std::nullptr_t) noexcept {}
 
@@ -40,7 +40,7 @@ class NSFunctionRef<Result(Arguments...)> {
   /// Whether it is not nil.
   explicit operator bool() const noexcept { return call_ != nullptr; }
 
-  /// Calls the callable and answers its result; what it throws passes through.
+  /// Calls the callable and returns its result; exceptions pass through.
   Result operator()(Arguments... arguments) const {
     if (!call_) NSRaiseNilReference();
     return call_(*this, std::forward<Arguments>(arguments)...);
@@ -49,7 +49,7 @@ class NSFunctionRef<Result(Arguments...)> {
  private:
   template <class Callable>
   static bool isNil(const Callable& callable) noexcept {
-    // A lambda without captures compares with nullptr as well, but is never nil.
+    // A lambda without captures can be compared with nullptr, too, but is never nil.
     constexpr bool isLambda = std::is_class_v<Callable> && requires { +callable; };
     if constexpr (!isLambda && !std::is_function_v<Callable> && requires { callable == nullptr; })
       return callable == nullptr;

@@ -15,17 +15,17 @@ struct Waiting {
   const NSObject* first = nullptr;
   bool draining = false;
 };
-// Every object that ends passes here: a fixed place saves it a call, and two words of the room that the
-// loader keeps for such places are little.
+// Every object that is destroyed passes through here: the initial-exec model saves it a call and takes only
+// two words of the space that the loader reserves for such variables.
 [[gnu::tls_model("initial-exec")]] thread_local Waiting waiting;
 
-// References taken and let go of in a destructor must not end the object a second time.
-constexpr std::uintptr_t countOfTheDying = std::numeric_limits<std::uintptr_t>::max() / 2;
+// References taken and released in a destructor must not destroy the object a second time.
+constexpr std::uintptr_t countDuringDestruction = std::numeric_limits<std::uintptr_t>::max() / 2;
 
 constexpr std::size_t hugePage = std::size_t{2} << 20;
 
-/// Asks for large pages in the middle of a large block: with small ones, the first touch of every page
-/// takes longer than what is written to it. Only a wish, so what becomes of it is nobody's matter.
+/// Asks for huge pages in the middle of a large block: with small pages, the first touch of each page takes
+/// longer than writing to it. This is only a hint, so its result is ignored.
 void preferHugePages(void* block, std::size_t size) {
   const auto start = reinterpret_cast<std::uintptr_t>(block);
   const std::uintptr_t from = (start + hugePage - 1) / hugePage * hugePage;
@@ -62,7 +62,7 @@ NSRef<NSString> NSObject::description() const {
 NSRef<NSObject> NSObject::copyObject() const { return const_cast<NSObject&>(*this); }
 
 NSRef<NSObject> NSObject::mutableCopyObject() const {
-  NSException::raise(NSInvalidArgumentException, "%@ has no growable kind", NSStringFromClass(isa()));
+  NSException::raise(NSInvalidArgumentException, "%@ has no mutable kind", NSStringFromClass(isa()));
 }
 
 void* NSObject::allocateBlock(std::size_t size, std::size_t tail) {
@@ -72,15 +72,15 @@ void* NSObject::allocateBlock(std::size_t size, std::size_t tail) {
   return block;
 }
 
-void NSObject::letGo() const noexcept {
+void NSObject::destroy() const noexcept {
   count_.store(reinterpret_cast<std::uintptr_t>(waiting.first), std::memory_order_relaxed);
   waiting.first = this;
   if (waiting.draining) return;
   waiting.draining = true;
   while (const NSObject* object = waiting.first) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the count of the waiting is a link.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the count of a waiting object is a link.
     waiting.first = reinterpret_cast<const NSObject*>(object->count_.load(std::memory_order_relaxed));
-    object->count_.store(countOfTheDying, std::memory_order_relaxed);
+    object->count_.store(countDuringDestruction, std::memory_order_relaxed);
     delete object;
   }
   waiting.draining = false;

@@ -15,7 +15,7 @@ class NSString;
 template <class Self, class Base>
 class NSObjectLayer;
 
-/// What is known about the equality of an object without asking it.
+/// What is known about the equality of an object without calling isEqual.
 enum class NSEquality {
   identity,  ///< equal only to itself, whatever its hash: looked up by its address
   hashed,    ///< its class says that equal objects have equal hashes: looked up by its hash
@@ -24,13 +24,13 @@ enum class NSEquality {
 
 /// Memory behind an object, in the same block.
 struct NSTail {
-  std::byte* start;  ///< the first byte, just behind the object
+  std::byte* start;  ///< the first byte, directly behind the object
   std::size_t size;  ///< in bytes
 };
 
-/// The root of all classes. An object lives on the heap, is shared through NSRef and NSRefPtr and let go of
-/// with the last of them, which may happen on any thread. Letting go of a chain of any length takes a
-/// fixed amount of stack: what an object lets go of in its destructor is destroyed after it.
+/// The root of all classes. An object lives on the heap, is shared through NSRef and NSRefPtr, and is
+/// destroyed when the last of them is released, which may happen on any thread. Releasing a chain of any
+/// length takes a constant amount of stack: what an object releases in its destructor is destroyed after it.
 class NS_EXPORT NSObject {
  public:
   NSObject(const NSObject&) = delete;
@@ -40,60 +40,62 @@ class NS_EXPORT NSObject {
   template <class Derived>
   using Subclass = NSObjectLayer<Derived, NSObject>;
 
-  /// The class whose isEqual agrees with its hash: equal objects, equal hashes. A class with an isEqual
-  /// and a hash of its own that agree names itself here; see NSEquality.
+  /// The class whose isEqual agrees with its hash: equal objects have equal hashes. A class that overrides
+  /// both so that they agree names itself here; see NSEquality.
   using HashAgreesWithEquality = NSObject;
 
-  /// The class itself, as an object.
+  /// Returns the class itself, as an object.
   static NSClass& classObject();
 
-  /// The class that the object was made of.
+  /// Returns the object's class.
   virtual NSClass& isa() const;
-  /// Whether it was made of the class or of one below it.
+  /// Whether the object's class is the given one or a subclass of it.
   bool isKindOfClass(const NSClass& other) const noexcept;
 
-  /// Whether the object equals another, which may be absent; here, whether it is the same one.
+  /// Returns whether the object equals another, which may be nil. By default, whether it is the same object.
   virtual bool isEqual(const NSRefPtr<NSObject>& other) const;
-  /// What sets and maps look an object up by: there, it must not change, and equal objects are found only by
-  /// the same one. Here, made of the address.
+  /// Returns the hash by which sets and dictionaries look an object up: it must not change while the object
+  /// is in one, and equal objects are found only if their hashes are equal. By default, made from the
+  /// address.
   virtual std::size_t hash() const;
-  /// What is known of isEqual; each class's layer answers this.
+  /// Returns what is known about isEqual; the layer of each class overrides this.
   virtual NSEquality equality() const { return NSEquality::identity; }
 
-  /// A text for people; here, the name of the class and the address.
+  /// Returns a string for people; by default, the name of the class and the address.
   virtual NSRef<NSString> description() const;
 
-  /// A fixed object with the same content: of a fixed object another reference, of a growable one a copy.
+  /// Returns an immutable object with the same content: another reference to an immutable object, a copy of a
+  /// mutable one.
   NSRef<NSObject> copy() const { return copyObject(); }
-  /// A new growable object. Raises the invalid-argument exception for a class that has no growable kind.
+  /// Returns a new mutable copy. Raises the invalid-argument exception for a class that has no mutable kind.
   NSRef<NSObject> mutableCopy() const { return mutableCopyObject(); }
 
-  /// Add a reference and take one away, the last one with the object. For the handles alone: hosts hold NSRef
-  /// and NSRefPtr. Safe from any thread.
+  /// Adds or removes a reference; removing the last one destroys the object. For the handles alone: hosts
+  /// hold NSRef and NSRefPtr. Safe from any thread.
   ///@{
   void retain() const noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
   void release() const noexcept {
-    // The only reference has nobody to race with: that saves short-lived objects an interlocked operation.
+    // Nothing can race with the only reference: that saves short-lived objects an atomic read-modify-write.
     if (count_.load(std::memory_order_acquire) == 1 || count_.fetch_sub(1, std::memory_order_acq_rel) == 1)
-      letGo();
+      destroy();
   }
   ///@}
 
-  /// Gives back a block, with what is behind the object.
+  /// Frees a block, including the tail behind the object.
   static void operator delete(void* block) noexcept { ::operator delete(block); }
 
  protected:
   NSObject() = default;
   virtual ~NSObject() = default;
 
-  /// What copy and mutableCopy answer; a class with a fixed or growable kind overrides them. Here, another
-  /// reference, and the invalid-argument exception.
+  /// Returns the result of copy and of mutableCopy; a class with an immutable or a mutable kind overrides
+  /// these. By default, returns another reference, and raises the invalid-argument exception.
   ///@{
   virtual NSRef<NSObject> copyObject() const;
   virtual NSRef<NSObject> mutableCopyObject() const;
   ///@}
 
-  /// A block for an object of `size` bytes and `tail` bytes behind it; throws std::bad_alloc.
+  /// Allocates a block for an object of `size` bytes and `tail` bytes behind it; throws std::bad_alloc.
   static void* allocateBlock(std::size_t size, std::size_t tail);
 
  private:
@@ -104,16 +106,16 @@ class NS_EXPORT NSObject {
   static void* operator new(std::size_t size) { return ::operator new(size); }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
 
-  /// Only allocation gives this a body, so that objects outside the heap do not compile.
+  /// Only allocation implements this, so that objects outside the heap do not compile.
   virtual void livesOnTheHeap() const = 0;
 
-  void letGo() const noexcept;
+  void destroy() const noexcept;
 
-  // The number of references; of an object that waits to be destroyed, the next one that waits.
+  // The number of references; for an object that waits to be destroyed, the next one that waits.
   mutable std::atomic<std::uintptr_t> count_{1};
 };
 
-/// What allocation makes of a class.
+/// The class that allocation instantiates.
 template <class Self>
 class NSAllocated final : public Self {
  public:
@@ -131,30 +133,30 @@ struct NSMemberClass<Type Declaring::*> {
   using type = Declaring;
 };
 
-/// Whether a class's isEqual and hash can be named, which overloads of theirs prevent.
+/// Whether the isEqual and hash of a class can be named, which overloads prevent.
 template <class Self>
 concept NSHasOneEquality = requires {
   &Self::isEqual;
   &Self::hash;
 };
 
-/// The layer between a class and its base that supplies what depends on the class itself: its class
-/// object, its allocation, and what can be known of its equality.
+/// The layer between a class and its base that supplies what depends on the class itself: its class object,
+/// its allocation, and what is known about its equality.
 template <class Self, class Base>
 class [[gnu::visibility("default")]] NSObjectLayer : public Base {
  public:
-  /// The base to derive a class below Self from.
+  /// The base to derive a subclass of Self from.
   template <class Derived>
   using Subclass = NSObjectLayer<Derived, Self>;
 
-  /// The class Self, as an object; one in the process, whichever shared object asks.
+  /// Returns the class Self, as an object; there is one in the process, whichever shared object asks for it.
   static NSClass& classObject();
-  /// Self, or what a class below it answers.
+  /// Returns the class Self; the layer of a subclass overrides this.
   NSClass& isa() const override { return classObject(); }
-  /// Found when compiling, from what Self says of its isEqual and hash.
+  /// Determined at compile time, from what Self declares about its isEqual and hash.
   NSEquality equality() const override { return equalityOfSelf(); }
 
-  /// A new object, before its initialiser ran. Hosts use factories, which run it.
+  /// Returns a new object whose initialiser has not run. Hosts use factories, which run it.
   template <class... Arguments>
   static NSRef<Self> alloc(Arguments && ... arguments) {
     static_assert(std::is_base_of_v<NSObjectLayer, Self>, "a class derives from Base::Subclass<itself>");
@@ -164,7 +166,8 @@ class [[gnu::visibility("default")]] NSObjectLayer : public Base {
  protected:
   using Base::Base;
 
-  /// As alloc, with `tail` bytes behind the object; the constructor gets the place of them first.
+  /// As alloc, with `tail` bytes behind the object, which the constructor receives as its first argument, an
+  /// NSTail.
   template <class... Arguments>
   static NSRef<Self> allocWithTail(std::size_t tail, Arguments && ... arguments) {
     using Allocated = NSAllocated<Self>;
@@ -182,7 +185,7 @@ class [[gnu::visibility("default")]] NSObjectLayer : public Base {
   template <class Member>
   using Declaring = typename NSMemberClass<Member>::type;
 
-  // A member function's type names the class that declares it, so an override is seen when compiling.
+  // A member function's type names the class that declares it, so an override is visible at compile time.
   static constexpr NSEquality equalityOfSelf() {
     if constexpr (NSHasOneEquality<Self>) {
       using Equality = Declaring<decltype(&Self::isEqual)>;

@@ -20,15 +20,15 @@ class NSRefPtr;
 /// Raises the invalid-argument exception: nil where an object is required.
 [[noreturn]] NS_EXPORT void NSRaiseNilReference();
 
-/// Whether U is T or a class below it.
+/// Whether U is T or a subclass of it.
 template <class U, class T>
 concept NSKindOf = std::convertible_to<U*, T*>;
 
-/// Whether U is a class below T, or the same class with other qualifiers.
+/// Whether U is a subclass of T, or the same class with other qualifiers.
 template <class U, class T>
 concept NSOtherKindOf = NSKindOf<U, T> && !std::same_as<U, T>;
 
-/// Whether a class T is made implicitly from a value, by its own operation `implicitly`.
+/// Whether a T is created implicitly from a value, by its static function `implicitly`.
 template <class Value, class T>
 concept NSConvertibleTo = requires(Value&& value) {
   { T::implicitly(std::forward<Value>(value)) } -> std::same_as<NSRefPtr<T>>;
@@ -43,10 +43,10 @@ class NSRefPtr {
   constexpr NSRefPtr() noexcept = default;
   constexpr NSRefPtr(std::nullptr_t) noexcept {}
   ///@}
-  /// Takes a reference to the object; a null pointer gives nil.
+  /// Takes a reference to the object; a null pointer becomes nil.
   explicit NSRefPtr(T* object) noexcept : object_(object) { retain(); }
-  /// Takes a reference to the object of another handle of either kind, whose class is T or one below it. A
-  /// move takes over the other handle's reference and leaves that handle nil.
+  /// Takes a reference to the object of another handle of either kind, whose class is T or a subclass of it.
+  /// A move takes over the other handle's reference and leaves that handle nil.
   ///@{
   NSRefPtr(const NSRefPtr& other) noexcept : object_(other.object_) { retain(); }
   NSRefPtr(NSRefPtr&& other) noexcept : object_(other.leak()) {}
@@ -69,7 +69,7 @@ class NSRefPtr {
     if (object_) object_->release();
   }
 
-  /// For classes that are made implicitly from other values, as blocks are from callables.
+  /// For classes that are created implicitly from other values, as blocks are from callables.
   template <NSConvertibleTo<T> Value>
   NSRefPtr(Value&& value) : NSRefPtr(T::implicitly(std::forward<Value>(value))) {}
 
@@ -89,9 +89,9 @@ class NSRefPtr {
   /// Hands the reference over to the caller; the handle is nil afterwards.
   T* leak() noexcept { return std::exchange(object_, nullptr); }
 
-  /// The object, or null for nil; valid for as long as a handle holds a reference to it.
+  /// Returns the object, or null for nil; valid for as long as a handle holds a reference to it.
   T* get() const noexcept { return object_; }
-  /// The object. Using nil is undefined; debug builds assert that the handle is not nil.
+  /// Returns the object. Using nil is undefined; debug builds assert that the handle is not nil.
   ///@{
   T& operator*() const noexcept {
     assert(object_ && "a nil handle is used");
@@ -115,8 +115,9 @@ class NSRefPtr {
 template <class T>
 class NSRef {
  public:
-  /// Takes a reference to the object, or to that of another handle of either kind, whose class is T or one
-  /// below it; a move takes over the other handle's reference. Nil raises the invalid-argument exception.
+  /// Takes a reference to the object, or to that of another handle of either kind, whose class is T or a
+  /// subclass of it; a move takes over the other handle's reference. Nil raises the invalid-argument
+  /// exception.
   ///@{
   NSRef(T& object) noexcept : handle_(&object) {}
   NSRef(std::nullptr_t) { NSRaiseNilReference(); }
@@ -136,13 +137,13 @@ class NSRef {
   /// Takes over a reference that the caller holds.
   static NSRef adopt(T& object) noexcept { return NSRef(Adopted{}, object); }
 
-  /// The object; valid for as long as a handle holds a reference to it.
+  /// Returns the object; valid for as long as a handle holds a reference to it.
   ///@{
   T* get() const { return required(handle_.get()); }
   T& operator*() const { return *get(); }
   T* operator->() const { return get(); }
   ///@}
-  /// The same handle where one that may be nil is expected.
+  /// Returns the same handle where one that may be nil is expected.
   operator const NSRefPtr<T>&() const {
     required(handle_.get());
     return handle_;

@@ -11,42 +11,42 @@
 #include <Foundation/NSObject.h>
 
 /// The content of an object: units that start in the object's own block, so that a short result costs one
-/// allocation, and move out of it when they outgrow it. Units are neither made nor destroyed, only moved.
-/// A storage that holds a secret cleanses every place that it leaves.
+/// allocation, and move out when they outgrow it. Units are neither constructed nor destroyed, only moved. A
+/// storage that holds a secret cleanses every block that it leaves.
 template <class Unit>
 class NSStorage {
   static_assert(std::is_trivially_copyable_v<Unit>);
-  // NOLINTNEXTLINE(bugprone-sizeof-expression): units may be pointers, whose own size is meant.
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): units may be pointers, and their own size is meant.
   static constexpr std::size_t unitSize = sizeof(Unit);
 
  public:
-  /// Starts, empty, in the tail, which must be aligned for the units.
+  /// Starts empty, in the tail, which must be aligned for the units.
   explicit NSStorage(NSTail tail) noexcept
       : units_(reinterpret_cast<Unit*>(tail.start)), capacity_(tail.size / unitSize) {}
   NSStorage(const NSStorage&) = delete;
   NSStorage& operator=(const NSStorage&) = delete;
   ~NSStorage() { leave(); }
 
-  /// The bytes behind an object that `count` units need; throws std::bad_alloc when there are no such.
+  /// Returns the number of bytes that `count` units need; throws std::bad_alloc if that overflows.
   static std::size_t bytesFor(std::size_t count) {
     if (count > (std::numeric_limits<std::size_t>::max)() / unitSize) throw std::bad_alloc();
     return count * unitSize;
   }
 
-  /// The units in place, until they move out; how many there are, and how many there is room for.
+  /// Returns the units in place, valid until they move out; their number; and how many there is room for.
   ///@{
   std::span<Unit> units() const noexcept { return {units_, count_}; }
   std::size_t count() const noexcept { return count_; }
   std::size_t capacity() const noexcept { return capacity_; }
   ///@}
 
-  /// Cuts, or adds units that hold anything.
+  /// Truncates the units, or adds uninitialised ones.
   void setCount(std::size_t count) {
     reserve(count);
     count_ = count;
   }
 
-  /// Makes room for `count` more units behind the present ones and answers their place.
+  /// Adds `count` uninitialised units at the end and returns a pointer to the first of them.
   Unit* grow(std::size_t count) {
     if (count > (std::numeric_limits<std::size_t>::max)() - count_) throw std::bad_alloc();
     if (count_ + count > capacity_) reserve((std::max)(count_ + count, count_ + count_ / 2 + 8));
@@ -57,7 +57,7 @@ class NSStorage {
   /// Appends a copy of the units, which may be this storage's own.
   void append(std::span<const Unit> added) {
     if (added.empty()) return;
-    // Growing would move its own units away.
+    // Growing would move this storage's own units away.
     if (added.data() >= units_ && added.data() < units_ + count_) {
       const std::ptrdiff_t offset = added.data() - units_;
       Unit* place = grow(added.size());
@@ -67,7 +67,7 @@ class NSStorage {
     }
   }
 
-  /// Makes room for as many units in all; throws std::bad_alloc.
+  /// Makes room for `capacity` units in all; throws std::bad_alloc.
   void reserve(std::size_t capacity) {
     if (capacity <= capacity_) return;
     auto* moved = static_cast<Unit*>(::operator new(bytesFor(capacity)));
@@ -78,7 +78,7 @@ class NSStorage {
     outgrown_ = true;
   }
 
-  /// Whether every place that is left from now on is cleansed.
+  /// Whether every block that is left from now on is cleansed.
   ///@{
   bool holdsSecret() const noexcept { return secret_; }
   void setHoldsSecret(bool secret) noexcept { secret_ = secret; }
