@@ -7,7 +7,7 @@
 
 namespace {
 
-// Walks a format and its arguments side by side.
+// Goes through a format and its arguments in parallel.
 class Filler {
  public:
   Filler(std::u16string_view format, std::span<const NSFormatArg> arguments)
@@ -34,7 +34,7 @@ class Filler {
   }
 
   void fillObject(const NSFormatArg& argument) {
-    if (!argument.isObject()) refuse("%@ wants an object");
+    if (!argument.isObject()) refuse("%@ requires an object");
     const NSRefPtr<NSObject> object = argument.object().get();
     if (!object) return result_->appendCharacters(u"(null)");
     result_->appendString(object->description());
@@ -60,7 +60,7 @@ class Filler {
     return argument;
   }
 
-  // Not through NSException::raise, which formats.
+  // Not by NSException::raise, which would format the reason.
   [[noreturn]] static void refuse(std::string_view why) {
     throw NSException(NSInvalidArgumentException, NSString::stringWithUTF8String(why));
   }

@@ -7,14 +7,14 @@
 #include <Foundation/NSArg.h>
 #include <Foundation/NSObject.h>
 
-/// An object in any spelling that NSObjectArg takes, other than a literal.
+/// An object in any form that NSObjectArg takes, other than a literal.
 template <class Value>
 concept NSFormattedObject = std::convertible_to<const Value&, NSObjectArg> && !std::is_array_v<Value>;
 
 /// One argument of a format: an object or nil, or an integer. It holds no reference to the object.
 class NSFormatArg {
  public:
-  /// An integer of any width, or an object as NSFormattedObject says.
+  /// Takes an integer of any width, or an object in the forms that NSFormattedObject allows.
   ///@{
   template <std::signed_integral Integer>
   NSFormatArg(Integer value) noexcept : kind_(Kind::signedInteger), integer_(value) {}
@@ -24,14 +24,14 @@ class NSFormatArg {
   NSFormatArg(const Value& object) : object_(object) {}
   ///@}
 
-  /// Which of the three kinds it is of. A boolean is unsigned.
+  /// Which of the three kinds the argument is. A boolean is unsigned.
   ///@{
   bool isObject() const noexcept { return kind_ == Kind::object; }
   bool isSigned() const noexcept { return kind_ == Kind::signedInteger; }
   bool isUnsigned() const noexcept { return kind_ == Kind::unsignedInteger; }
   ///@}
 
-  /// The value; nil or 0 for an argument of another kind.
+  /// Returns the value; nil or 0 for an argument of another kind.
   ///@{
   NSObjectArg object() const noexcept { return object_; }
   long long signedInteger() const noexcept { return integer_; }
@@ -47,9 +47,10 @@ class NSFormatArg {
   unsigned long long unsignedInteger_ = 0;
 };
 
-/// The format with its directives filled in, in order: "%@" an object's description, "(null)" for nil; "%d" a
-/// signed decimal; "%lu" an unsigned one; "%%" a per cent sign. An unknown directive, a missing or left-over
-/// argument or one of the wrong kind raises the invalid-argument exception.
+/// Returns the format with its directives filled in, in order: "%@" is replaced by an object's description,
+/// or by "(null)" for nil; "%d" by a signed decimal; "%lu" by an unsigned one; "%%" by a percent sign. An
+/// unknown directive, a missing or surplus argument, or one of the wrong kind raises the invalid-argument
+/// exception.
 ///@{
 NS_EXPORT NSRef<NSString> NSFormat(const NSString& format, std::span<const NSFormatArg> arguments);
 NS_EXPORT NSRef<NSString> NSFormat(const NSString& format, std::initializer_list<NSFormatArg> arguments);

@@ -33,7 +33,7 @@ void NSMutableString::append(std::string_view units) {
   std::copy(units.begin(), units.end(), place);
 }
 
-// The units may be the text's own: then it is wide already, and the storage sees to the rest.
+// The units may be this string's own: then it is already wide, and the storage handles the rest.
 void NSMutableString::append(std::u16string_view units) {
   widen();
   storage_.append(std::as_bytes(std::span(units)));
@@ -50,7 +50,7 @@ void NSMutableString::widen() {
 }
 
 NSRef<NSString> NSMutableString::fixedCopy() const {
-  const NSRef<NSString> fixed = visit([](auto units) -> NSRef<NSString> {
+  const NSRef<NSString> copy = visit([](auto units) -> NSRef<NSString> {
     if constexpr (std::is_same_v<decltype(units), std::string_view>) {
       return stringWithASCIILength(
           units.size(), [&](std::span<char> place) { std::copy(units.begin(), units.end(), place.begin()); });
@@ -58,6 +58,6 @@ NSRef<NSString> NSMutableString::fixedCopy() const {
       return stringWithCharacters(units);
     }
   });
-  fixed->setHoldsSecret(holdsSecret());
-  return fixed;
+  copy->setHoldsSecret(holdsSecret());
+  return copy;
 }

@@ -2,21 +2,21 @@
 
 #include <Foundation/NSString.h>
 
-/// A text that grows. It starts in its own block and as ASCII, and becomes UTF-16 with the first unit
-/// that is not. For one thread at a time.
+/// A mutable string. Its content starts in the object's own block and as ASCII, and becomes UTF-16 with the
+/// first code unit that is not ASCII. For one thread at a time.
 class NS_EXPORT NSMutableString : public NSString::Subclass<NSMutableString> {
  public:
-  /// Empty, with room for `capacity` ASCII characters in its own block.
+  /// Returns an empty string with room for `capacity` ASCII characters in its own block.
   ///@{
   static NSRef<NSMutableString> string() { return stringWithCapacity(0); }
   static NSRef<NSMutableString> stringWithCapacity(std::size_t capacity);
   ///@}
-  /// A new text of the same content; nil raises the invalid-argument exception.
+  /// Returns a new string with the same content; nil raises the invalid-argument exception.
   static NSRef<NSMutableString> stringWithString(NSStringArg text);
 
-  /// Append a text, which may be this one, any code units, or a filled-in format. Nil, and a format that
-  /// does not fit, raise the invalid-argument exception and change nothing. A secret text makes this one a
-  /// secret, too; an argument of a format does not.
+  /// Appends a string, which may be this one, any code units, or a filled-in format. Nil, and a format that
+  /// does not fit its arguments, raise the invalid-argument exception and change nothing. A secret string
+  /// makes this one a secret, too; an argument of a format does not.
   ///@{
   void appendString(NSStringArg tail);
   void appendCharacters(std::u16string_view units);
@@ -26,11 +26,11 @@ class NS_EXPORT NSMutableString : public NSString::Subclass<NSMutableString> {
   }
   ///@}
 
-  /// A fixed text of the content at this moment.
+  /// Returns an immutable string with the current content.
   NSRef<NSString> copy() const { return fixedCopy(); }
 
  protected:
-  /// How the growable kind is made and copied.
+  /// How a mutable string is created and copied.
   ///@{
   explicit NSMutableString(NSTail tail) : Subclass(tail, false) {}
   NSRef<NSString> fixedCopy() const override;

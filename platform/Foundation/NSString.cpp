@@ -35,7 +35,7 @@ NSRef<NSString> stringWithUnits(std::string_view units) {
 
 NSRef<NSString> stringWithUnits(std::u16string_view units) { return NSString::stringWithCharacters(units); }
 
-// Of a secret no copy is left behind, not even of the part before a fault.
+// Leaves no copy of a secret behind, not even of the part before a malformed sequence.
 NSRefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
   if (NSIsASCII(bytes)) return stringWithUnits(bytes);
   if (secret && !NSIsUTF8(bytes)) return nullptr;
@@ -46,7 +46,7 @@ NSRefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
   return text;
 }
 
-/// A part of a text, which holds a secret where that does.
+/// Returns a part of a string, which holds a secret if the string does.
 template <class Unit>
 NSRef<NSString> part(std::basic_string_view<Unit> units, bool secret) {
   const NSRef<NSString> text = stringWithUnits(units);
@@ -67,7 +67,7 @@ NSRef<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<
 }
 
 [[noreturn]] void raiseRange(std::size_t index, std::size_t length) {
-  NSException::raise(NSRangeException, "index %lu is beyond the text's length %lu", index, length);
+  NSException::raise(NSRangeException, "index %lu is beyond the string's length %lu", index, length);
 }
 
 }  // namespace
@@ -144,7 +144,8 @@ std::optional<std::string> NSString::UTF8String() const {
 NSString::operator std::string() const {
   std::optional<std::string> bytes = UTF8String();
   if (!bytes)
-    NSException::raise(NSInvalidArgumentException, "a text with an unpaired surrogate is not UTF-8");
+    NSException::raise(NSInvalidArgumentException,
+                       "a string with an unpaired surrogate cannot be encoded in UTF-8");
   return *std::move(bytes);
 }
 
@@ -180,7 +181,7 @@ NSRef<NSArray> NSString::componentsSeparatedByString(NSStringArg separator) cons
     return parts(std::u16string_view(unitsAs<char16_t>(), length()),
                  std::u16string_view(std::u16string(*mark)), holdsSecret());
   const std::string_view units(unitsAs<char>(), length());
-  // What is not ASCII is nowhere in a text that is.
+  // A string that is not ASCII does not occur in one that is.
   if (mark->wide_) return NSArray::arrayWithObject(part(units, holdsSecret()));
   return parts(units, std::string_view(mark->unitsAs<char>(), mark->length()), holdsSecret());
 }

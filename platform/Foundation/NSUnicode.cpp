@@ -9,7 +9,7 @@ namespace {
 constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
-// The scalar value of a sequence that is known to be well formed.
+// Returns the scalar value of a sequence that is known to be well-formed.
 char32_t decodedSequence(std::string_view sequence) {
   constexpr unsigned char leadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
   auto value = static_cast<char32_t>(static_cast<unsigned char>(sequence[0]) & leadBits[sequence.size()]);
@@ -80,7 +80,7 @@ std::optional<std::u16string> NSUTF16FromUTF8(std::string_view text) {
 
 std::optional<std::string> NSUTF8FromUTF16(std::u16string_view text) {
   std::string bytes;
-  bytes.reserve(3 * text.size());  // as much as it may need: growing would leave a copy of a secret behind
+  bytes.reserve(3 * text.size());  // the most it may need: growing would leave a copy of a secret behind
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t value = text[i];
     if (isHighSurrogate(text[i]) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {

@@ -8,11 +8,11 @@
 #include <Foundation/NSExport.h>
 
 /// @file
-/// Strict conversions between UTF-8 and 16-bit code units (RFC 3629, RFC 2781): what is not well formed is
-/// answered with absent, never repaired. Pure functions, for any number of threads.
+/// Strict conversions between UTF-8 and 16-bit code units (RFC 3629, RFC 2781): malformed input is reported,
+/// never repaired. Pure functions, for any number of threads.
 
-/// The length of one well-formed UTF-8 sequence at the start of `text`, 1 to 4, or 0 where there is none:
-/// an overlong form, a surrogate, a value above U+10FFFF, a truncated sequence, a stray byte.
+/// Returns the length of the well-formed UTF-8 sequence at the start of `text`, 1 to 4, or 0 if there is
+/// none: an overlong form, a surrogate, a value above U+10FFFF, a truncated sequence, a stray byte.
 constexpr std::size_t NSLengthOfUTF8Sequence(std::string_view text) {
   const auto byte = [text](std::size_t i) {
     return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
@@ -34,7 +34,7 @@ constexpr std::size_t NSLengthOfUTF8Sequence(std::string_view text) {
   return overlong || beyond || !continues(3) ? 0 : 4;
 }
 
-/// Whether all bytes are well-formed UTF-8; the empty text is.
+/// Whether all bytes are well-formed UTF-8; true for no bytes.
 constexpr bool NSIsUTF8(std::string_view text) {
   while (!text.empty()) {
     const std::size_t length = NSLengthOfUTF8Sequence(text);
@@ -50,7 +50,7 @@ NS_EXPORT bool NSIsASCII(std::string_view text) noexcept;
 NS_EXPORT bool NSIsASCII(std::u16string_view text) noexcept;
 ///@}
 
-/// Absent when the bytes are not UTF-8.
+/// Returns std::nullopt for malformed UTF-8.
 NS_EXPORT std::optional<std::u16string> NSUTF16FromUTF8(std::string_view text);
-/// Absent when a surrogate stands alone.
+/// Returns std::nullopt if a surrogate is unpaired.
 NS_EXPORT std::optional<std::string> NSUTF8FromUTF16(std::u16string_view text);
