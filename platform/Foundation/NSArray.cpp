@@ -11,7 +11,7 @@ namespace {
 
 void checkIndex(std::size_t index, std::size_t end) {
   if (index >= end)
-    NSException::raise(NSRangeException, "index %lu is beyond the list's end %lu", index, end);
+    NSException::raise(NSRangeException, "index %lu is beyond the array's end %lu", index, end);
 }
 
 }  // namespace
@@ -89,9 +89,9 @@ NSRef<NSMutableArray> NSMutableArray::arrayWithObjects(std::initializer_list<NSO
 }
 
 NSRef<NSArray> NSMutableArray::fixedCopy() const {
-  const NSRef<NSArray> fixed = NSArray::allocWithTail(NSStorage<NSObject*>::bytesFor(count()));
-  appendRetained(*this, *fixed);
-  return fixed;
+  const NSRef<NSArray> copy = NSArray::allocWithTail(NSStorage<NSObject*>::bytesFor(count()));
+  appendRetained(*this, *copy);
+  return copy;
 }
 
 void NSMutableArray::addObject(NSObjectArg object) { insertObject(object, count()); }
@@ -156,19 +156,19 @@ void NSMutableArray::removeObjectsInArray(const NSRefPtr<NSArray>& objects) {
   });
 }
 
-// Decides first, for an equality may raise, and lets go last, for a destructor may look at the list.
+// Decides first, because isEqual may raise, and releases last, because a destructor may look at the array.
 template <class Unwanted>
 void NSMutableArray::removeObjectsWhere(Unwanted&& unwanted) {
-  std::vector<bool> goes;
-  goes.reserve(count());
-  for (const NSRef<NSObject> element : *this) goes.push_back(unwanted(*element));
+  std::vector<bool> isUnwanted;
+  isUnwanted.reserve(count());
+  for (const NSRef<NSObject> element : *this) isUnwanted.push_back(unwanted(*element));
   std::vector<NSRefPtr<NSObject>> removed;
-  removed.reserve(static_cast<std::size_t>(std::count(goes.begin(), goes.end(), true)));
+  removed.reserve(static_cast<std::size_t>(std::count(isUnwanted.begin(), isUnwanted.end(), true)));
   ++changes_;
   const auto units = storage_.units();
   std::size_t kept = 0;
   for (std::size_t i = 0; i < units.size(); ++i) {
-    if (goes[i])
+    if (isUnwanted[i])
       removed.push_back(NSRefPtr<NSObject>::adopt(units[i]));
     else
       units[kept++] = units[i];

@@ -10,15 +10,15 @@
 
 class NSMutableArray;
 
-/// What a search answers when there is nothing to find.
+/// What a search returns when it finds nothing.
 inline constexpr std::size_t NSNotFound = (std::numeric_limits<std::size_t>::max)();
 
-/// An ordered list of objects. Equality of elements is value equality, asked of the element in the list.
-/// Fixed, so that any number of threads may use one at once.
+/// An ordered collection of objects. Elements are compared by value, by calling isEqual of the element in the
+/// array. Immutable, so that any number of threads may use one at once.
 class NS_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
  public:
-  /// A list of no objects, of one, of several, or of those in another list, which is shared when it is
-  /// fixed. Nil among the objects raises the invalid-argument exception.
+  /// Returns an array of no objects, of one, of several, or of those in another array, which is itself
+  /// returned if it is immutable. Nil among the objects raises the invalid-argument exception.
   ///@{
   static NSRef<NSArray> array();
   static NSRef<NSArray> arrayWithObject(NSObjectArg object) { return arrayWithObjects({object}); }
@@ -26,11 +26,11 @@ class NS_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
   static NSRef<NSArray> arrayWithArray(const NSRef<NSArray>& array) { return array->copy(); }
   ///@}
 
-  /// The number of elements, in constant time.
+  /// Returns the number of elements, in constant time.
   std::size_t count() const override { return storage_.count(); }
-  /// Raises the range exception from `count` on.
+  /// Returns the element at `index`. Raises the range exception if `index` is not less than `count`.
   NSRef<NSObject> objectAtIndex(std::size_t index) const;
-  /// Absent when the list is empty.
+  /// Returns the first or the last element, or nil if the array is empty.
   ///@{
   NSRefPtr<NSObject> firstObject() const {
     return count() ? NSRefPtr<NSObject>(storage_.units().front()) : nullptr;
@@ -39,14 +39,15 @@ class NS_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
     return count() ? NSRefPtr<NSObject>(storage_.units().back()) : nullptr;
   }
   ///@}
-  /// Whether an element equals the object; which is the first that does, or NSNotFound. Linear.
+  /// Returns whether an element equals the object, and the index of the first that does, or NSNotFound.
+  /// Linear.
   ///@{
   bool containsObject(NSObjectArg object) const { return indexOfObject(object) != NSNotFound; }
   std::size_t indexOfObject(NSObjectArg object) const;
   ///@}
 
-  /// Calls `each(element, index, stop)` in order until it sets `*stop`; raises the generic exception when
-  /// the list changes meanwhile.
+  /// Calls `each(element, index, stop)` in order until it sets `*stop`. Raises the generic exception if the
+  /// array changes during the enumeration.
   template <class Each>
   void enumerateObjectsUsingBlock(Each&& each) const {
     bool stop = false;
@@ -57,24 +58,26 @@ class NS_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
     }
   }
 
-  /// The elements' descriptions, a text's being itself, with the separator between neighbours.
+  /// Returns the elements' descriptions, joined by the separator. The description of a string is the string
+  /// itself.
   NSRef<NSString> componentsJoinedByString(NSStringArg separator) const;
 
-  /// Equal is a list of as many elements, each equal to the one in its place. The hash is the count. The
-  /// description is that of the elements, in parentheses, with ", " between neighbours.
+  /// Arrays are equal if they have the same number of elements and each element equals the one at the same
+  /// index. The hash is the count. The description is the elements' descriptions, in parentheses and
+  /// separated by ", ".
   ///@{
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return count(); }
   NSRef<NSString> description() const override;
   ///@}
-  /// As NSObject's; the elements are shared, not copied.
+  /// As in NSObject; the elements are shared, not copied.
   ///@{
   NSRef<NSArray> copy() const { return fixedCopy(); }
   NSRef<NSMutableArray> mutableCopy() const;
   ///@}
 
  protected:
-  /// What lists and growable lists share: how they are made, copied and walked. The storage holds a
+  /// What immutable and mutable arrays share: creation, copying and enumeration. The storage holds a
   /// reference to each element.
   ///@{
   explicit NSArray(NSTail tail) : storage_(tail) {}
@@ -93,11 +96,11 @@ class NS_EXPORT NSArray : public NSFastEnumeration::Subclass<NSArray> {
   ///@}
 };
 
-/// A list that grows, and is changed in place. For one thread at a time.
+/// A mutable array, changed in place. For one thread at a time.
 class NS_EXPORT NSMutableArray : public NSArray::Subclass<NSMutableArray> {
  public:
-  /// A new list, empty or of the objects, with room for `capacity` in its own block. Nil among the objects
-  /// raises the invalid-argument exception.
+  /// Returns a new array, empty or of the objects, with room for `capacity` objects in its own block. Nil
+  /// among the objects raises the invalid-argument exception.
   ///@{
   static NSRef<NSMutableArray> array() { return arrayWithCapacity(0); }
   static NSRef<NSMutableArray> arrayWithCapacity(std::size_t capacity);
@@ -105,9 +108,10 @@ class NS_EXPORT NSMutableArray : public NSArray::Subclass<NSMutableArray> {
   static NSRef<NSMutableArray> arrayWithArray(const NSRef<NSArray>& array) { return array->mutableCopy(); }
   ///@}
 
-  /// Nil raises the invalid-argument exception, an index beyond the list the range exception, as does
-  /// taking the last object of none; the list is then as it was. An object may be inserted at `count`.
-  /// Adding takes constant time on average, inserting and removing move all that comes after.
+  /// Adds, inserts, replaces or removes objects. Nil raises the invalid-argument exception; an index beyond
+  /// the end, or removing the last object of an empty array, raises the range exception. The array is then
+  /// unchanged. An object may be inserted at `count`. Adding takes constant time on average; inserting and
+  /// removing move all later elements.
   ///@{
   void addObject(NSObjectArg object);
   void addObjectsFromArray(const NSRef<NSArray>& objects);
@@ -119,15 +123,15 @@ class NS_EXPORT NSMutableArray : public NSArray::Subclass<NSMutableArray> {
   ///@}
   /// Removes every element that equals the object.
   void removeObject(NSObjectArg object);
-  /// Removes every element that equals one of the objects; absent objects remove nothing. The cost grows
-  /// with the sum of both counts where NSEquality allows it, else with the product.
+  /// Removes every element that equals one of the objects; nil removes nothing. The cost grows with the sum
+  /// of both counts where NSEquality allows it, otherwise with their product.
   void removeObjectsInArray(const NSRefPtr<NSArray>& objects);
 
-  /// A fixed list of the elements at this moment.
+  /// Returns an immutable array of the current elements.
   NSRef<NSArray> copy() const { return fixedCopy(); }
 
  protected:
-  /// How a growable list is made and copied, and how a walk sees that it changed.
+  /// How a mutable array is created and copied, and how an enumeration notices a change.
   ///@{
   explicit NSMutableArray(NSTail tail) : NSArray::Subclass<NSMutableArray>(tail) {}
   NSRef<NSArray> fixedCopy() const override;

@@ -30,10 +30,10 @@ NSRef<NSArray> NSDictionary::allValues() const {
 }
 
 bool NSDictionary::isEqual(const NSRefPtr<NSObject>& other) const {
-  const auto* map = NSDynamicCast<NSDictionary>(other.get());
-  if (!map || map->count() != count()) return false;
+  const auto* dictionary = NSDynamicCast<NSDictionary>(other.get());
+  if (!dictionary || dictionary->count() != count()) return false;
   for (const NSOrderedTable::Row& row : table_.rows())
-    if (!row.value->isEqual(map->objectForKey(row.key))) return false;
+    if (!row.value->isEqual(dictionary->objectForKey(row.key))) return false;
   return true;
 }
 
@@ -50,9 +50,9 @@ NSRef<NSObject> NSDictionary::mutableCopyObject() const { return mutableCopy(); 
 
 NSRef<NSMutableDictionary> NSMutableDictionary::dictionaryWithObjectsAndKeys(
     std::initializer_list<ObjectAndKey> pairs) {
-  const NSRef<NSMutableDictionary> map = dictionary();
-  for (const auto& [object, key] : pairs) map->setObject(object, key);
-  return map;
+  const NSRef<NSMutableDictionary> made = dictionary();
+  for (const auto& [object, key] : pairs) made->setObject(object, key);
+  return made;
 }
 
 void NSMutableDictionary::setObject(NSObjectArg object, NSObjectArg forKey) {

@@ -10,37 +10,37 @@
 class NSArray;
 class NSMutableDictionary;
 
-/// Objects by key, kept in the order in which the keys were put in, which is the order of the walk over
-/// the keys. Keys are copied and compared by value. Fixed, so that any number of threads may use one at
-/// once.
+/// Objects by key, kept in the order in which the keys were inserted, which is the order of enumeration. Keys
+/// are copied and compared by value. Immutable, so that any number of threads may use one at once.
 class NS_EXPORT NSDictionary : public NSFastEnumeration::Subclass<NSDictionary> {
  public:
-  /// One pair of a factory's list, in the order of its name.
+  /// One pair that a factory takes, in the order of the factory's name.
   struct ObjectAndKey {
-    NSObjectArg object;  ///< what is kept
-    NSObjectArg key;     ///< what it is found by, copied
+    NSObjectArg object;  ///< the object that is kept
+    NSObjectArg key;     ///< the key that finds it, copied
   };
 
-  /// A map of none, one or several. Nil raises the invalid-argument exception; for a key that is given twice
-  /// the last object counts.
+  /// Returns a dictionary of no pairs, of one, or of several. Nil raises the invalid-argument exception; if a
+  /// key is given twice, the last object counts.
   ///@{
   static NSRef<NSDictionary> dictionary();
   static NSRef<NSDictionary> dictionaryWithObject(NSObjectArg object, NSObjectArg forKey);
   static NSRef<NSDictionary> dictionaryWithObjectsAndKeys(std::initializer_list<ObjectAndKey> pairs);
   ///@}
 
-  /// The number of keys, in constant time.
+  /// Returns the number of keys, in constant time.
   std::size_t count() const override { return table_.rows().size(); }
-  /// Absent when there is none for the key, or the key is nil. Takes constant time on average.
+  /// Returns the object for the key, or nil if there is none or the key is nil. Takes constant time on
+  /// average.
   NSRefPtr<NSObject> objectForKey(NSObjectArg key) const;
-  /// New lists, both in the order of the walk.
+  /// Returns the keys, or the objects, in a new array, in the order of enumeration.
   ///@{
   NSRef<NSArray> allKeys() const;
   NSRef<NSArray> allValues() const;
   ///@}
 
-  /// Calls `each(key, object, stop)` in order until it sets `*stop`; raises the generic exception when
-  /// the map changes meanwhile.
+  /// Calls `each(key, object, stop)` in order until it sets `*stop`. Raises the generic exception if the
+  /// dictionary changes during the enumeration.
   template <class Each>
   void enumerateKeysAndObjectsUsingBlock(Each&& each) const {
     bool stop = false;
@@ -52,21 +52,21 @@ class NS_EXPORT NSDictionary : public NSFastEnumeration::Subclass<NSDictionary> 
     }
   }
 
-  /// Equal is a map of as many keys with an equal object for each, in any order. The hash is the count. The
-  /// description is "{key = object; key = object}".
+  /// Dictionaries are equal if they have the same number of keys and an equal object for each key, in any
+  /// order. The hash is the count. The description is "{key = object; key = object}".
   ///@{
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return count(); }
   NSRef<NSString> description() const override;
   ///@}
-  /// As NSObject's; keys and objects are shared, not copied.
+  /// As in NSObject; keys and objects are shared, not copied.
   ///@{
   NSRef<NSDictionary> copy() const { return fixedCopy(); }
   NSRef<NSMutableDictionary> mutableCopy() const;
   ///@}
 
  protected:
-  /// What both kinds share: how they are made, copied and walked.
+  /// What immutable and mutable dictionaries share: creation, copying and enumeration.
   ///@{
   NSDictionary() = default;
   explicit NSDictionary(const NSOrderedTable& table) : table_(table) {}
@@ -81,29 +81,29 @@ class NS_EXPORT NSDictionary : public NSFastEnumeration::Subclass<NSDictionary> 
   ///@}
 };
 
-/// A map that is changed in place. For one thread at a time.
+/// A mutable dictionary, changed in place. For one thread at a time.
 class NS_EXPORT NSMutableDictionary : public NSDictionary::Subclass<NSMutableDictionary> {
  public:
-  /// As NSDictionary's, and always new.
+  /// As in NSDictionary, but always returns a new one.
   ///@{
   static NSRef<NSMutableDictionary> dictionary() { return alloc(); }
   static NSRef<NSMutableDictionary> dictionaryWithObjectsAndKeys(std::initializer_list<ObjectAndKey> pairs);
   ///@}
 
-  /// Nil as object or key raises the invalid-argument exception; the map is then as it was. A key that is
-  /// there keeps its place.
+  /// Sets the object for the key. Nil as object or key raises the invalid-argument exception and leaves the
+  /// dictionary unchanged. An existing key keeps its place.
   void setObject(NSObjectArg object, NSObjectArg forKey);
-  /// A key that is not there, or nil, removes nothing. Linear.
+  /// Removes a key with its object, or all of them. A missing or nil key removes nothing. Linear.
   ///@{
   void removeObjectForKey(NSObjectArg key);
   void removeAllObjects();
   ///@}
 
-  /// A fixed map of the keys and objects at this moment.
+  /// Returns an immutable dictionary of the current keys and objects.
   NSRef<NSDictionary> copy() const { return fixedCopy(); }
 
  protected:
-  /// How the growable kind is made and copied, and how a walk sees that it changed.
+  /// How a mutable dictionary is created and copied, and how an enumeration notices a change.
   ///@{
   NSMutableDictionary() = default;
   explicit NSMutableDictionary(const NSOrderedTable& table)

@@ -5,19 +5,19 @@
 
 #include <Foundation/NSObject.h>
 
-/// What the collections have in common: their elements can be walked in the collection's order, by a range
-/// for loop. A change of the collection during the walk raises the generic exception at the next step.
-/// Hosts derive collections of their own from it.
+/// The common base of the collections: a range-based for loop enumerates the elements in the collection's
+/// order. Changing the collection during the enumeration raises the generic exception at the next step. Hosts
+/// derive their own collections from it.
 class NS_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnumeration> {
  public:
-  /// The number of elements at this moment.
+  /// Returns the current number of elements.
   virtual std::size_t count() const = 0;
 
-  /// One pass over a collection, which it does not share in and which must outlive it. Comparing it with the
-  /// end raises the generic exception when the collection has changed since the walk began.
+  /// One pass over a collection, to which it holds no reference and which must outlive it. Comparing it with
+  /// the end raises the generic exception if the collection has changed since the enumeration began.
   class Iterator {
    public:
-    /// What the algorithms of the standard library ask of an input iterator.
+    /// What the algorithms of the standard library require of an input iterator.
     ///@{
     using iterator_category = std::input_iterator_tag;
     using value_type = NSRef<NSObject>;
@@ -45,16 +45,16 @@ class NS_EXPORT NSFastEnumeration : public NSObject::Subclass<NSFastEnumeration>
     std::size_t index_ = 0;
   };
 
-  /// The walk, for a range for loop.
+  /// Begin and end of the enumeration, for a range-based for loop.
   ///@{
   Iterator begin() const { return Iterator(*this); }
   std::default_sentinel_t end() const { return {}; }
   ///@}
 
  protected:
-  /// An object below `count`, in the order of the walk.
+  /// Returns the object at `index`, which is less than `count`, in the order of enumeration.
   virtual NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const = 0;
-  /// A number that differs after each change; a fixed collection keeps it.
+  /// Returns a number that differs after each change; an immutable collection always returns the same one.
   virtual std::size_t changes() const noexcept { return 0; }
 
  private:

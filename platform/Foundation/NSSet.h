@@ -8,37 +8,39 @@
 
 class NSMutableSet;
 
-/// Objects of which no two are equal, walked in the order in which they were put in. Fixed, so that any
-/// number of threads may use one at once.
+/// Objects of which no two are equal, enumerated in the order in which they were inserted. Immutable, so that
+/// any number of threads may use one at once.
 class NS_EXPORT NSSet : public NSFastEnumeration::Subclass<NSSet> {
  public:
-  /// A set of none, or of the objects, of equal ones the first. Nil among them raises the invalid-argument
-  /// exception.
+  /// Returns an empty set, or a set of the objects, keeping the first of equal ones. Nil among them raises
+  /// the invalid-argument exception.
   ///@{
   static NSRef<NSSet> set();
   static NSRef<NSSet> setWithObjects(std::initializer_list<NSObjectArg> objects);
   ///@}
 
-  /// The number of objects, in constant time.
+  /// Returns the number of objects, in constant time.
   std::size_t count() const override { return table_.rows().size(); }
-  /// Whether an object of the set equals this one; nil none does. Takes constant time on average.
+  /// Returns whether an object of the set equals the given one; false for nil. Takes constant time on
+  /// average.
   bool containsObject(NSObjectArg object) const { return table_.indexOf(object.get()).has_value(); }
 
-  /// Equal is a set of as many objects, each equal to one of these, in any order. The hash is the count. The
-  /// description is that of the objects, in braces, with ", " between neighbours.
+  /// Sets are equal if they have the same number of objects and each object equals one in the other set, in
+  /// any order. The hash is the count. The description is the objects' descriptions, in braces and separated
+  /// by ", ".
   ///@{
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return count(); }
   NSRef<NSString> description() const override;
   ///@}
-  /// As NSObject's; the objects are shared, not copied.
+  /// As in NSObject; the objects are shared, not copied.
   ///@{
   NSRef<NSSet> copy() const { return fixedCopy(); }
   NSRef<NSMutableSet> mutableCopy() const;
   ///@}
 
  protected:
-  /// What both kinds share: how they are made, copied and walked.
+  /// What immutable and mutable sets share: creation, copying and enumeration.
   ///@{
   NSSet() = default;
   explicit NSSet(const NSOrderedTable& table) : table_(table) {}
@@ -53,28 +55,30 @@ class NS_EXPORT NSSet : public NSFastEnumeration::Subclass<NSSet> {
   ///@}
 };
 
-/// A set that is changed in place. For one thread at a time.
+/// A mutable set, changed in place. For one thread at a time.
 class NS_EXPORT NSMutableSet : public NSSet::Subclass<NSMutableSet> {
  public:
-  /// As NSSet's, and always new.
+  /// As in NSSet, but always returns a new one.
   ///@{
   static NSRef<NSMutableSet> set() { return alloc(); }
   static NSRef<NSMutableSet> setWithObjects(std::initializer_list<NSObjectArg> objects);
   ///@}
 
-  /// Nil raises the invalid-argument exception. Where the set has an equal object, that one stays.
+  /// Adds the object; if the set already has an equal one, that one stays. Nil raises the invalid-argument
+  /// exception.
   void addObject(NSObjectArg object);
-  /// An object that is not there, or nil, removes nothing. Linear.
+  /// Removes the object that equals the given one, or all objects. Removes nothing for nil or if none is
+  /// equal. Linear.
   ///@{
   void removeObject(NSObjectArg object);
   void removeAllObjects();
   ///@}
 
-  /// A fixed set of the objects at this moment.
+  /// Returns an immutable set of the current objects.
   NSRef<NSSet> copy() const { return fixedCopy(); }
 
  protected:
-  /// How the growable kind is made and copied, and how a walk sees that it changed.
+  /// How a mutable set is created and copied, and how an enumeration notices a change.
   ///@{
   NSMutableSet() = default;
   explicit NSMutableSet(const NSOrderedTable& table) : NSSet::Subclass<NSMutableSet>(table) {}

@@ -6,12 +6,12 @@
 
 #include <Foundation/NSObject.h>
 
-/// Finds, among its members, those that may be equal to an object, in either direction: by address where the
-/// class keeps the root's equality, by hash where the class says that its hash agrees with its equality, and
-/// otherwise one by one (see NSEquality). It holds no reference to the members. For one thread at a time.
+/// Finds those of its members that may be equal to an object, in either direction: by address if the class
+/// inherits the equality of NSObject, by hash if the class declares that its hash agrees with its equality,
+/// and otherwise one by one (see NSEquality). Holds no references to the members. For one thread at a time.
 class NSEqualityIndex {
  public:
-  /// Takes constant time on average.
+  /// Adds a member in constant time on average.
   void add(const NSObject& member) {
     if (member.equality() == NSEquality::custom)
       custom_.push_back(&member);
@@ -19,7 +19,7 @@ class NSEqualityIndex {
       keyed_.emplace(keyOf(member), &member);
   }
 
-  /// Whether `equal(member)` holds for one of the members that may be equal to the object.
+  /// Returns whether `equal(member)` is true for one of the members that may be equal to the object.
   template <class Equal>
   bool containsOne(const NSObject& object, Equal&& equal) const {
     const bool comparesWithAll = object.equality() == NSEquality::custom;
@@ -33,7 +33,7 @@ class NSEqualityIndex {
   }
 
  private:
-  /// A class may override the hash alone, even with one that changes; its objects are still only equal to
+  /// A class may override only the hash, even with one that changes; its objects are still equal only to
   /// themselves.
   static std::size_t keyOf(const NSObject& object) {
     return object.equality() == NSEquality::identity ? std::hash<const NSObject*>()(&object) : object.hash();
