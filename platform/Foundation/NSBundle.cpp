@@ -16,7 +16,7 @@ NSRefPtr<NSDictionary> dictionaryInFile(const files::path& path) {
   return NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(path.string()));
 }
 
-// The folder of the file that a link stands for; empty when there is none.
+// Returns the folder of the file that a link points to, or an empty string if there is no such file.
 std::string folderOf(const files::path& file) {
   std::error_code error;
   return files::canonical(file, error).parent_path().string();
@@ -24,7 +24,7 @@ std::string folderOf(const files::path& file) {
 
 constexpr const char* program = "/proc/self/exe";
 
-// The program and every library that is loaded now.
+// Returns the names of the program and of every library that is loaded now.
 std::vector<std::string> loadedCode() {
   std::vector<std::string> names{program};
   dl_iterate_phdr(
@@ -46,8 +46,8 @@ NSRefPtr<NSBundle> NSBundle::bundleWithIdentifier(NSStringArg identifier) {
   if (!sought) return nullptr;
   for (const std::string& name : loadedCode()) {
     const NSRef<NSBundle> bundle = alloc(folderOf(name));
-    const NSRefPtr<NSString> own = bundle->bundleIdentifier();
-    if (own && own->isEqualToString(*sought)) return bundle;
+    const NSRefPtr<NSString> found = bundle->bundleIdentifier();
+    if (found && found->isEqualToString(*sought)) return bundle;
   }
   return nullptr;
 }
@@ -87,10 +87,10 @@ NSRef<NSString> NSBundle::localizedStringForKey(NSStringArg key, NSStringArg val
 NSRefPtr<NSString> NSBundle::translationOf(const NSString& key, const std::string& table) const {
   for (const std::string& language : NSPreferredLanguages()) {
     if (language.find('/') != std::string::npos) continue;
-    const NSRefPtr<NSDictionary> texts =
+    const NSRefPtr<NSDictionary> strings =
         dictionaryInFile(files::path(folder_) / "Resources" / (language + ".lproj") / (table + ".strings"));
-    if (!texts) continue;
-    if (const auto translation = NSDynamicCast<NSString>(texts->objectForKey(key))) return translation;
+    if (!strings) continue;
+    if (const auto translation = NSDynamicCast<NSString>(strings->objectForKey(key))) return translation;
   }
   return nullptr;
 }

@@ -5,34 +5,34 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSString.h>
 
-/// A folder that holds code and its resources: a loaded library or program beside which a folder
-/// "Resources" with an information file, Info.plist, lies. Nothing is kept between calls: files are read
-/// anew each time, and a damaged one counts as one that is not there. Fixed; any number of threads may
-/// use one at once.
+/// A folder that holds code and its resources: a loaded library or program and, next to it, a folder
+/// "Resources" with an information file, Info.plist. Nothing is kept between calls: files are read again each
+/// time, and a damaged file counts as missing. Immutable; any number of threads may use one at once.
 class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
  public:
-  /// The bundle of the program.
+  /// Returns the bundle of the program.
   static NSRef<NSBundle> mainBundle();
-  /// The bundle of the program or of a library that is loaded now; absent when none has the identifier.
+  /// Returns the bundle of the program or of a library that is loaded now; nil if none of them has the
+  /// identifier.
   static NSRefPtr<NSBundle> bundleWithIdentifier(NSStringArg identifier);
-  /// The bundle in a folder, named in UTF-8; absent when the folder holds no resources.
+  /// Returns the bundle in a folder, named in UTF-8, or nil if the folder holds no resources.
   static NSRefPtr<NSBundle> bundleWithPath(NSStringArg path);
 
-  /// The folder: of the program or a loaded library absolute and without links, else as it was given. Empty
-  /// when it is not UTF-8.
+  /// Returns the path of the folder: absolute and without symbolic links for the program or a loaded library,
+  /// otherwise as it was given. Empty if it is not UTF-8.
   NSRef<NSString> bundlePath() const;
-  /// Absent when the information file has none.
+  /// Returns the identifier in the information file, or nil if there is none.
   NSRefPtr<NSString> bundleIdentifier() const;
-  /// The information file; empty when there is none.
+  /// Returns the content of the information file; empty if there is none.
   NSRef<NSDictionary> infoDictionary() const;
 
-  /// The text for the key in the best of the user's languages that has it, from Resources/LANGUAGE.lproj;
-  /// an absent table is "Localizable". Where there is none: the value if it is not empty, else the key. A
-  /// nil key gives the value, or the empty text.
+  /// Returns the localised string for the key in the best of the user's languages that has it, from
+  /// Resources/LANGUAGE.lproj; a nil table means "Localizable". If no language has it, returns the value if
+  /// it is not empty, otherwise the key. For a nil key, returns the value or the empty string.
   NSRef<NSString> localizedStringForKey(NSStringArg key, NSStringArg value, NSStringArg table) const;
 
  protected:
-  /// A bundle in the folder, which need not be there.
+  /// Creates a bundle in the folder, which need not exist.
   explicit NSBundle(std::string folder) : folder_(std::move(folder)) {}
 
  private:

@@ -5,32 +5,33 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSString.h>
 
-/// The key in the user information for the text that people are shown.
+/// The key in the user information for the text that is shown to people.
 NS_EXPORT extern const NSRef<NSString> NSLocalizedDescriptionKey;
-/// The key for the NSError that is the cause of this one.
+/// The key for the NSError that caused this one.
 NS_EXPORT extern const NSRef<NSString> NSUnderlyingErrorKey;
 /// The domain of errors whose code is an OSStatus.
 NS_EXPORT extern const NSRef<NSString> NSOSStatusErrorDomain;
 
-/// What went wrong: a domain, a code within it, and what else is known. Fixed, so that any number of threads
-/// may use one at once.
+/// What went wrong: a domain, a code within it, and further information. Immutable, so that any number of
+/// threads may use one at once.
 class NS_EXPORT NSError : public NSObject::Subclass<NSError> {
  public:
-  /// A nil domain raises the invalid-argument exception; absent user information is an empty map.
+  /// Returns a new error. A nil domain raises the invalid-argument exception; nil user information becomes an
+  /// empty dictionary.
   static NSRef<NSError> errorWithDomain(NSStringArg domain, std::int64_t code,
                                         const NSRefPtr<NSDictionary>& userInfo);
 
-  /// What it was made of; the code means something only within the domain.
+  /// What the error was created with; the code has a meaning only within the domain.
   ///@{
   const NSRef<NSString>& domain() const noexcept { return domain_; }
   std::int64_t code() const noexcept { return code_; }
   const NSRef<NSDictionary>& userInfo() const noexcept { return userInfo_; }
   ///@}
-  /// The text under NSLocalizedDescriptionKey, else one made of domain and code.
+  /// Returns the string under NSLocalizedDescriptionKey or, if there is none, one made from domain and code.
   NSRef<NSString> localizedDescription() const;
 
-  /// Equal is an error of the same domain and code with equal user information; the hash takes in the first
-  /// two. The description is the domain, the code and the localised description.
+  /// Errors are equal if their domains, codes and user information are. The hash combines the first two. The
+  /// description is the domain, the code and the localised description.
   ///@{
   bool isEqual(const NSRefPtr<NSObject>& other) const override;
   std::size_t hash() const override { return domain_->hash() ^ static_cast<std::size_t>(code_); }
@@ -38,7 +39,7 @@ class NS_EXPORT NSError : public NSObject::Subclass<NSError> {
   ///@}
 
  protected:
-  /// Keeps the very objects.
+  /// Keeps the objects themselves, not copies.
   NSError(NSRef<NSString> domain, std::int64_t code, NSRef<NSDictionary> userInfo)
       : domain_(std::move(domain)), code_(code), userInfo_(std::move(userInfo)) {}
 

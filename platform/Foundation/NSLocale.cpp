@@ -26,8 +26,8 @@ void addOnce(std::vector<std::string>& languages, std::string name) {
     languages.push_back(std::move(name));
 }
 
-// language[_territory][.codeset][@modifier], from the most specific form to the language alone. Chinese
-// without a territory, and as written in Singapore, is the simplified one.
+// Adds the forms of language[_territory][.codeset][@modifier], from the most specific one to the language
+// alone. Chinese without a territory, and as written in Singapore, is simplified Chinese.
 void addForms(std::vector<std::string>& languages, std::string_view locale) {
   const std::string modifier(locale.substr(std::min(locale.find('@'), locale.size())));
   const std::string_view plain = locale.substr(0, std::min(locale.find('@'), locale.find('.')));

@@ -20,7 +20,7 @@ void writeToStandardError(std::string_view line) {
   rest.push_back('\n');
   while (!rest.empty()) {
     const ssize_t written = ::write(STDERR_FILENO, rest.data(), rest.size());
-    if (written < 0 && errno != EINTR) return;  // there is nowhere left to say so
+    if (written < 0 && errno != EINTR) return;  // there is nowhere left to report it
     if (written > 0) rest.erase(0, static_cast<std::size_t>(written));
   }
 }

@@ -32,7 +32,7 @@ NSRefPtr<NSObject> integerFrom(std::string_view text) {
   return NSNumber::numberWithInteger(value);
 }
 
-// Turns the events of the parser into objects; anything unexpected stops the parser.
+// Turns the parser's events into objects; anything unexpected stops the parser.
 class Reader {
  public:
   NSRefPtr<NSObject> read(std::span<const std::byte> xml) {
@@ -56,7 +56,7 @@ class Reader {
   }
 
  private:
-  // One element that is open: its name, its characters, and what a collection holds so far.
+  // An open element: its name, its characters, and what a collection holds so far.
   struct Level {
     std::string name;
     std::string characters;

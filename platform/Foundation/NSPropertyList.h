@@ -5,10 +5,10 @@
 
 #include <Foundation/NSObject.h>
 
-/// Reads an XML property list, as the files of bundles are: dict and array become NSDictionary and NSArray,
-/// true, false and integer become NSNumber, and string, real, date and data become the NSString of their
-/// content. What is no well-formed property list of a kind known here, repeats a key, declares entities
-/// of its own, nests deeper than 100 or is larger than 16 MiB gives absent. Safe from any thread.
+/// Reads an XML property list, the format of the files in bundles: dict and array become NSDictionary and
+/// NSArray; true, false and integer become NSNumber; string, real, date and data become the NSString of their
+/// content. Returns nil for anything that is not a well-formed property list of these elements, repeats a
+/// key, declares entities, nests deeper than 100 levels or is larger than 16 MiB. Safe from any thread.
 NS_EXPORT NSRefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml);
-/// As above; a file that cannot be read gives absent, too.
+/// The same for a file; returns nil also if the file cannot be read.
 NS_EXPORT NSRefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path);
