@@ -20,11 +20,11 @@ struct Snapshot {
   NSRef<NSDictionary> supertypes;
 };
 
-// Queries read the current snapshot without a lock. A replaced one is kept, since a query may still be at
-// it; there are as few as there are files that declare something new.
+// Queries read the current snapshot without a lock. A replaced snapshot is kept, because a query may still be
+// using it; there are only as many as there are files that declare something new.
 class DeclaredTypes {
  public:
-  // Never destroyed: a query may come after the destructors of this library ran.
+  // Never destroyed: a query may come after this library's static destructors have run.
   static DeclaredTypes& shared() {
     static DeclaredTypes& only = *new DeclaredTypes;
     return only;

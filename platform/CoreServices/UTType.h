@@ -2,27 +2,28 @@
 
 #include <Foundation/NSError.h>
 
-/// The domain of the errors of UTTypeDeclareTypesInFile.
+/// The domain of the errors that UTTypeDeclareTypesInFile reports.
 NS_EXPORT extern const NSRef<NSString> UTTypeErrorDomain;
 
-/// The codes of those errors: what the file holds.
+/// The codes of those errors.
 enum UTTypeError : std::int64_t {
-  UTTypeErrorUnreadable = 1,  ///< no information file
-  UTTypeErrorMalformed,       ///< a declaration that is none
-  UTTypeErrorItself,          ///< a type that conforms to itself
-  UTTypeErrorContradiction,   ///< a type that is declared otherwise already
-  UTTypeErrorCycle,           ///< types that conform to one another
-  UTTypeErrorTooMany,         ///< more pairs of a type and one that it conforms to than 100,000
+  UTTypeErrorUnreadable = 1,  ///< the file is not a readable information file
+  UTTypeErrorMalformed,       ///< a declaration is malformed
+  UTTypeErrorItself,          ///< a type conforms to itself
+  UTTypeErrorContradiction,   ///< a type is already declared differently
+  UTTypeErrorCycle,           ///< types conform to one another
+  UTTypeErrorTooMany,         ///< more than 100,000 pairs of a type and one that it conforms to
 };
 
-/// Whether the type is the other one, or one that conforms to it: by its declaration, or because a type
-/// that it conforms to does. False for an absent argument. Identifiers are compared exactly. Declared are
-/// a table of well-known types and the exported types of the program's bundle; where those are refused, the
-/// log says why. Nothing is allocated but at the first call. For any number of threads at once.
+/// Returns whether the type is the other one or conforms to it, either by its declaration or because a type
+/// that it conforms to does. Returns false if an argument is nil. Identifiers are compared exactly. A table
+/// of well-known types is declared, and so are the exported types of the program's bundle; if these are
+/// refused, the log says why. Allocates memory only at the first call and for literals. Safe on any number
+/// of threads at once.
 NS_EXPORT bool UTTypeConformsTo(NSStringArg type, NSStringArg otherType);
 
-/// Declares for this process the types that an information file lists under UTExportedTypeDeclarations,
-/// each with its UTTypeIdentifier and, under UTTypeConformsTo, one identifier or a list of them, which need
-/// not be declared themselves. All are declared or, with an error, none. The path is UTF-8. Safe from any
-/// thread; queries see all of them or none.
+/// Declares for this process the types that an information file lists under UTExportedTypeDeclarations, each
+/// with its UTTypeIdentifier and, under UTTypeConformsTo, one identifier or an array of identifiers, which
+/// need not be declared themselves. Declares all of them, or none and returns false with an error. The path
+/// is used as UTF-8. Safe from any thread; queries see all of the types or none.
 NS_EXPORT bool UTTypeDeclareTypesInFile(NSStringArg path, NSRefPtr<NSError>* error = nullptr);

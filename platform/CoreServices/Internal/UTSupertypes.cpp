@@ -6,21 +6,21 @@
 
 namespace {
 
-constexpr std::size_t mostPairs = 100'000;
+constexpr std::size_t maximumPairs = 100'000;
 
 using Declaration = UTTypeDeclarations::value_type;
 
-NSRef<NSString> textOf(const std::u16string& identifier) {
+NSRef<NSString> stringFrom(const std::u16string& identifier) {
   return NSString::stringWithCharacters(identifier);
 }
 
-// Puts each type behind those that it conforms to. Depth first with a stack of its own, since a host's
-// declarations may be chained to any depth.
+// Sorts the types so that each follows those that it conforms to. Depth first with an explicit stack, because
+// a host's declarations may be chained to any depth.
 class Order {
  public:
   explicit Order(const UTTypeDeclarations& declarations) : declarations_(declarations) {}
 
-  /// Whether there is such an order; an error names a type of a cycle.
+  /// Returns whether there is such an order; if not, the error names a type in a cycle.
   bool find(NSRefPtr<NSError>* error) {
     for (const Declaration& each : declarations_) {
       enter(each);
@@ -57,9 +57,9 @@ class Order {
     const auto supertype = declarations_.find(*step.next++);
     if (supertype == declarations_.end()) return true;
     if (states_[&*supertype] == State::onPath)
-      return UTRefuse(
-          error, UTTypeErrorCycle,
-          NSString::stringWithFormat("%@ conforms to a type that conforms to it", textOf(supertype->first)));
+      return UTRefuse(error, UTTypeErrorCycle,
+                      NSString::stringWithFormat("%@ conforms to a type that conforms to it",
+                                                 stringFrom(supertype->first)));
     enter(*supertype);
     return true;
   }
@@ -71,9 +71,9 @@ class Order {
 };
 
 NSRef<NSSet> supertypesOf(const Declaration& type, const NSDictionary& known) {
-  const NSRef<NSMutableSet> all = NSMutableSet::setWithObjects({textOf(type.first)});
+  const NSRef<NSMutableSet> all = NSMutableSet::setWithObjects({stringFrom(type.first)});
   for (const std::u16string& each : type.second) {
-    const NSRef<NSString> supertype = textOf(each);
+    const NSRef<NSString> supertype = stringFrom(each);
     all->addObject(supertype);
     if (const auto inherited = NSDynamicCast<NSSet>(known.objectForKey(supertype)))
       for (const NSRef<NSObject> further : *inherited) all->addObject(further);
@@ -90,9 +90,9 @@ NSRefPtr<NSDictionary> UTSupertypes(const UTTypeDeclarations& declarations, NSRe
   std::size_t pairs = 0;
   for (const Declaration* type : order.types()) {
     const NSRef<NSSet> ofType = supertypesOf(*type, *supertypes);
-    supertypes->setObject(ofType, textOf(type->first));
+    supertypes->setObject(ofType, stringFrom(type->first));
     pairs += ofType->count();
-    if (pairs > mostPairs) {
+    if (pairs > maximumPairs) {
       UTRefuse(error, UTTypeErrorTooMany, "the declared types conform to too many others");
       return nullptr;
     }

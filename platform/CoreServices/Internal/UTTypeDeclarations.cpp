@@ -7,18 +7,18 @@
 namespace {
 
 std::optional<std::u16string> identifierIn(const NSRefPtr<NSObject>& object) {
-  const NSRefPtr<NSString> text = NSDynamicCast<NSString>(object);
-  if (!text || text->length() == 0) return std::nullopt;
-  return static_cast<std::u16string>(*text);
+  const NSRefPtr<NSString> identifier = NSDynamicCast<NSString>(object);
+  if (!identifier || identifier->length() == 0) return std::nullopt;
+  return static_cast<std::u16string>(*identifier);
 }
 
-// One identifier, a list of them, or nothing.
+// Accepts one identifier, an array of identifiers, or nil.
 std::optional<std::set<std::u16string>> identifiersIn(const NSRefPtr<NSObject>& object) {
   std::set<std::u16string> identifiers;
   if (!object) return identifiers;
   const NSRefPtr<NSArray> several = NSDynamicCast<NSArray>(object);
-  const NSRef<NSArray> list = several ? NSRef<NSArray>(several) : NSArray::arrayWithObject(object);
-  for (const NSRef<NSObject> each : *list) {
+  const NSRef<NSArray> objects = several ? NSRef<NSArray>(several) : NSArray::arrayWithObject(object);
+  for (const NSRef<NSObject> each : *objects) {
     const auto identifier = identifierIn(each);
     if (!identifier) return std::nullopt;
     identifiers.insert(*identifier);
@@ -28,7 +28,7 @@ std::optional<std::set<std::u16string>> identifiersIn(const NSRefPtr<NSObject>& 
 
 bool addExportedType(const NSRefPtr<NSDictionary>& declaration, UTTypeDeclarations& declarations,
                      NSRefPtr<NSError>* error) {
-  if (!declaration) return UTRefuse(error, UTTypeErrorMalformed, "a type declaration is no dictionary");
+  if (!declaration) return UTRefuse(error, UTTypeErrorMalformed, "a type declaration is not a dictionary");
   const NSRefPtr<NSObject> name = declaration->objectForKey("UTTypeIdentifier");
   const auto identifier = identifierIn(name);
   if (!identifier) return UTRefuse(error, UTTypeErrorMalformed, "a type is declared without an identifier");
@@ -36,11 +36,13 @@ bool addExportedType(const NSRefPtr<NSDictionary>& declaration, UTTypeDeclaratio
     return UTRefuse(error, code, NSString::stringWithFormat(format, name));
   };
   const auto supertypes = identifiersIn(declaration->objectForKey("UTTypeConformsTo"));
-  if (!supertypes) return refuse(UTTypeErrorMalformed, "what %@ conforms to is no list of identifiers");
+  if (!supertypes)
+    return refuse(UTTypeErrorMalformed,
+                  "%@ conforms to something that is neither an identifier nor an array of identifiers");
   if (supertypes->contains(*identifier)) return refuse(UTTypeErrorItself, "%@ conforms to itself");
   const auto [entry, isNew] = declarations.emplace(*identifier, *supertypes);
   if (!isNew && entry->second != *supertypes)
-    return refuse(UTTypeErrorContradiction, "%@ is declared otherwise already");
+    return refuse(UTTypeErrorContradiction, "%@ is already declared differently");
   return true;
 }
 
@@ -50,9 +52,9 @@ bool UTAddExportedTypes(const NSDictionary& information, UTTypeDeclarations& dec
                         NSRefPtr<NSError>* error) {
   const NSRefPtr<NSObject> exported = information.objectForKey("UTExportedTypeDeclarations");
   if (!exported) return true;
-  const NSRefPtr<NSArray> list = NSDynamicCast<NSArray>(exported);
-  if (!list) return UTRefuse(error, UTTypeErrorMalformed, "the exported type declarations are no list");
-  for (const NSRef<NSObject> each : *list)
+  const NSRefPtr<NSArray> array = NSDynamicCast<NSArray>(exported);
+  if (!array) return UTRefuse(error, UTTypeErrorMalformed, "the exported type declarations are not an array");
+  for (const NSRef<NSObject> each : *array)
     if (!addExportedType(NSDynamicCast<NSDictionary>(each), declarations, error)) return false;
   return true;
 }
