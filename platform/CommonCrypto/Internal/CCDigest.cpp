@@ -27,8 +27,7 @@ const CCDigest& CCDigest::SHA1() {
   return digest;
 }
 
-// The algorithm is kept to the end of the process, and never let go of: a host's own exit handlers may
-// still want a digest.
+// The algorithm is never released: a host's exit handlers may still need a digest.
 CCDigest::CCDigest(const char* name) : algorithm_(EVP_MD_fetch(nullptr, name, nullptr)) {
   if (!algorithm_) fail(name);
 }
