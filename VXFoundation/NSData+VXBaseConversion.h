@@ -17,18 +17,18 @@ namespace VXBaseConversion {
 NS_EXPORT NSRef<NSString> base64String(const NSData& data);
 /// dataWithBase64String:. Decodes what `base64String` returns. Padding is accepted only at the end, at most
 /// two characters.
-NS_EXPORT NSRefPtr<NSData> dataWithBase64String(NSStringArg text);
+[[nodiscard]] NS_EXPORT NSRefPtr<NSData> dataWithBase64String(NSStringArg text);
 
 /// Encodes in base 32, in upper case with padding, without line breaks (RFC 4648, section 6).
 NS_EXPORT NSRef<NSString> base32String(const NSData& data);
 /// dataWithBase32String:. Decodes what `base32String` returns, in upper case only. Padding is accepted only
 /// at the end, in a run of 0, 1, 3, 4 or 6 characters.
-NS_EXPORT NSRefPtr<NSData> dataWithBase32String(NSStringArg text);
+[[nodiscard]] NS_EXPORT NSRefPtr<NSData> dataWithBase32String(NSStringArg text);
 
 /// Encodes in base 16, in upper case, without prefix or separators (RFC 4648, section 8).
 NS_EXPORT NSRef<NSString> base16String(const NSData& data);
 /// dataWithBase16String:. Decodes an even number of hexadecimal digits, in either case or both.
-NS_EXPORT NSRefPtr<NSData> dataWithBase16String(NSStringArg text);
+[[nodiscard]] NS_EXPORT NSRefPtr<NSData> dataWithBase16String(NSStringArg text);
 
 /// Returns eight binary digits and a space for every byte, including the last one, most significant bit
 /// first.

@@ -5,6 +5,8 @@
 
 #include <CoreServices/UTType.h>
 #include <Foundation/Foundation.h>
+#include <Security/SecDefaultStorage.h>
+#include <Security/SecItem.h>
 #include <VXFoundation/NSArray+VXAdditions.h>
 #include <VXFoundation/NSData+CXHashing.h>
 #include <VXFoundation/NSData+VXBaseConversion.h>

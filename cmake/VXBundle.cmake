@@ -41,6 +41,7 @@ endforeach()
 install(TARGETS VXFoundation
   LIBRARY DESTINATION "${installed_bundle}"
   FILE_SET library_headers DESTINATION "${installed_bundle}/Headers"
+  FILE_SET qt_headers DESTINATION "${installed_bundle}/Headers"
   FILE_SET platform_headers DESTINATION "${installed_bundle}/Headers"
   FILE_SET generated_headers DESTINATION "${installed_bundle}/Headers")
 install(DIRECTORY "${built_bundle}/Resources" DESTINATION "${installed_bundle}")

@@ -127,7 +127,7 @@ TEST(NSObject, GrowableKindsAreHandedOutAsPlainAndCopied) {
 }
 
 TEST(NSObject, AShortResultCostsOneAllocation) {
-  EXPECT_EQ(allocationsOf([] { NSString::stringWithUTF8String("sixteen letters."); }), 1U);
+  EXPECT_EQ(allocationsOf([] { text("sixteen letters."); }), 1U);
   EXPECT_EQ(allocationsOf([] { NSMutableData::dataWithLength(100)->mutableBytes()[99] = std::byte{1}; }), 1U);
   EXPECT_EQ(allocationsOf([] {
               const auto text = NSMutableString::stringWithCapacity(3);

@@ -1,5 +1,7 @@
 #include <random>
+#include <set>
 #include <sstream>
+#include <unordered_map>
 
 #include "tests/support/Bytes.h"
 #include "tests/support/Fuzz.h"
@@ -131,4 +133,41 @@ TEST(NSString, OfASecretPassesTheMarkOn) {
   joined->appendData(secret);
   EXPECT_TRUE(joined->holdsSecret());
   EXPECT_FALSE(text("plain")->dataUsingEncoding(NSUTF8StringEncoding)->holdsSecret());
+}
+
+TEST(NSString, TextOfRunTimeIsCheckedWhereItIsUsed) {
+  const std::string name = "J\xC3\xBCrgen", bad = "\xC3(";
+  char array[] = "array";
+  const char* none = nullptr;
+  EXPECT_EQ(bytesOf(text("a")->stringByAppendingString(name)), "aJ\xC3\xBCrgen");
+  EXPECT_TRUE(text("J\xC3\xBCrgen")->isEqualToString(std::string_view(name)));
+  EXPECT_EQ(NSArray::arrayWithObjects({name, name.c_str(), array, std::string_view()})->count(), 4U);
+  EXPECT_EQ(bytesOf(NSString::stringWithFormat(std::string("%@ %@ %@"), name, none, array)),
+            "J\xC3\xBCrgen (null) array");
+  EXPECT_FALSE(VXBaseConversion::dataWithBase64String(none));
+  const auto reason = [](auto&& action) { return bytesOf(exceptionOf(action)->reason()); };
+  EXPECT_EQ(reason([&] { NSString::stringWithString(bad); }),
+            "stringWithString: a string is malformed UTF-8");
+  EXPECT_EQ(reason([&] { text("a")->hasPrefix(bad); }), "hasPrefix: a string is malformed UTF-8");
+  EXPECT_EQ(reason([&] { NSMutableArray::array()->addObject(bad); }),
+            "insertObject: a string is malformed UTF-8");
+  EXPECT_EQ(reason([&] { VXGenericKeychainItem::alloc()->setPassword(bad); }),
+            "setPassword: a string is malformed UTF-8");
+  EXPECT_EQ(reason([&] { VXGenericKeychainItem::alloc()->setLabel(bad.c_str()); }),
+            "setLabel: a string is malformed UTF-8");
+}
+
+TEST(NSString, ValuesCompareAndHandlesAreIdentity) {
+  const NSRef<NSString> a = text("a"), same = text("a"), wide = text("\xC3\xA4"),
+                        far = text("\xF0\x9F\x94\x91");
+  EXPECT_TRUE(*a == *same && a != same && *a != *wide && a == a);
+  EXPECT_TRUE(*a<*wide&& * wide> * a && *NSString::string() < *a && *text("ab") > *a);
+  EXPECT_TRUE(*text("\xEF\xBF\xBD") > *far) << "by code units, not by code points";
+  EXPECT_EQ(std::hash<NSString>()(*a), std::hash<NSString>()(*a->mutableCopy()));
+  std::unordered_map<NSRef<NSString>, int, NSValueHash, NSValueEqual> counts;
+  ++counts[a], ++counts[same], ++counts[wide];
+  EXPECT_EQ(counts.at(text("a")), 2);
+  const std::set<NSRef<NSString>, NSStringLess> ordered{wide, same, a};
+  EXPECT_EQ(ordered.size(), 2U);
+  EXPECT_EQ(*ordered.begin(), same);
 }

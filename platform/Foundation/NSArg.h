@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cassert>
+#include <concepts>
 #include <cstddef>
+#include <cstring>
+#include <string>
 #include <string_view>
 
 #include <Foundation/NSObject.h>
@@ -9,12 +12,19 @@
 
 class NSString;
 
-/// Returns a new string from a UTF-8 literal. Malformed UTF-8 raises the invalid-argument exception.
-NS_EXPORT NSRef<NSString> NSStringFromLiteral(std::string_view literal);
+/// Returns a new string from UTF-8. Malformed UTF-8 raises the invalid-argument exception, whose reason names
+/// the operation.
+NS_EXPORT NSRef<NSString> NSStringFromUTF8(std::string_view utf8, const char* operation);
 
-/// A parameter type for an object that the caller may pass as a handle, as the object itself, as nil or as a
-/// UTF-8 literal, which is checked at compile time. For parameters only: it holds no reference to the object,
-/// which must outlive it.
+/// A pointer to characters, and not an array of them, as a literal is.
+template <class Pointer>
+concept NSCharacterPointer = std::same_as<Pointer, const char*> || std::same_as<Pointer, char*>;
+
+/// A parameter type for an object that the caller may pass as a handle, as the object itself, as nil or, for
+/// a string, as UTF-8: a literal, which is checked at compile time, a std::string_view, a std::string or a
+/// null-terminated array, which are checked when the operation uses them; malformed UTF-8 raises the
+/// invalid-argument exception with the operation's name. For parameters only: it holds no reference to the
+/// object or the bytes, which must outlive it.
 template <class T>
 class NSArg {
  public:
@@ -30,26 +40,38 @@ class NSArg {
 
   /// Takes a literal; malformed UTF-8 does not compile.
   template <std::size_t Size>
-  consteval NSArg(const char (&literal)[Size]) : literal_(literal), length_(Size - 1) {
+  consteval NSArg(const char (&literal)[Size]) : utf8_(literal), length_(Size - 1) {
     if (!NSIsUTF8({literal, Size - 1})) throw "a string literal must be UTF-8";
   }
 
-  /// Whether it is not nil.
-  explicit operator bool() const noexcept { return object_ || literal_; }
+  /// Takes UTF-8 that is known only at run time. A null pointer is nil, an empty view the empty string.
+  ///@{
+  NSArg(std::string_view utf8) noexcept : utf8_(utf8.data() ? utf8.data() : ""), length_(utf8.size()) {}
+  NSArg(const std::string& utf8) noexcept : utf8_(utf8.data()), length_(utf8.size()) {}
+  template <NSCharacterPointer Pointer>
+  NSArg(const Pointer& utf8) noexcept : utf8_(utf8), length_(utf8 ? std::strlen(utf8) : 0) {}
+  template <std::size_t Size>
+  NSArg(char (&utf8)[Size]) noexcept : utf8_(utf8), length_(std::strlen(utf8)) {}
+  ///@}
 
-  /// Returns a handle to the object, nil for nil, or a new string for a literal.
-  NSRefPtr<T> get() const {
-    if (literal_) return NSStringFromLiteral({literal_, length_});
+  /// Whether it is not nil.
+  explicit operator bool() const noexcept { return object_ || utf8_; }
+  /// Whether it was given as UTF-8, so that get() and borrow() create a string.
+  bool isUTF8() const noexcept { return utf8_ != nullptr; }
+
+  /// Returns a handle to the object, nil for nil, or a new string made of UTF-8. Where that is malformed, the
+  /// exception names `operation`: the calling function, unless that passes its own caller's name on.
+  NSRefPtr<T> get(const char* operation = __builtin_FUNCTION()) const {
+    if (utf8_) return NSStringFromUTF8({utf8_, length_}, operation);
     return NSRefPtr<T>(const_cast<T*>(object_));
   }
 
-  /// The object, valid for as long as this lives; it holds a reference only to a string created from a
-  /// literal.
+  /// The object, valid for as long as this lives; it holds a reference only to a string that it created.
   class Borrowed {
    public:
-    /// Creates the string of a literal and keeps it.
-    explicit Borrowed(const NSArg& argument)
-        : made_(argument.literal_ ? argument.get() : nullptr),
+    /// Creates the string of UTF-8 and keeps it.
+    Borrowed(const NSArg& argument, const char* operation)
+        : made_(argument.utf8_ ? argument.get(operation) : nullptr),
           object_(made_ ? made_.get() : argument.object_) {}
     /// Whether it is not nil.
     explicit operator bool() const noexcept { return object_ != nullptr; }
@@ -66,16 +88,16 @@ class NSArg {
     NSRefPtr<T> made_;
     const T* object_;
   };
-  /// Returns the object for immediate use.
-  Borrowed borrow() const { return Borrowed(*this); }
+  /// Returns the object for immediate use; as get() otherwise.
+  Borrowed borrow(const char* operation = __builtin_FUNCTION()) const { return Borrowed(*this, operation); }
 
  private:
   const T* object_ = nullptr;
-  const char* literal_ = nullptr;
+  const char* utf8_ = nullptr;
   std::size_t length_ = 0;
 };
 
-/// A parameter that takes any object; a literal becomes a string.
+/// A parameter that takes any object; UTF-8 becomes a string.
 using NSObjectArg = NSArg<NSObject>;
 /// A parameter that takes a string.
 using NSStringArg = NSArg<NSString>;

@@ -13,7 +13,7 @@ class NS_EXPORT NSErrorPresenter {
   /// Shows the error with the options in its user information and has its recovery attempter carry out the
   /// chosen one. Returns whether that recovered from the error; false if nothing was chosen or there is no
   /// attempter.
-  bool presentError(const NSRef<NSError>& error);
+  [[nodiscard]] bool presentError(const NSRef<NSError>& error);
 
  protected:
   /// Returns the index of the option that the user chose, or std::nullopt if there is no option or none was

@@ -7,7 +7,7 @@
 #include <Foundation/NSArg.h>
 #include <Foundation/NSObject.h>
 
-/// An object in any form that NSObjectArg takes, other than a literal.
+/// An object in any form that NSObjectArg takes, other than an array.
 template <class Value>
 concept NSFormattedObject = std::convertible_to<const Value&, NSObjectArg> && !std::is_array_v<Value>;
 
@@ -22,6 +22,7 @@ class NSFormatArg {
   NSFormatArg(Integer value) noexcept : kind_(Kind::unsignedInteger), unsignedInteger_(value) {}
   template <NSFormattedObject Value>
   NSFormatArg(const Value& object) : object_(object) {}
+  NSFormatArg(const char* utf8) noexcept : object_(utf8) {}
   ///@}
 
   /// Which of the three kinds the argument is. A boolean is unsigned.

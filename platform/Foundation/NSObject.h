@@ -115,6 +115,30 @@ class NS_EXPORT NSObject {
   mutable std::atomic<std::uintptr_t> count_{1};
 };
 
+/// Returns whether two objects are equal by value, as isEqual of the first says. Handles are compared by
+/// identity:
+/// `*a == *b` compares the objects, `a == b` asks whether they are the same one.
+inline bool operator==(const NSObject& a, const NSObject& b) {
+  return a.isEqual(NSRefPtr<NSObject>(const_cast<NSObject*>(&b)));
+}
+
+/// For containers of the standard library whose keys are handles, none of them nil, compared by value, as in
+/// std::unordered_map<NSRef<NSString>, int, NSValueHash, NSValueEqual>.
+///@{
+struct NSValueHash {
+  template <class Handle>
+  std::size_t operator()(const Handle& object) const {
+    return object->hash();
+  }
+};
+struct NSValueEqual {
+  template <class Handle, class Other>
+  bool operator()(const Handle& a, const Other& b) const {
+    return *a == *b;
+  }
+};
+///@}
+
 /// The class that allocation instantiates.
 template <class Self>
 class NSAllocated final : public Self {

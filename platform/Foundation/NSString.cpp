@@ -1,5 +1,6 @@
 #include <Foundation/NSString.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <ostream>
@@ -72,8 +73,12 @@ NSRef<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<
 
 }  // namespace
 
-NSRef<NSString> NSStringFromLiteral(std::string_view literal) {
-  return NSString::stringWithUTF8String(literal);
+NSRef<NSString> NSStringFromUTF8(std::string_view utf8, const char* operation) {
+  const NSRefPtr<NSString> string = NSString::stringWithUTF8String(utf8);
+  if (!string)
+    NSException::raise(NSInvalidArgumentException, "%@: a string is malformed UTF-8",
+                       std::string_view(operation));
+  return string;
 }
 
 NSRef<NSString> NSString::string() { return ofASCIILength(0); }
@@ -210,4 +215,14 @@ std::ostream& operator<<(std::ostream& stream, const NSString& text) {
 
 std::ostream& operator<<(std::ostream& stream, const NSRefPtr<NSString>& text) {
   return text ? stream << *text : stream << "(null)";
+}
+
+std::strong_ordering operator<=>(const NSString& a, const NSString& b) noexcept {
+  return a.visit([&](auto units) {
+    return b.visit([&](auto others) {
+      return std::lexicographical_compare_three_way(
+          units.begin(), units.end(), others.begin(), others.end(),
+          [](auto unit, auto other) { return static_cast<char16_t>(unit) <=> static_cast<char16_t>(other); });
+    });
+  });
 }

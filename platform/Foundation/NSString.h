@@ -1,6 +1,8 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -35,14 +37,15 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
   static NSRef<NSString> stringWithString(NSStringArg text);
   /// Returns nil for nil and for malformed UTF-8.
   ///@{
-  static NSRefPtr<NSString> stringWithUTF8String(std::string_view bytes);
-  static NSRefPtr<NSString> stringWithUTF8String(const char* bytes);
+  [[nodiscard]] static NSRefPtr<NSString> stringWithUTF8String(std::string_view bytes);
+  [[nodiscard]] static NSRefPtr<NSString> stringWithUTF8String(const char* bytes);
   ///@}
   /// Returns a string of any code units, including unpaired surrogates.
   static NSRef<NSString> stringWithCharacters(std::u16string_view units);
   /// initWithData:encoding:. Returns nil if the bytes are malformed in the encoding; nil data becomes the
   /// empty string. A string made from secret bytes holds a secret, too.
-  static NSRefPtr<NSString> stringWithData(const NSRefPtr<NSData>& data, NSStringEncoding encoding);
+  [[nodiscard]] static NSRefPtr<NSString> stringWithData(const NSRefPtr<NSData>& data,
+                                                         NSStringEncoding encoding);
   /// Returns a string of `length` ASCII characters that `write(std::span<char>)` writes in their final place.
   template <class Write>
   static NSRef<NSString> stringWithASCIILength(std::size_t length, Write&& write) {
@@ -70,14 +73,14 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
   ///@}
 
   /// Returns the string in UTF-8, or std::nullopt if a surrogate is unpaired.
-  std::optional<std::string> UTF8String() const;
+  [[nodiscard]] std::optional<std::string> UTF8String() const;
   /// As UTF8String, but raises the invalid-argument exception if a surrogate is unpaired.
   explicit operator std::string() const;
   /// Returns the code units as they are.
   explicit operator std::u16string() const;
   /// Returns the encoded bytes, or nil if the string cannot be encoded: nothing is replaced. The bytes of a
   /// string that holds a secret hold one, too.
-  NSRefPtr<NSData> dataUsingEncoding(NSStringEncoding encoding) const;
+  [[nodiscard]] NSRefPtr<NSData> dataUsingEncoding(NSStringEncoding encoding) const;
 
   /// Returns the substring from `index` to the end. Raises the range exception if `index` is greater than
   /// `length`.
@@ -150,3 +153,21 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
 NS_EXPORT std::ostream& operator<<(std::ostream& stream, const NSString& text);
 NS_EXPORT std::ostream& operator<<(std::ostream& stream, const NSRefPtr<NSString>& text);
 ///@}
+
+/// Orders strings by their code units. Takes linear time.
+NS_EXPORT std::strong_ordering operator<=>(const NSString& a, const NSString& b) noexcept;
+
+/// For ordered containers whose keys are handles to strings, none of them nil, as in
+/// std::map<NSRef<NSString>, int, NSStringLess>.
+struct NSStringLess {
+  template <class Handle, class Other>
+  bool operator()(const Handle& a, const Other& b) const {
+    return *a < *b;
+  }
+};
+
+/// The hash of a string, by value.
+template <>
+struct std::hash<NSString> {
+  std::size_t operator()(const NSString& string) const { return string.hash(); }
+};

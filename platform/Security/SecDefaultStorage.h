@@ -15,4 +15,4 @@ NS_EXPORT void secSetDefaultStorage(std::shared_ptr<SecStorage> storage);
 /// Sets `storage` to the storage in use, whose copyInfo describes what it is and how it is protected. Opens
 /// the user's embedded file on first use. If that fails, the status says why, `storage` is untouched, and the
 /// next call tries again. Safe from any thread.
-NS_EXPORT OSStatus secCopyDefaultStorage(std::shared_ptr<SecStorage>& storage);
+[[nodiscard]] NS_EXPORT OSStatus secCopyDefaultStorage(std::shared_ptr<SecStorage>& storage);

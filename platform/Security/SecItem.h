@@ -33,35 +33,36 @@ OSStatus secDeliver(NSRefPtr<Kind>* result, Operation&& operation) {
 /// Adds an entry; without kSecValueData its secret is empty. With kSecReturnAttributes, `result` is set to a
 /// new dictionary of its attributes, without the secret. Returns errSecDuplicateItem if there is an entry of
 /// the same identity, and errSecDataTooLarge for a secret larger than 16 MiB.
-NS_EXPORT OSStatus SecItemAdd(const NSRefPtr<NSDictionary>& attributes, NSRefPtr<NSObject>* result = nullptr);
+[[nodiscard]] NS_EXPORT OSStatus SecItemAdd(const NSRefPtr<NSDictionary>& attributes,
+                                            NSRefPtr<NSObject>* result = nullptr);
 
 /// Finds the first entry that matches the query or, with kSecMatchLimit, as many as that says. `result` is
 /// set to a new dictionary with the attributes for kSecReturnAttributes and the secret for kSecReturnData,
 /// with kSecMatchLimit to an array of them; with neither flag it is untouched. Returns errSecItemNotFound
 /// if nothing matches, and errSecParam for a limit below 1.
-NS_EXPORT OSStatus SecItemCopyMatching(const NSRefPtr<NSDictionary>& query,
-                                       NSRefPtr<NSObject>* result = nullptr);
+[[nodiscard]] NS_EXPORT OSStatus SecItemCopyMatching(const NSRefPtr<NSDictionary>& query,
+                                                     NSRefPtr<NSObject>* result = nullptr);
 
 /// The same with a place for a dictionary or an array. Returns errSecParam, and leaves the place untouched,
 /// if the result is not of that class.
 ///@{
 template <NSOtherKindOf<NSObject> Kind>
-OSStatus SecItemAdd(const NSRefPtr<NSDictionary>& attributes, NSRefPtr<Kind>* result) {
+[[nodiscard]] OSStatus SecItemAdd(const NSRefPtr<NSDictionary>& attributes, NSRefPtr<Kind>* result) {
   return secDeliver(result, [&](NSRefPtr<NSObject>* any) { return SecItemAdd(attributes, any); });
 }
 template <NSOtherKindOf<NSObject> Kind>
-OSStatus SecItemCopyMatching(const NSRefPtr<NSDictionary>& query, NSRefPtr<Kind>* result) {
+[[nodiscard]] OSStatus SecItemCopyMatching(const NSRefPtr<NSDictionary>& query, NSRefPtr<Kind>* result) {
   return secDeliver(result, [&](NSRefPtr<NSObject>* any) { return SecItemCopyMatching(query, any); });
 }
 ///@}
 
 /// Changes what `attributesToUpdate` names in the first entry that matches the query. Returns
 /// errSecItemNotFound if nothing matches, and errSecDuplicateItem if two entries would become the same.
-NS_EXPORT OSStatus SecItemUpdate(const NSRefPtr<NSDictionary>& query,
-                                 const NSRefPtr<NSDictionary>& attributesToUpdate);
+[[nodiscard]] NS_EXPORT OSStatus SecItemUpdate(const NSRefPtr<NSDictionary>& query,
+                                               const NSRefPtr<NSDictionary>& attributesToUpdate);
 
 /// Deletes all entries that match the query. Returns errSecItemNotFound if nothing matches.
-NS_EXPORT OSStatus SecItemDelete(const NSRefPtr<NSDictionary>& query);
+[[nodiscard]] NS_EXPORT OSStatus SecItemDelete(const NSRefPtr<NSDictionary>& query);
 
 /// Returns the English message of a status; every number has one. `reserved` is not used.
 NS_EXPORT NSRef<NSString> SecCopyErrorMessageString(OSStatus status, void* reserved = nullptr);

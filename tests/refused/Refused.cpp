@@ -27,8 +27,7 @@ int main() {
 #elif REFUSED == 4
   NSString::stringWithString("\xC3");
 #elif REFUSED == 5
-  const char* bytes = "known at run time only";
-  NSString::stringWithString(bytes);
+  NSDictionary::dictionaryWithObject("\xC3", "key");
 #elif REFUSED == 6
   NSRef<Shape> shape;
 #else
