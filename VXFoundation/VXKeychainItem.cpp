@@ -69,7 +69,9 @@ template <class Value>
 NSRefPtr<Value> immutableCopy(const NSRefPtr<Value>& value) {
   return value ? NSRefPtr<Value>(value->copy()) : nullptr;
 }
-NSRefPtr<NSString> immutableCopy(NSStringArg string) { return immutableCopy(string.get()); }
+NSRefPtr<NSString> immutableCopy(NSStringArg string, const char* operation = __builtin_FUNCTION()) {
+  return immutableCopy(string.get(operation));
+}
 
 bool equalOrBothNil(const NSRefPtr<NSObject>& own, const NSRefPtr<NSObject>& other) {
   return own ? other && own->isEqual(other) : !other;
@@ -100,9 +102,11 @@ NSRef<NSDictionary> exactRequest(const NSDictionary& response) {
   return request;
 }
 
-NSRefPtr<NSData> secretFromPassword(NSStringArg password) {
-  if (!password) return nullptr;
-  const NSRefPtr<NSData> secret = password.borrow()->dataUsingEncoding(NSUTF8StringEncoding);
+NSRefPtr<NSData> secretFromPassword(NSStringArg password, const char* operation = __builtin_FUNCTION()) {
+  const NSRefPtr<NSString> string = password.get(operation);
+  if (!string) return nullptr;
+  if (password.isUTF8()) string->setHoldsSecret(true);  // of another string that is the host's to say
+  const NSRefPtr<NSData> secret = string->dataUsingEncoding(NSUTF8StringEncoding);
   if (secret) secret->setHoldsSecret(true);
   return secret;
 }
@@ -197,6 +201,47 @@ bool VXKeychainItem::deleteItemFromKeychain(NSRefPtr<NSError>* error) {
   const auto attributes = validAttributes(error);
   if (!attributes) return false;
   const OSStatus status = SecItemDelete(attributes);
+  const bool deleted = _VXKeychainItemCheckStatus(status, error);
+  return deleted || status == errSecItemNotFound;
+}
+
+NSRef<NSDictionary> VXKeychainItem::requiredResponse(NSStringArg operation) const {
+  if (!keychainItemResponse_)
+    NSException::raise(NSInvalidArgumentException, "%@: the item has no response", operation.get());
+  return keychainItemResponse_;
+}
+
+/// As validAttributes, for an item that need not have loaded its secret.
+NSRefPtr<NSMutableDictionary> VXKeychainItem::validChanges(NSRefPtr<NSError>* error) const {
+  if (data_) return validAttributes(error);
+  const NSRef<NSMutableDictionary> changes = _createAttributesDictionary();
+  const NSRef<NSMutableDictionary> withSecret = changes->mutableCopy();
+  withSecret->setObject(NSData::dataWithBytes("x", 1), kSecValueData);
+  if (dictHasVaildKeychainData(withSecret)) return changes;
+  reportInvalidAttributes(error);
+  return nullptr;
+}
+
+bool VXKeychainItem::updateAndFollow(NSRefPtr<NSError>* error) {
+  const NSRef<NSDictionary> response = requiredResponse("updateAndFollow");
+  const auto changes = validChanges(error);
+  if (!changes) return false;
+  if (!_VXKeychainItemCheckStatus(SecItemUpdate(exactRequest(*response), changes), error)) return false;
+  const NSRef<NSMutableDictionary> changed = response->mutableCopy();
+  changes->enumerateKeysAndObjectsUsingBlock([&](const NSRef<NSObject>& key, const NSRef<NSObject>& value,
+                                                 bool*) { changed->setObject(value, key); });
+  const NSRef<NSDictionary> request = exactRequest(*changed);
+  const NSRef<NSMutableDictionary> query = request->mutableCopy();
+  query->setObject(NSNumber::numberWithBool(true), kSecReturnAttributes);
+  NSRefPtr<NSDictionary> entry;
+  if (!_VXKeychainItemCheckStatus(SecItemCopyMatching(query, &entry), error)) return false;
+  setKeychainItemRequest(request);
+  populateKeychainItemWithKeychainResponse(entry);
+  return true;
+}
+
+bool VXKeychainItem::deleteFoundItem(NSRefPtr<NSError>* error) {
+  const OSStatus status = SecItemDelete(exactRequest(*requiredResponse("deleteFoundItem")));
   const bool deleted = _VXKeychainItemCheckStatus(status, error);
   return deleted || status == errSecItemNotFound;
 }

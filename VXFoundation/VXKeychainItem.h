@@ -41,17 +41,30 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
 
   /// Adds an entry with the item's fields. The dictionary passed to the store, with the secret, becomes the
   /// request.
-  virtual bool addItemToKeychain(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard]] virtual bool addItemToKeychain(NSRefPtr<NSError>* error = nullptr);
   /// Sets the fields to those of the entry that the request finds. Asserts that the request is not nil; if
   /// the assertion handler returns, a nil request results in the error -200. With data, the response must
   /// satisfy dictHasVaildKeychainData, else the error has code 0; without data, the secret is left unchanged.
-  virtual bool refreshItemFromKeychainIncludeData(bool includeData, NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard]] virtual bool refreshItemFromKeychainIncludeData(bool includeData,
+                                                                NSRefPtr<NSError>* error = nullptr);
   /// Updates the entry that the request finds with the item's fields. Asserts that neither response nor
   /// request is nil, and leaves both unchanged.
-  virtual bool updateItemInKeychain(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard]] virtual bool updateItemInKeychain(NSRefPtr<NSError>* error = nullptr);
   /// Deletes the entry that has the item's current fields. If there is none, returns true but still sets the
   /// error -201.
-  virtual bool deleteItemFromKeychain(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard]] virtual bool deleteItemFromKeychain(NSRefPtr<NSError>* error = nullptr);
+
+  /// Changes the entry of the response, and no other, to the item's fields, then sets request and response
+  /// from the entry as it now is, so that a renamed item can be refreshed. A field that is nil stays what it
+  /// is in the store, and so does the secret where the item has not loaded it; an empty label clears the
+  /// label. Raises the invalid-argument exception without a response. Returns false, with the error, where
+  /// the fields are invalid, where the store refuses the change, and where it fails to return the entry after
+  /// it was changed.
+  [[nodiscard]] virtual bool updateAndFollow(NSRefPtr<NSError>* error = nullptr);
+  /// Deletes the entry of the response, and no other; the secret need not be loaded. Raises the
+  /// invalid-argument exception without a response. Succeeds where the entry is gone, but gives the error
+  /// -201 even so.
+  [[nodiscard]] virtual bool deleteFoundItem(NSRefPtr<NSError>* error = nullptr);
 
   /// The fields, each of which may be nil. Setters copy their argument; the store is not accessed.
   ///@{
@@ -82,6 +95,8 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
 
  private:
   NSRefPtr<NSMutableDictionary> validAttributes(NSRefPtr<NSError>* error) const;
+  NSRefPtr<NSMutableDictionary> validChanges(NSRefPtr<NSError>* error) const;
+  NSRef<NSDictionary> requiredResponse(NSStringArg operation) const;
 
   NSRefPtr<NSString> label_;
   NSRefPtr<NSString> username_;
@@ -98,14 +113,14 @@ class NS_EXPORT VXPasswordKeychainItem : public VXKeychainItem::Subclass<VXPassw
 
   /// Returns the secret as a new string, marked as a secret if the data is. Returns nil if there is no secret
   /// or it is malformed UTF-8.
-  NSRefPtr<NSString> password() const;
+  [[nodiscard]] NSRefPtr<NSString> password() const;
   /// Sets the secret to the password's UTF-8 (RFC 3629), marked as a secret. Nil, or a string with an
   /// unpaired surrogate, which UTF-8 cannot encode, clears the secret.
   void setPassword(NSStringArg password);
 
   /// Does the same as refreshItemFromKeychainIncludeData; here the data is the password.
-  virtual bool refreshItemFromKeychainIncludePassword(bool includePassword,
-                                                      NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard]] virtual bool refreshItemFromKeychainIncludePassword(bool includePassword,
+                                                                    NSRefPtr<NSError>* error = nullptr);
 
   /// As in VXKeychainItem, and the secret must be UTF-8.
   bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const override;
@@ -125,8 +140,8 @@ class [[gnu::visibility("default")]] VXGenericKeychainItemLayer : public NSObjec
 
   /// Returns a new item of the receiving class with these fields, each of which may be nil; returns nil if
   /// the item's initialiser returns false. The store is not accessed.
-  static NSRefPtr<Self> keychainItemWithUsername(NSStringArg username, NSStringArg password,
-                                                 NSStringArg label, NSStringArg serviceName);
+  [[nodiscard]] static NSRefPtr<Self> keychainItemWithUsername(NSStringArg username, NSStringArg password,
+                                                               NSStringArg label, NSStringArg serviceName);
   /// Returns an item without fields, to be refreshed, whose request is the receiving class's query. It is a
   /// VXGenericKeychainItem, whatever the receiving class. Asserts that neither argument is nil; the store is
   /// not accessed.
@@ -136,9 +151,9 @@ class [[gnu::visibility("default")]] VXGenericKeychainItemLayer : public NSObjec
   /// one of exactly this identity first, then the oldest. Each has its response and a request that finds its
   /// entry and no other. Empty where there are none; nil, with the error, where the store fails. Passwords
   /// are read only where asked for, and an item whose secret is not UTF-8 is in the array all the same.
-  static NSRefPtr<NSArray> findAllKeychainItemsForUsername(NSStringArg username, NSStringArg serviceName,
-                                                           bool includePassword = false,
-                                                           NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard]] static NSRefPtr<NSArray> findAllKeychainItemsForUsername(
+      NSStringArg username, NSStringArg serviceName, bool includePassword = false,
+      NSRefPtr<NSError>* error = nullptr);
 };
 
 /// A password for an account of a service.
@@ -206,9 +221,9 @@ class [[gnu::visibility("default")]] VXInternetKeychainItemLayer : public NSObje
 
   /// Returns a new item of the receiving class with these fields, of which every string may be nil; returns
   /// nil if the item's initialiser returns false. The store is not accessed.
-  static NSRefPtr<Self> keychainItemWithUsername(NSStringArg username, NSStringArg password,
-                                                 NSStringArg label, NSStringArg server, NSStringArg path,
-                                                 std::int64_t port, VXInternetKeychainItemProtocol protocol);
+  [[nodiscard]] static NSRefPtr<Self> keychainItemWithUsername(
+      NSStringArg username, NSStringArg password, NSStringArg label, NSStringArg server, NSStringArg path,
+      std::int64_t port, VXInternetKeychainItemProtocol protocol);
   /// Returns an item of the receiving class without fields, to be refreshed, whose request is that class's
   /// query. Asserts that neither account nor server is nil; the store is not accessed. Raises the
   /// invalid-argument exception for an unknown protocol.
@@ -217,7 +232,7 @@ class [[gnu::visibility("default")]] VXInternetKeychainItemLayer : public NSObje
   /// Returns all items of the receiving class whose fields are these, any where one is nil, the port 0 or the
   /// protocol none; otherwise as VXGenericKeychainItem's. Raises the invalid-argument exception for a value
   /// that is not a protocol.
-  static NSRefPtr<NSArray> findAllKeychainItemsForUsername(
+  [[nodiscard]] static NSRefPtr<NSArray> findAllKeychainItemsForUsername(
       NSStringArg username, NSStringArg server, NSStringArg path = nullptr, std::int64_t port = 0,
       VXInternetKeychainItemProtocol protocol = VXInternetKeychainItemProtocolNone,
       bool includePassword = false, NSRefPtr<NSError>* error = nullptr);

@@ -27,6 +27,17 @@ class Fields {
                                                                    protocol(), includePassword, error);
   }
 
+  /// Sets the fields that are written.
+  void change(VXPasswordKeychainItem& item) const {
+    if (account()) item.setUsername(account());
+    if (label()) item.setLabel(label());
+    if (value<NSData>(kSecValueData)) item.setData(value<NSData>(kSecValueData));
+    auto* internet = dynamic_cast<VXInternetKeychainItem*>(&item);
+    if (internet && path()) internet->setPath(path());
+    if (internet && port()) internet->setPort(port());
+    if (internet && protocol()) internet->setProtocol(protocol());
+  }
+
   NSRef<VXPasswordKeychainItem> finder() const {
     if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
     return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
@@ -97,6 +108,8 @@ bool perform(const std::string& operation, VXKeychainItem& item, NSRefPtr<NSErro
   if (operation == "refreshWithData") return item.refreshItemFromKeychainIncludeData(true, error);
   if (operation == "update") return item.updateItemInKeychain(error);
   if (operation == "delete") return item.deleteItemFromKeychain(error);
+  if (operation == "follow") return item.updateAndFollow(error);
+  if (operation == "deleteFound") return item.deleteFoundItem(error);
   throw std::invalid_argument("no operation " + operation);
 }
 
@@ -106,7 +119,7 @@ std::string outcome(const std::string& operation, VXKeychainItem& item) {
   NSRefPtr<NSError> error = untouched;
   const State before = stateOf(item);
   const bool done = perform(operation, item, &error);
-  const bool fills = done && operation != "update" && operation != "delete";
+  const bool fills = done && operation != "update" && !operation.starts_with("delete");
   EXPECT_TRUE(fills || stateOf(item) == before) << "the item was changed";
   std::string told = done ? "yes" : "no";
   if (error != untouched) told.append(1, ' ').append(std::to_string(error->code()));
@@ -191,6 +204,8 @@ class VXKeychainItemTest : public KeychainTest {
     if (operation == "response") return shown(item.keychainItemResponse());
     if (operation == "fill")
       item.populateKeychainItemWithKeychainResponse(writtenMap(detail));
+    else if (operation == "change")
+      Fields(detail).change(item);
     else if (operation == "share")
       share(item, *items_.at(detail));
     else
