@@ -74,6 +74,36 @@ TEST(CXHashingDeathTest, EndTheProcessForAMissingKey) {
   EXPECT_DEATH(HMAC_SHA1_WithSecretKey(*dataOf("message"), nullptr), "secret key is nil");
 }
 
+void printDigests(const char* when) {
+  const auto data = dataOf("abc");
+  const auto digests = {MD5Hash(*data), SHA1Hash(*data), HMAC_SHA1_WithSecretKey(*data, data)};
+  std::fprintf(stderr, "%s", when);
+  for (const auto& digest : digests)
+    std::fprintf(stderr, " %02x", std::to_integer<unsigned>(digest->bytes()[0]));
+  std::fputs("; ", stderr);
+}
+
+struct PrintsDigestsAtItsEnd {
+  const char* when;
+  ~PrintsDigestsAtItsEnd() { printDigests(when); }
+};
+
+/// Ends the process after a digest, with more of them in what runs at its end.
+[[noreturn]] void digestAndExit() {
+  static const PrintsDigestsAtItsEnd late{"static"};
+  thread_local const PrintsDigestsAtItsEnd ofThread{"thread"};
+  static_cast<void>(ofThread.when);
+  std::atexit([] { printDigests("handler"); });
+  SHA1Hash(*dataOf("abc"));
+  std::exit(0);
+}
+
+TEST(CXHashingDeathTest, WorkUntilTheProcessHasEnded) {
+  const char expected[] = "thread 90 a9 5b; handler 90 a9 5b; static 90 a9 5b; $";
+  EXPECT_EXIT(digestAndExit(), testing::ExitedWithCode(0), expected);
+  EXPECT_EXIT(std::thread(digestAndExit).join(), testing::ExitedWithCode(0), expected);
+}
+
 /// MD5 and SHA-1 count modulo 2^32, HMAC counts all.
 TEST(CXHashingTests, CutFourGibibytesForTheDigestsAloneAndNotForHMAC) {
 #ifdef __SANITIZE_THREAD__

@@ -4,37 +4,47 @@
 
 #include <cstddef>
 
-/// One digest algorithm of libcrypto, looked up once per process. Safe on any thread.
+/// One digest algorithm of libcrypto. Thread-safe. Once a digest has been computed, others may be until the
+/// process has ended, in exit handlers and static destructors, too.
 class CCDigest {
  public:
-  /// Returns MD5 (RFC 1321) and SHA-1 (FIPS 180). Ends the process with a message if libcrypto does not offer
-  /// the algorithm.
+  /// RFC 1321 and FIPS 180. If libcrypto does not offer one, the process ends with a message.
   ///@{
   static const CCDigest& MD5();
   static const CCDigest& SHA1();
   ///@}
 
-  /// Writes the digest of the concatenated parts to `digest`, which has room for the algorithm's digest
-  /// length.
-  template <class... Parts>
-  void of(unsigned char* digest, const Parts&... parts) const {
-    EVP_MD_CTX* const context = begin();
-    (require(EVP_DigestUpdate(context, parts.bytes, parts.length)), ...);
-    require(EVP_DigestFinal_ex(context, digest, nullptr));
-  }
-
-  /// A sequence of bytes to be digested.
+  /// A run of bytes to be digested.
   struct Part {
-    const void* bytes;   ///< the first byte; null if there is none
+    const void* bytes;   ///< may be null for a length of 0
     std::size_t length;  ///< in bytes
   };
 
+  /// Writes the digest of the parts, one after another, to as many bytes as the algorithm produces.
+  template <class... Parts>
+  void of(unsigned char* digest, const Parts&... parts) const {
+    EVP_MD_CTX* const context = borrow();
+    begin(context);
+    (update(context, parts), ...);
+    finish(context, digest);
+    giveBack(context);
+  }
+
  private:
+  struct Algorithms;
+  static const Algorithms& algorithms();
+
   explicit CCDigest(const char* name);
 
-  /// Begins a digest in this thread's context: creating a context costs more than a short digest.
-  EVP_MD_CTX* begin() const;
-  static void require(int success);
+  /// Borrows this thread's context, or a new one once the thread's destructors have run.
+  ///@{
+  static EVP_MD_CTX* borrow();
+  static void giveBack(EVP_MD_CTX* context);
+  ///@}
+
+  void begin(EVP_MD_CTX* context) const;
+  static void update(EVP_MD_CTX* context, const Part& part);
+  static void finish(EVP_MD_CTX* context, unsigned char* digest);
 
   const EVP_MD* algorithm_;
 };
