@@ -6,25 +6,39 @@
 #include <array>
 #include <cstring>
 
-#include <CommonCrypto/CommonDigest.h>
 #include <CommonCrypto/Internal/CCDigest.h>
 
 namespace {
 
-using Block = std::array<unsigned char, CC_SHA1_BLOCK_BYTES>;
+/// The key, padded to a block and combined with a constant (RFC 2104, section 2); a longer one is digested
+/// first. Cleansed at the end.
+class KeyBlock {
+ public:
+  explicit KeyBlock(const CCDigest::Part& key) {
+    bytes_.fill(0);
+    if (key.length > bytes_.size())
+      CCDigest::SHA1().of(bytes_.data(), key);
+    else if (key.length > 0)
+      std::memcpy(bytes_.data(), key.bytes, key.length);
+    flip(innerMask);
+  }
+  KeyBlock(const KeyBlock&) = delete;
+  KeyBlock& operator=(const KeyBlock&) = delete;
+  ~KeyBlock() { OPENSSL_cleanse(bytes_.data(), bytes_.size()); }
 
-/// Fills the block with the key; a key longer than the block is digested first (RFC 2104, section 2).
-void fillWithKey(Block& block, const CCDigest::Part& key) {
-  block.fill(0);
-  if (key.length > block.size())
-    CCDigest::SHA1().of(block.data(), key);
-  else if (key.length > 0)
-    std::memcpy(block.data(), key.bytes, key.length);
-}
+  /// Turns the inner key, with which the block begins, into the outer one.
+  void becomeOuter() { flip(innerMask ^ outerMask); }
+  CCDigest::Part part() const { return {bytes_.data(), bytes_.size()}; }
 
-void flip(Block& block, unsigned char mask) {
-  for (unsigned char& byte : block) byte ^= mask;
-}
+ private:
+  static constexpr unsigned char innerMask = 0x36, outerMask = 0x5C;
+
+  void flip(unsigned char mask) {
+    for (unsigned char& byte : bytes_) byte ^= mask;
+  }
+
+  std::array<unsigned char, CC_SHA1_BLOCK_BYTES> bytes_;
+};
 
 }  // namespace
 
@@ -32,14 +46,29 @@ void flip(Block& block, unsigned char mask) {
 // thread's next call or have to be created again for every call.
 void CCHmac(CCHmacAlgorithm, const void* key, std::size_t keyLength, const void* data, std::size_t dataLength,
             void* mac) {
-  constexpr unsigned char inner = 0x36, outer = 0x5C;
   auto* const digest = static_cast<unsigned char*>(mac);
-  Block block;
-  fillWithKey(block, {key, keyLength});
-  flip(block, inner);
-  CCDigest::SHA1().of(digest, CCDigest::Part{block.data(), block.size()}, CCDigest::Part{data, dataLength});
-  flip(block, inner ^ outer);
-  CCDigest::SHA1().of(digest, CCDigest::Part{block.data(), block.size()},
-                      CCDigest::Part{digest, CC_SHA1_DIGEST_LENGTH});
-  OPENSSL_cleanse(block.data(), block.size());
+  KeyBlock block({key, keyLength});
+  CCDigest::SHA1().of(digest, block.part(), CCDigest::Part{data, dataLength});
+  block.becomeOuter();
+  CCDigest::SHA1().of(digest, block.part(), CCDigest::Part{digest, CC_SHA1_DIGEST_LENGTH});
+}
+
+void CCHmacInit(CCHmacContext* context, CCHmacAlgorithm, const void* key, std::size_t keyLength) {
+  KeyBlock block({key, keyLength});
+  CCDigest::SHA1().begin(context->inner);
+  CCDigest::update(context->inner, block.part());
+  block.becomeOuter();
+  CCDigest::SHA1().begin(context->outer);
+  CCDigest::update(context->outer, block.part());
+}
+
+void CCHmacUpdate(CCHmacContext* context, const void* data, std::size_t dataLength) {
+  CCDigest::update(context->inner, {data, dataLength});
+}
+
+void CCHmacFinal(CCHmacContext* context, void* mac) {
+  auto* const digest = static_cast<unsigned char*>(mac);
+  CCDigest::finish(context->inner, digest);
+  CCDigest::update(context->outer, {digest, CC_SHA1_DIGEST_LENGTH});
+  CCDigest::finish(context->outer, digest);
 }

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -32,6 +33,12 @@ OSSL_LIB_CTX* libraryContext() {
 [[gnu::tls_model("initial-exec")]] constinit thread_local EVP_MD_CTX* keptContext = nullptr;
 [[gnu::tls_model("initial-exec")]] constinit thread_local bool threadHasEnded = false;
 
+EVP_MD_CTX* newContext() {
+  EVP_MD_CTX* const context = EVP_MD_CTX_new();
+  require(context, "there is not enough memory");
+  return context;
+}
+
 struct FreeContextAtThreadEnd {
   ~FreeContextAtThreadEnd() {
     EVP_MD_CTX_free(keptContext);
@@ -52,6 +59,7 @@ void keep(EVP_MD_CTX* context) {
 struct CCDigest::Algorithms {
   CCDigest md5{"MD5"};
   CCDigest sha1{"SHA1"};
+  CCDigest sha256{"SHA256"};
 };
 
 const CCDigest::Algorithms& CCDigest::algorithms() {
@@ -61,6 +69,7 @@ const CCDigest::Algorithms& CCDigest::algorithms() {
 
 const CCDigest& CCDigest::MD5() { return algorithms().md5; }
 const CCDigest& CCDigest::SHA1() { return algorithms().sha1; }
+const CCDigest& CCDigest::SHA256() { return algorithms().sha256; }
 
 CCDigest::CCDigest(const char* name) : algorithm_(EVP_MD_fetch(libraryContext(), name, nullptr)) {
   require(algorithm_, name);
@@ -80,12 +89,32 @@ void CCDigest::finish(EVP_MD_CTX* context, unsigned char* digest) {
 
 EVP_MD_CTX* CCDigest::borrow() {
   if (keptContext) return keptContext;
-  EVP_MD_CTX* const context = EVP_MD_CTX_new();
-  require(context, "there is not enough memory");
+  EVP_MD_CTX* const context = newContext();
   if (!threadHasEnded) keep(context);
   return context;
 }
 
 void CCDigest::giveBack(EVP_MD_CTX* context) {
   if (context != keptContext) EVP_MD_CTX_free(context);
+}
+
+EVP_MD_CTX* CCDigest::stateOf(const CCDigestContext& context) {
+  require(context.state_, "it was not begun");
+  return static_cast<EVP_MD_CTX*>(context.state_);
+}
+
+int CCDigest::begin(CCDigestContext& context) const {
+  if (!context.state_) context.state_ = newContext();
+  return begin(stateOf(context)), 1;
+}
+
+int CCDigest::update(CCDigestContext& context, const Part& part) { return update(stateOf(context), part), 1; }
+
+int CCDigest::finish(CCDigestContext& context, unsigned char* digest) {
+  finish(stateOf(context), digest);
+  return discard(context), 1;
+}
+
+void CCDigest::discard(CCDigestContext& context) {
+  EVP_MD_CTX_free(static_cast<EVP_MD_CTX*>(std::exchange(context.state_, nullptr)));
 }

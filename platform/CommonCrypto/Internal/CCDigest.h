@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include <CommonCrypto/CommonDigest.h>
+
 /// One digest algorithm of libcrypto. Thread-safe. Once a digest has been computed, others may be until the
 /// process has ended, in exit handlers and static destructors, too.
 class CCDigest {
@@ -12,11 +14,12 @@ class CCDigest {
   ///@{
   static const CCDigest& MD5();
   static const CCDigest& SHA1();
+  static const CCDigest& SHA256();
   ///@}
 
   /// A run of bytes to be digested.
   struct Part {
-    const void* bytes;   ///< may be null for a length of 0
+    const void* bytes;   ///< may be null if `length` is 0
     std::size_t length;  ///< in bytes
   };
 
@@ -30,6 +33,17 @@ class CCDigest {
     giveBack(context);
   }
 
+  /// The steps of a digest in a context of the caller's. They return 1; a digest that was not begun ends the
+  /// process with a message.
+  ///@{
+  int begin(CCDigestContext& context) const;
+  static int update(CCDigestContext& context, const Part& part);
+  static int finish(CCDigestContext& context, unsigned char* digest);
+  ///@}
+
+  /// Cleanses and frees the state of a context, which may have none.
+  static void discard(CCDigestContext& context);
+
  private:
   struct Algorithms;
   static const Algorithms& algorithms();
@@ -41,6 +55,8 @@ class CCDigest {
   static EVP_MD_CTX* borrow();
   static void giveBack(EVP_MD_CTX* context);
   ///@}
+
+  static EVP_MD_CTX* stateOf(const CCDigestContext& context);
 
   void begin(EVP_MD_CTX* context) const;
   static void update(EVP_MD_CTX* context, const Part& part);
