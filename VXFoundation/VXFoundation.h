@@ -13,6 +13,7 @@
 #include <VXFoundation/NSObject+VXAdditions.h>
 #include <VXFoundation/NSString+CXKeyValueCoding.h>
 #include <VXFoundation/VXCodecKernels.h>
+#include <VXFoundation/VXDigest.h>
 #include <VXFoundation/VXErrorRecoveryAttempter.h>
 #include <VXFoundation/VXFoundationConstants.h>
 #include <VXFoundation/VXKeychainItem.h>
