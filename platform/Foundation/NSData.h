@@ -95,6 +95,15 @@ class NS_EXPORT NSMutableData : public NSData::Subclass<NSMutableData> {
   void appendBytes(const void* bytes, std::size_t length);
   void appendData(const NSRef<NSData>& data);
   ///@}
+  /// Appends bytes that `write(std::span<std::byte>)` writes to their final place, at most `maximum`; it
+  /// returns their number.
+  template <class Write>
+  void appendMaximumLength(std::size_t maximum, Write&& write) {
+    const std::size_t before = length();
+    std::byte* const place = storage_.grow(maximum);
+    storage_.setCount(before);
+    storage_.setCount(before + std::forward<Write>(write)(std::span(place, maximum)));
+  }
   /// Truncates the bytes, or extends them with zeros.
   void setLength(std::size_t length);
 
