@@ -35,6 +35,7 @@ struct RadixKernels {
 struct CodecKernels {
   const char* name;
   RadixKernels base64;
+  RadixKernels base64URL;
   RadixKernels base32;
   RadixKernels base16;
   PercentEncode* percentEncode;

@@ -7,6 +7,8 @@
 namespace VXKernels {
 
 inline constexpr char _base64Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+inline constexpr char _base64URLAlphabet[] =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 inline constexpr char _base32Alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567";
 inline constexpr char _base16Alphabet[] = "0123456789ABCDEF";
 
@@ -24,6 +26,7 @@ struct Radix {
 };
 
 inline constexpr Radix base64{6, 3, 4, _base64Alphabet, false};
+inline constexpr Radix base64URL{6, 3, 4, _base64URLAlphabet, false};
 inline constexpr Radix base32{5, 5, 8, _base32Alphabet, false};
 inline constexpr Radix base16{4, 1, 2, _base16Alphabet, true};
 
@@ -33,6 +36,8 @@ template <const Radix& radix>
 inline constexpr RadixKernels CodecKernels::*kernelsOf = nullptr;
 template <>
 inline constexpr RadixKernels CodecKernels::*kernelsOf<base64> = &CodecKernels::base64;
+template <>
+inline constexpr RadixKernels CodecKernels::*kernelsOf<base64URL> = &CodecKernels::base64URL;
 template <>
 inline constexpr RadixKernels CodecKernels::*kernelsOf<base32> = &CodecKernels::base32;
 template <>

@@ -8,6 +8,7 @@ namespace VXKernels {
 const CodecKernels avx2Kernels = {
     "avx2",
     {encode<base64>, decode<base64>},
+    {encode<base64URL>, decode<base64URL>},
     {encode<base32>, decode<base32>},
     {encode<base16>, decode<base16>},
     percentEncode,

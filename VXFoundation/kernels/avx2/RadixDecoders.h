@@ -24,14 +24,19 @@ constexpr Half digitsByLowHalf(const Radix& radix) {
   return rows;
 }
 
-/// Value minus character, by row. "/" is the only digit whose difference is not that of its row; it uses row
-/// 1, which has no digits.
+/// The only digit whose value minus character is not that of its row: "/" or "_", by the alphabet.
+constexpr char irregularDigit(const Radix& radix) { return radix.bits == 6 ? radix.alphabet[63] : '\xFF'; }
+/// The row that it uses instead, which has no digits.
+constexpr int spareRow = 1;
+
+/// Value minus character, by row.
 constexpr Half differencesByRow(const Radix& radix) {
   Half differences{};
   const DigitValues values = digitValues(radix);
   for (unsigned c = 128; c-- > 0;)
     if (values.of[c] != notADigit)
-      differences.at[c == '/' ? 1 : c / 16] = static_cast<unsigned char>(values.of[c] - c);
+      differences.at[c == static_cast<unsigned char>(irregularDigit(radix)) ? spareRow : c / 16] =
+          static_cast<unsigned char>(values.of[c] - c);
   return differences;
 }
 
@@ -42,9 +47,11 @@ bool valuesOf(__m256i characters, __m256i& values) {
   const __m256i rows = _mm256_and_si256(_mm256_srli_epi16(characters, 4), _mm256_set1_epi8(15));
   const __m256i known = _mm256_and_si256(_mm256_shuffle_epi8(digits.vector(), characters),
                                          _mm256_shuffle_epi8(bits.vector(), rows));
-  const __m256i slashes = _mm256_cmpeq_epi8(characters, _mm256_set1_epi8(radix.bits == 6 ? '/' : -1));
+  constexpr char irregular = irregularDigit(radix), toSpareRow = spareRow - irregular / 16;
+  const __m256i shifts = _mm256_and_si256(_mm256_cmpeq_epi8(characters, _mm256_set1_epi8(irregular)),
+                                          _mm256_set1_epi8(toSpareRow));
   values =
-      _mm256_add_epi8(characters, _mm256_shuffle_epi8(differences.vector(), _mm256_add_epi8(rows, slashes)));
+      _mm256_add_epi8(characters, _mm256_shuffle_epi8(differences.vector(), _mm256_add_epi8(rows, shifts)));
   return _mm256_movemask_epi8(_mm256_cmpeq_epi8(known, _mm256_setzero_si256())) == 0;
 }
 

@@ -49,26 +49,24 @@ __m256i add(__m256i digits, __m256i where, int difference) {
   return _mm256_add_epi8(digits, _mm256_and_si256(where, _mm256_set1_epi8(static_cast<char>(difference))));
 }
 
-template <const Radix& radix>
-__m256i charactersOf(__m256i bytes);
-
 /// Character minus digit, which changes at 26, 52, 62 and 63. Capitals have a separate place; the others have
 /// the place `digit - 51`, or 0 if that is negative.
 constexpr std::size_t capitalsPlace = 13;
 
-constexpr Half base64Differences() {
+constexpr Half base64Differences(const Radix& radix) {
   Half differences{};
   for (std::size_t digit = 0; digit < 64; ++digit) {
     const std::size_t place = digit < 26 ? capitalsPlace : digit < 52 ? 0 : digit - 51;
     differences.at[place] =
-        static_cast<unsigned char>(static_cast<std::size_t>(base64.alphabet[digit]) - digit);
+        static_cast<unsigned char>(static_cast<std::size_t>(radix.alphabet[digit]) - digit);
   }
   return differences;
 }
 
-template <>
-__m256i charactersOf<base64>(__m256i bytes) {
-  static constexpr Half differences = base64Differences();
+template <const Radix& radix>
+__m256i charactersOf(__m256i bytes) {
+  static_assert(radix.bits == 6);
+  static constexpr Half differences = base64Differences(radix);
   const __m256i digits = base64Digits(bytes);
   const __m256i capitals = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), digits);
   const __m256i places = add(_mm256_subs_epu8(digits, _mm256_set1_epi8(51)), capitals, capitalsPlace);

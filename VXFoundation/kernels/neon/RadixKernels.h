@@ -28,8 +28,9 @@ uint8x16_t valuesOf(uint8x16_t characters) {
 bool allDigits(uint8x16_t values) { return vmaxvq_u8(values) != notADigit; }
 
 /// Loads three vectors, of the first, second and third bytes of sixteen groups.
+template <const Radix& radix>
 void encodeBase64Block(const std::byte* bytes, char* text) {
-  const uint8x16x4_t characters = vld1q_u8_x4(raw(base64.alphabet));
+  const uint8x16x4_t characters = vld1q_u8_x4(raw(radix.alphabet));
   const uint8x16x3_t group = vld3q_u8(raw(bytes));
   const uint8x16_t mask = vdupq_n_u8(63);
   uint8x16x4_t digits;
@@ -41,9 +42,10 @@ void encodeBase64Block(const std::byte* bytes, char* text) {
   vst4q_u8(raw(text), digits);
 }
 
+template <const Radix& radix>
 bool decodeBase64Block(const char* digits, std::byte* bytes) {
   uint8x16x4_t group = vld4q_u8(raw(digits));
-  for (uint8x16_t& values : group.val) values = valuesOf<base64>(values);
+  for (uint8x16_t& values : group.val) values = valuesOf<radix>(values);
   const uint8x16_t highest =
       vmaxq_u8(vmaxq_u8(group.val[0], group.val[1]), vmaxq_u8(group.val[2], group.val[3]));
   uint8x16x3_t joined;

@@ -7,6 +7,7 @@ namespace VXKernels {
 const CodecKernels scalarKernels = {
     "scalar",
     {encode<base64>, decode<base64>},
+    {encode<base64URL>, decode<base64URL>},
     {encode<base32>, decode<base32>},
     {encode<base16>, decode<base16>},
     percentEncode,
