@@ -1,5 +1,6 @@
 #include <VXFoundation/NSData+VXBaseConversion.h>
 
+#include <VXFoundation/Internal/VXPadding.h>
 #include <VXFoundation/kernels/CodecDispatch.h>
 #include <VXFoundation/kernels/Radix.h>
 
@@ -26,21 +27,6 @@ NSRef<NSString> encode(const NSData& data) {
   return encode(data, groups * radix.groupDigits, kernelsInUse<radix>().encode);
 }
 
-/// Returns whether the digits that the padding leaves in a group are those of a whole number of bytes.
-constexpr bool leavesWholeBytes(std::size_t padding, const Radix& radix) {
-  if (padding >= radix.groupDigits) return false;
-  const std::size_t digits = radix.groupDigits - padding, bytes = digits * radix.bits / 8;
-  return bytes > 0 && (bytes * 8 + radix.bits - 1) / radix.bits == digits;
-}
-
-/// Returns one bit for each length of padding with which encoded text may end.
-constexpr unsigned validPaddings(const Radix& radix) {
-  unsigned valid = 0;
-  for (unsigned padding = 0; padding < radix.groupDigits; ++padding)
-    if (leavesWholeBytes(padding, radix)) valid |= 1u << padding;
-  return valid;
-}
-
 /// Returns the text without the padding at its end; std::nullopt if the text is not whole groups or the
 /// padding has a wrong length. Earlier padding is left to the kernel, for which it is not a digit.
 template <const Radix& radix>
@@ -49,7 +35,7 @@ std::optional<std::string_view> digitsOf(std::string_view text) {
   while (digits > 0 && text[digits - 1] == VXKernels::_padding) --digits;
   const std::size_t padding = text.size() - digits;
   if (text.size() % radix.groupDigits != 0 || padding >= radix.groupDigits) return std::nullopt;
-  constexpr unsigned valid = validPaddings(radix);
+  constexpr unsigned valid = VXValidPaddings(radix);
   if ((valid >> padding & 1) == 0) return std::nullopt;
   return std::string_view(text.data(), digits);
 }

@@ -13,10 +13,13 @@
 #include <VXFoundation/NSObject+VXAdditions.h>
 #include <VXFoundation/NSString+CXKeyValueCoding.h>
 #include <VXFoundation/VXCodecKernels.h>
+#include <VXFoundation/VXDecoder.h>
 #include <VXFoundation/VXDigest.h>
+#include <VXFoundation/VXEncoder.h>
 #include <VXFoundation/VXErrorRecoveryAttempter.h>
 #include <VXFoundation/VXFoundationConstants.h>
 #include <VXFoundation/VXKeychainItem.h>
+#include <VXFoundation/VXNotation.h>
 #include <VXFoundation/VXTreeUnion.h>
 #include <VXFoundation/VXURLCoding.h>
 #include <VXFoundation/VXUTType.h>

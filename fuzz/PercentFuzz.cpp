@@ -3,33 +3,35 @@
 #include <optional>
 
 #include "VXFoundation/kernels/CodecDispatch.h"
-#include "tests/support/Fuzz.h"
+#include "tests/support/Pieces.h"
 
 // Percent coding: every set of kernels does what the scalar one does, in buffers of exactly the room that
-// they ask for, and each direction undoes the other. The first byte of an input names the set in use.
+// they ask for, each direction undoes the other, and pieces give the same as the whole. The first byte of an
+// input names the set in use.
 namespace {
 
-using Bytes = std::vector<std::byte>;
+using ByteVector = std::vector<std::byte>;
 
-std::optional<Bytes> converted(VXKernels::PercentDecode* kernel, const Bytes& input, std::size_t room) {
-  Bytes output(room);
+std::optional<ByteVector> converted(VXKernels::PercentDecode* kernel, const ByteVector& input,
+                                    std::size_t room) {
+  ByteVector output(room);
   const std::size_t length = kernel(input.data(), input.size(), output.data());
   if (length == VXKernels::malformed) return std::nullopt;
   output.resize(length);
   return output;
 }
 
-std::optional<Bytes> encoded(const VXKernels::CodecKernels& kernels, const Bytes& bytes) {
+std::optional<ByteVector> encoded(const VXKernels::CodecKernels& kernels, const ByteVector& bytes) {
   return converted(kernels.percentEncode, bytes, 3 * bytes.size());
 }
 
-std::optional<Bytes> decoded(const VXKernels::CodecKernels& kernels, const Bytes& text) {
+std::optional<ByteVector> decoded(const VXKernels::CodecKernels& kernels, const ByteVector& text) {
   return converted(kernels.percentDecode, text, text.size());
 }
 
-void compareKernels(const Bytes& input) {
+void compareKernels(const ByteVector& input) {
   const auto sets = VXKernels::availableKernels();
-  const Bytes text = *encoded(*sets[0], input);
+  const ByteVector text = *encoded(*sets[0], input);
   fuzzRequire(decoded(*sets[0], text) == input, "what is encoded decodes to itself");
   for (const auto* set : sets.subspan(1)) {
     fuzzRequire(encoded(*set, input) == text, "all kernels encode alike");
@@ -55,8 +57,10 @@ void decodeText(std::string_view input) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   FuzzInput input(data, size);
   const auto sets = VXCodecKernelsAvailable();
-  VXCodecKernelsUse(sets[input.byte() % sets.size()]);
+  const unsigned use = input.byte();
+  VXCodecKernelsUse(sets[use % sets.size()]);
   compareKernels(fuzzBytes(input.rest()));
   decodeText(input.rest());
+  Pieces::compare(Pieces::coders[4], std::string(input.rest()), use);
   return 0;
 }

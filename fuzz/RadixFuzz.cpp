@@ -1,10 +1,10 @@
 #include "VXFoundation/kernels/CodecDispatch.h"
 #include "tests/support/Fuzz.h"
-#include "tests/support/Notations.h"
+#include "tests/support/Pieces.h"
 
-// Base 64, 32 and 16: every set of kernels does what the scalar one does, a text is decoded or refused by the
-// rules, and what decodes is encoded to its normal form. The first byte of an input says how to use it, the
-// others are bytes or digits.
+// Base 64, 32, 16 and base 64 for URLs: every set of kernels does what the scalar one does, a text is decoded
+// or refused by the rules, what decodes is encoded to its normal form, and pieces give the same as the whole.
+// The first byte of an input says how to use it, the others are bytes or digits.
 namespace {
 
 /// Mostly digits of the notation, so that a fuzzer need not find them one by one.
@@ -46,11 +46,15 @@ void decodeAndEncode(const Notation& notation, const std::string& text) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   FuzzInput input(data, size);
   const unsigned use = input.byte();
-  const Notation& notation = notations[use % std::size(notations)];
+  const std::size_t index = use % std::size(notations);
+  const Notation& notation = notations[index];
   const auto sets = VXCodecKernelsAvailable();
   VXCodecKernelsUse(sets[use / std::size(notations) % sets.size()]);
   compareKernels(notation, input.rest());
-  decodeAndEncode(notation, std::string(input.rest()));
-  decodeAndEncode(notation, notation.padded(digitsFrom(notation, input.rest())));
+  for (const std::string& text :
+       {std::string(input.rest()), notation.padded(digitsFrom(notation, input.rest()))}) {
+    decodeAndEncode(notation, text);
+    Pieces::compare(Pieces::coders[index], text, use);
+  }
   return 0;
 }

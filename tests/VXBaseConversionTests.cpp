@@ -38,30 +38,19 @@ TEST_P(VXBaseConversionTests, DecodeOrRefuseAsTheTableSays) {
   for (const Notation& notation : notations) EXPECT_FALSE(notation.decode(nullptr));
 }
 
-/// Every text of `length` units of the alphabet.
-void forEveryText(std::u16string_view alphabet, std::size_t length, const auto& check) {
-  std::vector<std::size_t> places(length);
-  std::u16string text(length, alphabet[0]);
-  for (bool more = true; more;) {
-    check(text);
-    std::size_t i = 0;
-    for (; i < length && ++places[i] == alphabet.size(); ++i) places[i] = 0, text[i] = alphabet[0];
-    if ((more = i < length)) text[i] = alphabet[places[i]];
-  }
-}
-
 TEST_P(VXBaseConversionTests, HoldTheRulesForEveryTextOverAHostileAlphabet) {
   const auto follows = [](const Notation& notation) {
     return [&notation](const std::u16string& text) { expectDecodedByRule(notation, text); };
   };
   for (std::size_t length = 0; length <= 4; ++length) {
-    forEveryText(u"AQz8/=\n-\u00E9\u0141", length, follows(notations[0]));
-    forEveryText(u"09afAFgG=x \u00E9\uFF11", length, follows(notations[2]));
+    forEveryText<char16_t>(u"AQz8/=\n-\u00E9\u0141", length, follows(notations[0]));
+    forEveryText<char16_t>(u"AQz8-_=/+\u00E9\u0141", length, follows(notations[3]));
+    forEveryText<char16_t>(u"09afAFgG=x \u00E9\uFF11", length, follows(notations[2]));
   }
-  forEveryText(u"A7=\u00E9", 8, follows(notations[1]));
-  forEveryText(u"Ba=\n", 8, follows(notations[1]));
-  for (const unsigned length : {12u, 16u}) forEveryText(u"B=", length, follows(notations[0]));
-  for (const unsigned length : {7u, 9u, 16u}) forEveryText(u"B=", length, follows(notations[1]));
+  forEveryText<char16_t>(u"A7=\u00E9", 8, follows(notations[1]));
+  forEveryText<char16_t>(u"Ba=\n", 8, follows(notations[1]));
+  for (const unsigned length : {12u, 16u}) forEveryText<char16_t>(u"B=", length, follows(notations[0]));
+  for (const unsigned length : {7u, 9u, 16u}) forEveryText<char16_t>(u"B=", length, follows(notations[1]));
 }
 
 TEST_P(VXBaseConversionTests, TakeEveryUnitInEitherPlaceOfABase16Pair) {

@@ -14,5 +14,18 @@ class CodecTest : public testing::TestWithParam<std::string> {
   INSTANTIATE_TEST_SUITE_P(EverySet, Tests, testing::ValuesIn(VXCodecKernelsAvailable()), \
                            [](const auto& param) { return param.param; })
 
+/// Calls `check` with every text of `length` units of the alphabet.
+template <class Unit = char>
+void forEveryText(std::basic_string_view<Unit> alphabet, std::size_t length, const auto& check) {
+  std::vector<std::size_t> places(length);
+  std::basic_string<Unit> text(length, alphabet[0]);
+  for (bool more = true; more;) {
+    check(text);
+    std::size_t i = 0;
+    for (; i < length && ++places[i] == alphabet.size(); ++i) places[i] = 0, text[i] = alphabet[0];
+    if ((more = i < length)) text[i] = alphabet[places[i]];
+  }
+}
+
 /// What a cell of results says: "=" and the bytes, or absent.
 inline Bytes resultIn(const std::string& cell) { return cell == "absent" ? Bytes() : cell.substr(1); }

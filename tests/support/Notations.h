@@ -41,6 +41,7 @@ struct Notation {
   VXKernels::RadixKernels Kernels::*kernel;
   NSRef<NSString> (*encode)(const NSData&);
   NSRefPtr<NSData> (*decode)(NSStringArg);
+  bool needsPadding = true;
 
   std::size_t digits(std::size_t bytes) const { return (bytes * 8 + bits - 1) / bits; }
   bool fillsBytes(std::size_t digits) const { return digits * bits % 8 < bits; }
@@ -59,7 +60,9 @@ struct Notation {
   }
   Bytes decodedByRule(const std::string& text) const {
     const std::size_t digits = text.find_last_not_of('=') + 1, padding = text.size() - digits;
-    if (text.size() % group != 0 || padding >= group || !fillsBytes(digits)) return {};
+    if (padding > 0 || needsPadding)
+      if (text.size() % group != 0 || padding >= group) return {};
+    if (!fillsBytes(digits)) return {};
     return bytesOfDigits(text.substr(0, digits));
   }
 
@@ -75,6 +78,25 @@ struct Notation {
   }
 };
 
+/// Base 64 for URLs has no operations on whole data: one piece is the whole.
+///@{
+inline NSRef<NSString> base64URLString(const NSData& data) {
+  VXEncoder encoder(VXNotation::base64URL);
+  const auto text = NSMutableData::data();
+  encoder.update(data, *text);
+  encoder.finish(*text);
+  return NSString::stringWithData(text, NSASCIIStringEncoding);
+}
+inline NSRefPtr<NSData> dataWithBase64URLString(NSStringArg text) {
+  const auto string = text.borrow();
+  const auto units = string ? string->dataUsingEncoding(NSASCIIStringEncoding) : nullptr;
+  VXDecoder decoder(VXNotation::base64URL);
+  const auto data = NSMutableData::data();
+  if (!units || !decoder.update(*units, *data) || !decoder.finish(*data)) return nullptr;
+  return data;
+}
+///@}
+
 inline const Notation notations[] = {
     {"base64", "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/", 6, 4,
      &Notation::Kernels::base64, VXBaseConversion::base64String, VXBaseConversion::dataWithBase64String},
@@ -82,4 +104,6 @@ inline const Notation notations[] = {
      VXBaseConversion::base32String, VXBaseConversion::dataWithBase32String},
     {"base16", "0123456789ABCDEF", 4, 2, &Notation::Kernels::base16, VXBaseConversion::base16String,
      VXBaseConversion::dataWithBase16String},
+    {"base64url", "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_", 6, 4,
+     &Notation::Kernels::base64URL, base64URLString, dataWithBase64URLString, false},
 };
