@@ -4,10 +4,12 @@ const char* secStatusMessage(OSStatus status) noexcept {
   switch (static_cast<SecStatus>(status)) {
     case errSecSuccess:
       return "No error.";
+    case errSecNotBuiltIn:
+      return "The desktop's credential service is not built into this library.";
     case errSecDiskFull:
       return "The disk is full; nothing was changed.";
     case errSecIO:
-      return "The credential store could not be read or written.";
+      return "Reading or writing the credential store failed; check whether a change was made.";
     case errSecBusy:
       return "The credential store is in use by another program; try again.";
     case errSecParam:
@@ -17,7 +19,9 @@ const char* secStatusMessage(OSStatus status) noexcept {
     case errSecAllocate:
       return "There is not enough memory.";
     case errSecUserCanceled:
-      return "The request was dismissed.";
+      return "The prompt was dismissed, or could not be shown.";
+    case errSecTimedOut:
+      return "There was no answer from the desktop's credential service, or to its prompt, in time.";
     case errSecNotAvailable:
       return "The credential store cannot be reached.";
     case errSecReadOnly:
@@ -25,7 +29,7 @@ const char* secStatusMessage(OSStatus status) noexcept {
     case errSecAuthFailed:
       return "The key file or passphrase does not open the credential store.";
     case errSecNoSuchKeychain:
-      return "There is no such credential store.";
+      return "There is no such credential store, or the desktop has no default collection.";
     case errSecInvalidKeychain:
       return "The file is not a credential store.";
     case errSecDuplicateItem:
@@ -38,10 +42,20 @@ const char* secStatusMessage(OSStatus status) noexcept {
       return "The credential store is locked.";
     case errSecWrongSecVersion:
       return "The credential store was written by a newer version.";
+    case errSecNoService:
+      return "No program on the session bus offers a credential service.";
+    case errSecInteractionRequired:
+      return "The credential store needs to ask the user, which is not allowed here.";
     case errSecDataNotAvailable:
       return "The key file of the credential store is missing.";
     case errSecDecode:
-      return "The credential store is damaged; it was left as it is.";
+      return "The credential store is damaged or gave a malformed reply; it was left as it is.";
+    case errSecNoSessionBus:
+      return "There is no session bus, on which the desktop's credential service could be reached.";
+    case errSecServiceReplaced:
+      return "The desktop's credential service has ended or was replaced by another.";
+    case errSecNoAlgorithm:
+      return "The desktop's credential service offers no encryption for secrets on the bus.";
   }
   return "The credential store returned a status that has no message.";
 }
