@@ -91,6 +91,24 @@ TEST_F(SecItemTest, TheDefaultStoreIsTheOneThatWasChosen) {
   }
 }
 
+TEST_F(SecItemTest, AStoreIsChosenByItsKindAndNeverByAnError) {
+#ifdef VX_HAS_DESKTOP_STORE
+  constexpr OSStatus withoutDesktop = errSecNoSessionBus;
+#else
+  constexpr OSStatus withoutDesktop = errSecNotBuiltIn;
+#endif
+  for (const char* variable : {"HOME", "XDG_DATA_HOME"}) unsetenv(variable);
+  setenv("DBUS_SESSION_BUS_ADDRESS", "none", 1);
+  for (const auto& [kind, status] :
+       {std::pair<SecStorageKind, OSStatus>{SecStorageKind::file, errSecNotAvailable},
+        {SecStorageKind::memory, errSecSuccess},
+        {SecStorageKind::desktop, withoutDesktop}}) {
+    secSetDefaultStorage(kind);
+    for (const char* account : {"ann", "bob"})
+      EXPECT_EQ(SecItemAdd(writtenMap(std::string("class=generic account=") + account)), status);
+  }
+}
+
 TEST_F(SecItemTest, SecretsAreReadOnlyWhereTheyAreAskedFor) {
   const auto storage = std::make_shared<CountingStorage>();
   secSetDefaultStorage(storage);

@@ -3,8 +3,10 @@
 #include <mutex>
 #include <utility>
 
+#include <Security/SecDesktopStorage.h>
 #include <Security/SecFailure.h>
 #include <Security/SecFileStorage.h>
+#include <Security/SecMemoryStorage.h>
 
 namespace {
 
@@ -14,6 +16,14 @@ std::shared_ptr<SecStorage> openUserStorage() {
   secCheck(secDefaultFilePlace(place));
   secCheck(SecFileStorage::open(place, SecFileStorage::Missing::make, file));
   return file;
+}
+
+std::shared_ptr<SecStorage> makeStorage(SecStorageKind kind) {
+  if (kind == SecStorageKind::file) return nullptr;
+  if (kind == SecStorageKind::memory) return std::make_shared<SecMemoryStorage>();
+  std::unique_ptr<SecDesktopStorage> desktop;
+  SecDesktopStorage::open({}, desktop);
+  return desktop;
 }
 
 class Choice {
@@ -42,6 +52,8 @@ Choice& choice() {
 }  // namespace
 
 void secSetDefaultStorage(std::shared_ptr<SecStorage> storage) { choice().set(std::move(storage)); }
+
+void secSetDefaultStorage(SecStorageKind kind) { secSetDefaultStorage(makeStorage(kind)); }
 
 OSStatus secCopyDefaultStorage(std::shared_ptr<SecStorage>& storage) {
   return secStatusOf([&] { storage = choice().copy(); });
