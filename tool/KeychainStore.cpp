@@ -1,6 +1,7 @@
 #include "tool/KeychainStore.h"
 
 #include <Security/SecDefaultStorage.h>
+#include <Security/SecDesktopStorage.h>
 #include <Security/SecFileStorage.h>
 #include <Security/SecMemoryStorage.h>
 
@@ -12,6 +13,15 @@
 namespace {
 
 constexpr char inMemory[] = ":memory:";
+constexpr char onDesktop[] = ":desktop:";
+
+const CLI::Validator isStore(
+    [](std::string& name) -> std::string {
+      const bool isNoFile = name.size() > 1 && name.front() == ':' && name.back() == ':';
+      if (!isNoFile || name == inMemory || name == onDesktop) return "";
+      return "there is no store " + name + "; a file of that name is ./" + name;
+    },
+    "", "store");
 
 /// Reads from the descriptor if one was named, otherwise asks at the terminal; returns nil if there is
 /// neither.
@@ -47,20 +57,29 @@ void unlock(SecFileStorage& file, const KeychainStore& store) {
   if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain cannot be unlocked");
 }
 
-SecFileStorage& requireFile(SecFileStorage* file) {
-  if (!file) throw Failure("a keychain in memory has no file");
-  return *file;
+std::unique_ptr<SecDesktopStorage> openDesktop(const KeychainStore& store) {
+  SecDesktopOptions options;
+  options.allowsPrompts = !store.noPrompt && hasTerminal();
+  std::unique_ptr<SecDesktopStorage> desktop;
+  requireSuccess(SecDesktopStorage::open(options, desktop), "the keychain cannot be opened");
+  return desktop;
 }
 
-/// Opens the store's file, without making it the default, for operations that only files have. Returns null
-/// for a store in memory.
+std::shared_ptr<SecStorage> openAny(const KeychainStore& store) {
+  if (store.place == inMemory) return std::make_shared<SecMemoryStorage>();
+  if (store.place == onDesktop) return openDesktop(store);
+  return openFile(store);
+}
+
+/// Opens the store for operations that only files have.
 std::unique_ptr<SecFileStorage> openForUpkeep(const KeychainStore& store) {
-  return store.place == inMemory ? nullptr : openFile(store);
+  if (store.place == inMemory) throw Failure("a keychain in memory has no file");
+  if (store.place == onDesktop) throw Failure("the desktop's keychain has no file of its own");
+  return openFile(store);
 }
 
 int showInfo(const KeychainStore& store) {
-  std::shared_ptr<SecStorage> storage = openForUpkeep(store);
-  if (!storage) storage = std::make_shared<SecMemoryStorage>();
+  const std::shared_ptr<SecStorage> storage = openAny(store);
   SecStorageInfo info;
   requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
   writeStandardOutput("store: " + info.place + "\nprotection: " + info.protection +
@@ -70,7 +89,7 @@ int showInfo(const KeychainStore& store) {
 
 int verify(const KeychainStore& store) {
   const auto file = openForUpkeep(store);
-  unlock(requireFile(file.get()), store);
+  unlock(*file, store);
   requireSuccess(file->verify(), "the keychain failed verification");
   writeStandardOutput("intact, entries: " + std::to_string(infoOf(*file).entries) + '\n');
   return 0;
@@ -87,7 +106,7 @@ NSRefPtr<NSData> newPassphrase(const KeychainStore& store) {
 
 int changePassphrase(const KeychainStore& store, bool removing) {
   const auto file = openForUpkeep(store);
-  unlock(requireFile(file.get()), store);
+  unlock(*file, store);
   if (removing)
     requireSuccess(file->removePassphrase(), "the passphrase was not removed");
   else
@@ -98,8 +117,12 @@ int changePassphrase(const KeychainStore& store, bool removing) {
 }  // namespace
 
 void KeychainStore::addOptions(CLI::App& keychain) {
-  keychain.add_option("--keychain", place, "The store file, or :memory:; by default the user's store")
-      ->check(isUTF8);
+  keychain
+      .add_option("--keychain", place,
+                  "The store file, :memory: or :desktop:; by default the user's store file")
+      ->check(isUTF8)
+      ->check(isStore);
+  keychain.add_flag("--no-prompt", noPrompt, "Do not let the desktop's credential service ask anything");
   keychain
       .add_option("--passphrase-fd", passphraseDescriptor,
                   "Read a passphrase, one line, from this descriptor")
@@ -107,7 +130,7 @@ void KeychainStore::addOptions(CLI::App& keychain) {
 }
 
 void KeychainStore::open() const {
-  if (place == inMemory) return secSetDefaultStorage(std::make_shared<SecMemoryStorage>());
+  if (place == inMemory || place == onDesktop) return secSetDefaultStorage(openAny(*this));
   std::unique_ptr<SecFileStorage> file = openFile(*this);
   unlock(*file, *this);
   secSetDefaultStorage(std::move(file));

@@ -9,8 +9,11 @@
 
 /// Which store the keychain subcommands act on.
 struct KeychainStore {
-  std::string place;  // empty for the user's store, ":memory:" for one that ends with the process
+  // Empty for the user's file, ":memory:" for a store that ends with the process, ":desktop:" for the
+  // desktop's credential service.
+  std::string place;
   std::optional<int> passphraseDescriptor;
+  bool noPrompt = false;
 
   void addOptions(CLI::App& keychain);
 

@@ -52,8 +52,10 @@ class HiddenEcho {
   }
 };
 
+int openTerminal() { return open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY); }
+
 void show(std::string_view text) {
-  const int terminal = open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY);
+  const int terminal = openTerminal();
   while (!text.empty()) {
     const ssize_t count = write(terminal < 0 ? STDIN_FILENO : terminal, text.data(), text.size());
     if (count < 0 && errno == EINTR) continue;
@@ -73,6 +75,12 @@ std::optional<std::size_t> optionOf(const NSData& line, std::size_t count) {
 }  // namespace
 
 bool isOnTerminal() { return isatty(STDIN_FILENO) == 1; }
+
+bool hasTerminal() {
+  const int terminal = openTerminal();
+  if (terminal >= 0) close(terminal);
+  return terminal >= 0;
+}
 
 NSRefPtr<NSData> readSecretLine(int descriptor) {
   const NSRef<NSMutableData> line = NSMutableData::data();

@@ -11,6 +11,10 @@
 
 bool isOnTerminal();
 
+/// Returns whether there is a person: whether the tool has a controlling terminal, wherever its input comes
+/// from.
+bool hasTerminal();
+
 /// Asks for a secret without showing what is typed. The result is cleansed from memory after use. Throws
 /// Failure if the input ends first.
 NSRef<NSData> askSecret(const std::string& question);
