@@ -1,13 +1,12 @@
 #include <VXFoundation/VXCodecKernels.h>
 
-#include <VXFoundation/kernels/CodecDispatch.h>
+#include <Foundation/kernels/InstructionSets.h>
 
 std::vector<std::string> VXCodecKernelsAvailable() {
-  std::vector<std::string> names;
-  for (const auto* set : VXKernels::availableKernels()) names.emplace_back(set->name);
-  return names;
+  const auto sets = NSKernels::availableSets();
+  return {sets.begin(), sets.end()};
 }
 
-std::string VXCodecKernelsInUse() { return VXKernels::kernels().name; }
+std::string VXCodecKernelsInUse() { return std::string(NSKernels::availableSets()[NSKernels::setInUse()]); }
 
-bool VXCodecKernelsUse(const std::string& name) { return VXKernels::useKernels(name); }
+bool VXCodecKernelsUse(const std::string& name) { return NSKernels::useSet(name); }

@@ -12,10 +12,10 @@ TEST(KernelsDispatch, OffersTheScalarSetFirstAndStartsWithTheLast) {
 
 TEST(KernelsDispatch, TakesTheNamesItOffersAndNoOther) {
   for (const CodecKernels* set : availableKernels()) {
-    EXPECT_TRUE(useKernels(set->name));
+    EXPECT_TRUE(NSKernels::useSet(set->name));
     EXPECT_EQ(&kernels(), set);
-    EXPECT_FALSE(useKernels("abacus"));
-    EXPECT_FALSE(useKernels(""));
+    EXPECT_FALSE(NSKernels::useSet("abacus"));
+    EXPECT_FALSE(NSKernels::useSet(""));
     EXPECT_EQ(&kernels(), set) << "a refused choice changes nothing";
   }
 }

@@ -1,19 +1,21 @@
 #pragma once
 
 #include <span>
-#include <string_view>
 
+#include <Foundation/kernels/InstructionSets.h>
 #include <VXFoundation/kernels/CodecKernels.h>
 
 namespace VXKernels {
 
-/// Returns the sets that this machine can run, slowest first; the scalar one is always among them.
-std::span<const CodecKernels* const> availableKernels();
+/// The sets of this family of processors, in the order of InstructionSets.h.
+extern const CodecKernels* const codecKernels[];
 
-/// Returns the set in use: the fastest that the machine can run, until `useKernels` selects another.
-const CodecKernels& kernels();
+/// Returns the sets that this machine can run, slowest first.
+inline std::span<const CodecKernels* const> availableKernels() {
+  return {codecKernels, NSKernels::availableSets().size()};
+}
 
-/// Selects the set of that name, for all threads. Returns false if the machine cannot run it.
-bool useKernels(std::string_view name);
+/// Returns the set in use.
+inline const CodecKernels& kernels() { return *codecKernels[NSKernels::setInUse()]; }
 
 }  // namespace VXKernels
