@@ -33,6 +33,7 @@ void registerBase32();
 void registerBase16();
 void registerURLCoding();
 void registerDigests();
+void registerUnicode();
 
 /// contest [--benchmark_... options] [DIRECTORY]: prints the tables, and writes codecs.svg into DIRECTORY.
 int main(int argc, char** argv) {
@@ -42,6 +43,7 @@ int main(int argc, char** argv) {
   registerBase16();
   registerURLCoding();
   registerDigests();
+  registerUnicode();
   Contest::Report report;
   benchmark::RunSpecifiedBenchmarks(&report);
   report.printTables(std::cout);
