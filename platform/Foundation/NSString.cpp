@@ -10,6 +10,7 @@
 #include <Foundation/NSException.h>
 #include <Foundation/NSMutableString.h>
 #include <Foundation/NSUnicode.h>
+#include <Foundation/kernels/UnicodeDispatch.h>
 
 namespace {
 
@@ -35,17 +36,6 @@ NSRef<NSString> stringWithUnits(std::string_view units) {
 }
 
 NSRef<NSString> stringWithUnits(std::u16string_view units) { return NSString::stringWithCharacters(units); }
-
-// Leaves no copy of a secret behind, not even of the part before a malformed sequence.
-NSRefPtr<NSString> stringFromUTF8(std::string_view bytes, bool secret) {
-  if (NSIsASCII(bytes)) return stringWithUnits(bytes);
-  if (secret && !NSIsUTF8(bytes)) return nullptr;
-  std::optional<std::u16string> units = NSUTF16FromUTF8(bytes);
-  if (!units) return nullptr;
-  NSRefPtr<NSString> text = stringWithUnits(*units);
-  if (secret) explicit_bzero(units->data(), NSStorage<char16_t>::bytesFor(text->length()));
-  return text;
-}
 
 /// Returns a part of a string, which holds a secret if the string does.
 template <class Unit>
@@ -85,15 +75,33 @@ NSRef<NSString> NSString::string() { return ofASCIILength(0); }
 
 NSRef<NSString> NSString::stringWithString(NSStringArg text) { return NSRef<NSString>(text.get())->copy(); }
 
-NSRef<NSString> NSString::ofASCIILength(std::size_t length) {
-  const NSRef<NSString> text = allocWithTail(length, false);
-  text->storage_.setCount(length);
+NSRef<NSString> NSString::ofBytes(std::size_t size, bool wide) {
+  NSRef<NSString> text = allocWithTail(size, wide);
+  text->storage_.setCount(size);
   return text;
 }
 
-NSRefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) {
-  return stringFromUTF8(bytes, false);
+NSRef<NSString> NSString::ofUTF16Length(std::size_t length) {
+  return ofBytes(NSStorage<char16_t>::bytesFor(length), true);
 }
+
+// Marks a secret before it is converted, so that not even the part before a malformed sequence stays behind.
+NSRefPtr<NSString> NSString::fromUTF8(std::string_view bytes, bool secret) {
+  const NSKernels::UnicodeKernels& kernels = NSKernels::unicode();
+  if (kernels.asciiBytes(bytes.data(), bytes.size()) == bytes.size()) {
+    NSRef<NSString> text = stringWithUnits(bytes);
+    text->setHoldsSecret(secret);
+    return text;
+  }
+  NSRef<NSString> text = ofUTF16Length(kernels.utf16Length(bytes.data(), bytes.size()));
+  text->setHoldsSecret(secret);
+  if (kernels.utf16FromUTF8(bytes.data(), bytes.size(), text->unitsAs<char16_t>(), text->length()) !=
+      bytes.size())
+    return nullptr;
+  return text;
+}
+
+NSRefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) { return fromUTF8(bytes, false); }
 
 NSRefPtr<NSString> NSString::stringWithUTF8String(const char* bytes) {
   if (!bytes) return nullptr;
@@ -117,9 +125,7 @@ NSRefPtr<NSString> NSString::stringWithData(const NSRefPtr<NSData>& data, NSStri
   if (!data) return string();
   const std::string_view bytes(reinterpret_cast<const char*>(data->bytes().data()), data->length());
   if (encoding == NSASCIIStringEncoding && !NSIsASCII(bytes)) return nullptr;
-  NSRefPtr<NSString> text = stringFromUTF8(bytes, data->holdsSecret());
-  if (text) text->setHoldsSecret(data->holdsSecret());
-  return text;
+  return fromUTF8(bytes, data->holdsSecret());
 }
 
 char16_t NSString::characterAtIndex(std::size_t index) const {

@@ -133,7 +133,8 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
   ///@{
   NSString(NSTail tail, bool wide) : storage_(tail), wide_(wide) {}
 
-  static NSRef<NSString> ofASCIILength(std::size_t length);
+  static NSRef<NSString> ofASCIILength(std::size_t length) { return ofBytes(length, false); }
+  static NSRef<NSString> ofUTF16Length(std::size_t length);
   template <class Unit>
   Unit* unitsAs() const noexcept {
     return reinterpret_cast<Unit*>(storage_.units().data());
@@ -145,6 +146,10 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
   NSStorage<std::byte> storage_;
   bool wide_;
   ///@}
+
+ private:
+  static NSRef<NSString> ofBytes(std::size_t size, bool wide);
+  static NSRefPtr<NSString> fromUTF8(std::string_view bytes, bool secret);
 };
 
 /// Writes a string for people in UTF-8; one with an unpaired surrogate as escapes of all its code units, nil

@@ -14,19 +14,23 @@ template <class Unit>
 class GuardedBuffer {
  public:
   explicit GuardedBuffer(std::size_t capacity)
-      : page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
+      : page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / sizeof(Unit)),
         room_((capacity + page_ - 1) / page_ * page_),
-        map_(mmap(nullptr, room_ + 2 * page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
-    if (map_ == MAP_FAILED || mprotect(begin(), room_, PROT_READ | PROT_WRITE) != 0) throw std::bad_alloc();
+        map_(mmap(nullptr, bytes(room_ + 2 * page_), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
+    if (map_ == MAP_FAILED || mprotect(begin(), bytes(room_), PROT_READ | PROT_WRITE) != 0)
+      throw std::bad_alloc();
   }
-  ~GuardedBuffer() { munmap(map_, room_ + 2 * page_); }
+  ~GuardedBuffer() { munmap(map_, bytes(room_ + 2 * page_)); }
   GuardedBuffer(const GuardedBuffer&) = delete;
   GuardedBuffer& operator=(const GuardedBuffer&) = delete;
 
-  /// `count` units that end `gap` units before the forbidden page.
+  /// `count` units that end `gap` units before the forbidden page, or begin `gap` units after the other one.
+  ///@{
   std::span<Unit> last(std::size_t count, std::size_t gap = 0) const {
     return {begin() + room_ - gap - count, count};
   }
+  std::span<Unit> first(std::size_t count, std::size_t gap = 0) const { return {begin() + gap, count}; }
+  ///@}
 
   void fill(Unit mark) const { std::fill_n(begin(), room_, mark); }
 
@@ -38,9 +42,9 @@ class GuardedBuffer {
   }
 
  private:
-  static_assert(sizeof(Unit) == 1);
+  static std::size_t bytes(std::size_t units) { return units * sizeof(Unit); }
   Unit* begin() const { return static_cast<Unit*>(map_) + page_; }
 
-  std::size_t page_, room_;
+  std::size_t page_, room_;  // in units
   void* map_;
 };
