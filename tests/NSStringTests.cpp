@@ -93,6 +93,9 @@ TEST(NSString, FormatsFillInAndRefuse) {
   EXPECT_EQ(raised([] { NSString::stringWithFormat("%d", text("1")); }), invalid);
   EXPECT_EQ(raised([] { NSString::stringWithFormat("%lu", 1); }), invalid);
   EXPECT_EQ(raised([] { NSString::stringWithFormat("100%"); }), invalid);
+  EXPECT_EQ(raised([&] { NSString::stringWithFormat(nil, text("1")); }), invalid);
+  EXPECT_EQ(raised([&] { NSMutableString::string()->appendFormat(nil); }), invalid);
+  EXPECT_EQ(raised([&] { NSException::raise(NSRangeException, nil); }), invalid);
 }
 
 TEST(NSString, AppendsItself) {

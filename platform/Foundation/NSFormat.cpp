@@ -72,10 +72,12 @@ class Filler {
 
 }  // namespace
 
-NSRef<NSString> NSFormat(const NSString& format, std::span<const NSFormatArg> arguments) {
-  return Filler(static_cast<std::u16string>(format), arguments).filled();
+NSRef<NSString> NSFormat(NSStringArg format, std::span<const NSFormatArg> arguments) {
+  const auto text = format.borrow();
+  if (!text) NSRaiseNilReference();
+  return Filler(static_cast<std::u16string>(*text), arguments).filled();
 }
 
-NSRef<NSString> NSFormat(const NSString& format, std::initializer_list<NSFormatArg> arguments) {
+NSRef<NSString> NSFormat(NSStringArg format, std::initializer_list<NSFormatArg> arguments) {
   return NSFormat(format, std::span(arguments.begin(), arguments.size()));
 }

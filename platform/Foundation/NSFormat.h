@@ -50,9 +50,9 @@ class NSFormatArg {
 
 /// Returns the format with its directives filled in, in order: "%@" is replaced by an object's description,
 /// or by "(null)" for nil; "%d" by a signed decimal; "%lu" by an unsigned one; "%%" by a percent sign. An
-/// unknown directive, a missing or surplus argument, or one of the wrong kind raises the invalid-argument
-/// exception.
+/// unknown directive, a missing or surplus argument, one of the wrong kind, or a nil format raises the
+/// invalid-argument exception.
 ///@{
-NS_EXPORT NSRef<NSString> NSFormat(const NSString& format, std::span<const NSFormatArg> arguments);
-NS_EXPORT NSRef<NSString> NSFormat(const NSString& format, std::initializer_list<NSFormatArg> arguments);
+NS_EXPORT NSRef<NSString> NSFormat(NSStringArg format, std::span<const NSFormatArg> arguments);
+NS_EXPORT NSRef<NSString> NSFormat(NSStringArg format, std::initializer_list<NSFormatArg> arguments);
 ///@}

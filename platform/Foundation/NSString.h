@@ -53,11 +53,11 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
     std::forward<Write>(write)(std::span(text->unitsAs<char>(), length));
     return text;
   }
-  /// Returns the format, filled in as by NSFormat; raises the invalid-argument exception if the arguments do
-  /// not fit.
+  /// Returns the format, filled in as by NSFormat; raises the invalid-argument exception if the format is nil
+  /// or the arguments do not fit.
   template <class... Arguments>
   static NSRef<NSString> stringWithFormat(NSStringArg format, const Arguments&... arguments) {
-    return NSFormat(*format.borrow(), {NSFormatArg(arguments)...});
+    return NSFormat(format, {NSFormatArg(arguments)...});
   }
 
   /// Returns the length in 16-bit code units.
