@@ -8,7 +8,7 @@ void subclassShouldImplementSelector(const NSObject& receiver, NSStringArg selec
   const auto* classReceiver = NSDynamicCast<NSClass>(&receiver);
   const NSRef<NSString> signature = NSString::stringWithFormat(
       "%@[%@ %@]", NSString::stringWithString(classReceiver ? NSStringArg("+") : NSStringArg("-")),
-      NSStringFromClass(classReceiver ? *classReceiver : receiver.isa()), NSRef<NSString>(selector.get()));
+      NSStringFromClass(classReceiver ? *classReceiver : receiver.isa()), selector.get());
   NSException::raise(VXSubclassResponsibilityException,
                      "%@, is not implemented in the superclass, it is the subclass' responsibility.",
                      signature);

@@ -7,8 +7,8 @@
 namespace VXAdditions {
 
 /// Raises VXSubclassResponsibilityException, which says that the receiver's class should have implemented the
-/// operation named by the selector, with its colons. The receiver is an object or a class. A nil selector
-/// raises the invalid-argument exception.
+/// operation named by the selector, with its colons; "(null)" stands for a nil selector. The receiver is an
+/// object or a class.
 [[noreturn]] NS_EXPORT void subclassShouldImplementSelector(const NSObject& receiver, NSStringArg selector);
 
 }  // namespace VXAdditions

@@ -83,6 +83,8 @@ TEST(NSObject, TheSubclassAtFaultIsNamed) {
             name + "+[Circle area]" + rest);
   EXPECT_EQ(reason([&] { VXAdditions::subclassShouldImplementSelector(*circle, "scaleBy:around:"); }),
             name + "-[Circle scaleBy:around:]" + rest);
+  EXPECT_EQ(reason([&] { VXAdditions::subclassShouldImplementSelector(*circle, nullptr); }),
+            name + "-[Circle (null)]" + rest);
 }
 
 TEST(NSObject, NilRaisesAndChangesNothing) {
