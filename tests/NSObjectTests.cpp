@@ -24,6 +24,25 @@ struct LooselyKeyed : Keyed::Subclass<LooselyKeyed> {
 // A class whose name another source file of the host has, too, in an unnamed namespace of its own.
 struct Namesake : NSObject::Subclass<Namesake> {};
 
+// Each operator returns a class of its own.
+struct Operators {
+  NSClass* operator<(int) const {
+    struct Local : NSObject::Subclass<Local> {};
+    return &Local::classObject();
+  }
+  NSClass* operator->() const {
+    struct Local : NSObject::Subclass<Local> {};
+    return &Local::classObject();
+  }
+  template <class Right>
+  NSClass* operator<<(Right) const {
+    struct Local : NSObject::Subclass<Local> {};
+    return &Local::classObject();
+  }
+};
+template <class Value, bool flag>
+struct Box : NSObject::Subclass<Box<Value, flag>> {};
+
 }  // namespace
 
 TEST(NSObject, HostAndLibrarySeeOneClassObject) {
@@ -48,6 +67,13 @@ TEST(NSObject, ClassesAreObjectsWithANameAndASuperclass) {
   EXPECT_TRUE(NSMutableString::classObject().isSubclassOfClass(NSString::classObject()));
   struct Local : NSObject::Subclass<Local> {};
   EXPECT_EQ(Local::classObject().name(), "Local");
+}
+
+TEST(NSObject, AClassIsNamedWithoutTheOperatorThatItIsLocalTo) {
+  const Operators a;
+  for (NSClass* each : {a < 1, a.operator->(), a << 1}) EXPECT_EQ(each->name(), "Local");
+  EXPECT_EQ((Box<int, (2 > 1)>::classObject().name()), "Box<int, true>");
+  EXPECT_EQ(NSBlock<void(NSRef<Link>)>::classObject().name(), "NSBlock<void (NSRef<Link>)>");
 }
 
 TEST(NSObject, NamesakesInOtherSourceFilesAreOtherClasses) {

@@ -32,16 +32,18 @@ Registry& registry() {
   return only;
 }
 
+/// Searches from the end, because a scope may be an operator whose name contains a bracket. Within
+/// parentheses, where expressions are, angle brackets may be operators, too, and are not counted.
 std::string_view withoutScopes(std::string_view name) {
-  std::size_t start = 0;
-  int depth = 0;
-  for (std::size_t i = 0; i < name.size(); ++i) {
+  int parentheses = 0;
+  int angles = 0;
+  for (std::size_t i = name.size(); i-- > 0;) {
     const char c = name[i];
-    if (c == '<' || c == '(') ++depth;
-    if (c == '>' || c == ')') --depth;
-    if (c == ':' && depth == 0) start = i + 1;
+    parentheses += (c == ')') - (c == '(');
+    if (parentheses == 0) angles += (c == '>') - (c == '<');
+    if (c == ':' && parentheses == 0 && angles == 0) return name.substr(i + 1);
   }
-  return name.substr(start);
+  return name;
 }
 
 std::string readableName(const std::type_info& type) {
