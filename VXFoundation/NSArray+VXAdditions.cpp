@@ -1,6 +1,6 @@
 #include <VXFoundation/NSArray+VXAdditions.h>
 
-#include <algorithm>
+#include <optional>
 #include <vector>
 
 #include <Foundation/NSMutableString.h>
@@ -16,9 +16,13 @@ struct Wheel {
   std::size_t counter = 0;
 };
 
-std::vector<NSRef<NSArray>> arraysIn(const NSArray& outer) {
+// Returns no value if one of the arrays is empty; what comes after that one is not examined.
+std::optional<std::vector<NSRef<NSArray>>> arraysIn(const NSArray& outer) {
   std::vector<NSRef<NSArray>> arrays;
-  for (const NSRef<NSObject> array : outer) arrays.emplace_back(NSDynamicCast<NSArray>(array));
+  for (const NSRef<NSObject> each : outer) {
+    arrays.emplace_back(NSDynamicCast<NSArray>(each));
+    if (arrays.back()->count() == 0) return std::nullopt;
+  }
   return arrays;
 }
 
@@ -49,12 +53,11 @@ bool turn(std::vector<Wheel>& wheels) {
 
 NSRef<NSMutableArray> vxfoundation_combinationsJoined(const NSRef<NSArray>& arrays) {
   const NSRef<NSMutableArray> combinations = NSMutableArray::array();
+  const auto inner = arraysIn(*arrays);
+  if (!inner) return combinations;
   std::vector<Wheel> wheels;
-  const std::vector<NSRef<NSArray>> inner = arraysIn(*arrays);
-  if (std::any_of(inner.begin(), inner.end(), [](const auto& array) { return array->count() == 0; }))
-    return combinations;
-  wheels.reserve(inner.size());
-  for (const NSRef<NSArray>& array : inner) wheels.push_back(wheelOf(array));
+  wheels.reserve(inner->size());
+  for (const NSRef<NSArray>& array : *inner) wheels.push_back(wheelOf(array));
   do combinations->addObject(combinationOf(wheels));
   while (turn(wheels));
   return combinations;

@@ -14,8 +14,8 @@ using VXMapping =
 /// Returns every combination of one string from each of the arrays, joined without a separator. The first
 /// array varies fastest. There are as many new mutable strings as the product of the arrays' counts: a single
 /// empty one if there are no arrays, none if one of the arrays is empty. Raises the invalid-argument
-/// exception if an element is not an array or, unless one of the arrays is empty, a member of one is not a
-/// string.
+/// exception if an element before the first empty array is not an array or, unless one of the arrays is
+/// empty, a member of one is not a string.
 NS_EXPORT NSRef<NSMutableArray> vxfoundation_combinationsJoined(const NSRef<NSArray>& arrays);
 
 /// Returns what `each` returns for the elements, in order, up to and including the one at which it sets

@@ -56,6 +56,8 @@ TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
   EXPECT_EQ(combine({numbers}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({number}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({numbers, NSArray::array()}), "nothing") << "no combination, so nothing is appended";
+  EXPECT_EQ(combine({NSArray::array(), number}), "nothing") << "nothing after an empty array is looked at";
+  EXPECT_EQ(combine({number, NSArray::array()}), "NSInvalidArgumentException");
 }
 
 TEST(VXAdditions, MapEndsWithTheElementThatSetsTheStopFlag) {
