@@ -371,7 +371,7 @@ void setPort(NSMutableDictionary& dictionary, std::int64_t port) {
 bool VXInternetKeychainItem::initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label,
                                               NSStringArg server, NSStringArg path, std::int64_t port,
                                               VXInternetKeychainItemProtocol protocol) {
-  if (!initWithUsername(username, password, label)) return false;
+  if (!VXPasswordKeychainItem::initWithUsername(username, password, label)) return false;
   setServer(server);
   setPath(path);
   setPort(port);

@@ -243,7 +243,8 @@ class NS_EXPORT VXInternetKeychainItem
     : public VXInternetKeychainItemLayer<VXInternetKeychainItem, VXPasswordKeychainItem> {
  public:
   using VXPasswordKeychainItem::initWithUsername;
-  /// Checks nothing, not even the protocol; every string may be nil. See setPassword.
+  /// Checks nothing, not even the protocol; every string may be nil. See setPassword. Unlike that of generic
+  /// items, it calls the short initialiser of the base class, whatever a subclass overrides.
   virtual bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label,
                                 NSStringArg server, NSStringArg path, std::int64_t port,
                                 VXInternetKeychainItemProtocol protocol);

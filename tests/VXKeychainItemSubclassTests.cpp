@@ -39,6 +39,11 @@ class SharedMailItem : public MailItem::Subclass<SharedMailItem> {};
 
 class SiteItem : public VXInternetKeychainItem::Subclass<SiteItem> {
  public:
+  using VXInternetKeychainItem::initWithUsername;
+  bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label) override {
+    return initWithUsername(username, password, label, "host", nullptr, 0,
+                            VXInternetKeychainItemProtocolNone);
+  }
   static NSRef<NSMutableDictionary> queryDictionaryWithUsername(NSStringArg username, NSStringArg server,
                                                                 NSStringArg, std::int64_t port,
                                                                 VXInternetKeychainItemProtocol protocol) {
@@ -74,6 +79,9 @@ TEST_F(VXKeychainItemSubclassTest, FactoriesAndFindersMakeTheClassThatTheyShould
   EXPECT_EQ(nameOf(SiteItem::keychainItemWithUsername("a", "s", "l", "h", "/", 1, http)), "SiteItem");
   EXPECT_EQ(nameOf(SecureSiteItem::keychainItemWithUsername("a", "s", "l", "h", "/", 1, http)),
             "SecureSiteItem");
+  const auto brief = SiteItem::alloc();
+  ASSERT_TRUE(brief->initWithUsername("ann", "secret", nullptr)) << "the long initialiser calls no short one";
+  EXPECT_EQ(shown(brief->server()) + shown(brief->password()), "hostsecret");
   const auto site = SiteItem::findKeychainItemForUsername("ann", "host", "/", 1, http);
   const auto secure = SecureSiteItem::findKeychainItemForUsername("ann", "host", "/", 1, http);
   EXPECT_EQ(nameOf(site) + " " + nameOf(secure), "SiteItem SecureSiteItem");
