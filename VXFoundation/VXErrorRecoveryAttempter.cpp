@@ -5,10 +5,16 @@
 
 namespace {
 
-NSRef<VXErrorRecoveryBlock> cancelBlock() {
-  static const NSRef<VXErrorRecoveryBlock> never =
-      NSRefPtr<VXErrorRecoveryBlock>([](const NSRefPtr<NSError>&) { return false; });
+const NSRef<VXErrorRecoveryBlock>& cancelBlock() {
+  static const auto& never = *new NSRef<VXErrorRecoveryBlock>(
+      NSRefPtr<VXErrorRecoveryBlock>([](const NSRefPtr<NSError>&) { return false; }));
   return never;
+}
+
+bool perform(const NSArray& blocks, std::size_t optionIndex, const NSRefPtr<NSError>& error) {
+  const NSRef<VXErrorRecoveryBlock> action =
+      NSDynamicCast<VXErrorRecoveryBlock>(blocks.objectAtIndex(optionIndex));
+  return (*action)(error);
 }
 
 }  // namespace
@@ -23,7 +29,7 @@ void VXErrorRecoveryAttempter::addRecoveryOptionWithLocalizedTitle(
   require(bool(localizedTitle), 45, "localizedTitle != nil");
   require(bool(recoveryBlock), 46, "recoveryBlock != nil");
   titles_->addObject(localizedTitle.get());
-  blocks_->addObject(recoveryBlock);  // blocks are immutable: a reference is as good as a copy
+  blocks_->addObject(NSRef<VXErrorRecoveryBlock>(recoveryBlock)->duplicate());
 }
 
 void VXErrorRecoveryAttempter::addCancelRecoveryOption() {
@@ -32,15 +38,13 @@ void VXErrorRecoveryAttempter::addCancelRecoveryOption() {
 
 bool VXErrorRecoveryAttempter::attemptRecoveryFromError(const NSRefPtr<NSError>& error,
                                                         std::size_t optionIndex) {
-  const NSRef<VXErrorRecoveryBlock> action =
-      NSDynamicCast<VXErrorRecoveryBlock>(blocks_->objectAtIndex(optionIndex));
-  return (*action)(error);
+  return perform(*blocks_, optionIndex, error);
 }
 
 void VXErrorRecoveryAttempter::attemptRecoveryFromError(const NSRefPtr<NSError>& error,
                                                         std::size_t optionIndex,
                                                         const NSRefPtr<NSDidRecoverBlock>& delegate,
                                                         void* contextInfo) {
-  const bool didRecover = attemptRecoveryFromError(error, optionIndex);
+  const bool didRecover = perform(*blocks_, optionIndex, error);
   if (delegate) (*delegate)(didRecover, contextInfo);
 }

@@ -47,20 +47,22 @@ class NS_EXPORT VXErrorRecoveryAttempter
   void setBlocks(const NSRef<NSMutableArray>& blocks) { blocks_ = blocks; }
   ///@}
 
-  /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Adds an option. Asserts first that the title,
-  /// then that the action is not nil; if the assertion handler returns, adding nil to the array raises the
-  /// invalid-argument exception.
-  void addRecoveryOptionWithLocalizedTitle(NSStringArg localizedTitle,
-                                           const NSRefPtr<VXErrorRecoveryBlock>& recoveryBlock);
-  /// Adds an option with the localised title "Cancel" that never recovers; all attempters use the same block
-  /// as its action. Without the library's bundle the title is nil, which fails the assertion above.
-  void addCancelRecoveryOption();
+  /// addRecoveryOptionWithLocalizedTitle:recoveryBlock:. Adds an option with the title itself and a copy of
+  /// the action and its state. Asserts first that the title, then that the action is not nil; if the
+  /// assertion handler returns, adding nil to the array raises the invalid-argument exception.
+  virtual void addRecoveryOptionWithLocalizedTitle(NSStringArg localizedTitle,
+                                                   const NSRefPtr<VXErrorRecoveryBlock>& recoveryBlock);
+  /// Adds an option, by the function above, with the localised title "Cancel" that never recovers; all
+  /// attempters use the same block as its action. Without the library's bundle the title is nil, which fails
+  /// the assertion above.
+  virtual void addCancelRecoveryOption();
   /// Returns the current titles in an immutable array.
   NSRef<NSArray> recoveryOptions() const { return titles_->copy(); }
 
   // The category VXFoundationDelegate.
-  /// Call the action at the index with `error` itself. The first returns the action's result; the second
-  /// passes it to the delegate, unless that is nil, on this thread and before it returns. Both raise the
+  /// Call the action at the index with `error` itself. The first returns the action's result; the second,
+  /// which does not call the first, passes it to the delegate, unless that is nil, on this thread and before
+  /// it returns. Both raise the
   /// range exception if there is no action at the index, and the invalid-argument exception if a host has put
   /// anything but an action into `blocks`.
   ///@{

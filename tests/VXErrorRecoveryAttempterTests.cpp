@@ -11,7 +11,8 @@ struct Listener : NSObject::Subclass<Listener> {
     heard += recovered ? "yes " : "no ";
     context = contextInfo;
   }
-  std::string heard;
+  void overhear(bool recovered, void*) const noexcept { heard += recovered ? "aye " : "nay "; }
+  mutable std::string heard;
   void* context = nullptr;
 };
 
@@ -69,7 +70,8 @@ TEST_F(VXErrorRecovery, TheActionAtTheIndexGetsTheVeryErrorWithoutADelegateToo) 
   EXPECT_TRUE(attempter->attemptRecoveryFromError(failure, 2));
   attempter->attemptRecoveryFromError(failure, 1, NSRefPtr<Listener>(), selector, nullptr);
   attempter->attemptRecoveryFromError(failure, 1, nullptr, nullptr);
-  EXPECT_EQ(told, std::vector(3, failure.get()));
+  attempter->attemptRecoveryFromError(failure, 1, nullptr, &Listener::didRecover, nullptr);
+  EXPECT_EQ(told, std::vector(4, failure.get()));
 }
 
 TEST_F(VXErrorRecovery, TheDelegateHearsResultAndContext) {
@@ -80,7 +82,19 @@ TEST_F(VXErrorRecovery, TheDelegateHearsResultAndContext) {
   EXPECT_EQ(listener->context, nullptr);
   const auto tell = [&](bool recovered, void* told) { listener->didRecover(recovered, told); };
   attempter->attemptRecoveryFromError(failure, 0, tell, &context);
-  EXPECT_EQ(listener->heard, "yes no yes ");
+  const NSRef<Listener> made = listener;
+  attempter->attemptRecoveryFromError(failure, 0, made, selector, &context);
+  attempter->attemptRecoveryFromError(failure, 1, listener, &Listener::overhear, &context);
+  EXPECT_EQ(listener->heard, "yes no yes yes nay ");
+}
+
+TEST_F(VXErrorRecovery, AnActionIsCopiedWithItsState) {
+  const NSRefPtr<VXErrorRecoveryBlock> odd = [calls = 0](const auto&) mutable { return ++calls % 2 == 1; };
+  EXPECT_EQ(add("once", odd) + add("again", odd), "nothingnothing");
+  EXPECT_TRUE((*odd)(failure));
+  EXPECT_TRUE(attempter->attemptRecoveryFromError(failure, 0));
+  EXPECT_TRUE(attempter->attemptRecoveryFromError(failure, 1));
+  EXPECT_FALSE(attempter->attemptRecoveryFromError(failure, 0));
 }
 
 TEST_F(VXErrorRecovery, AnIndexWithoutAnActionRaisesAndTellsNobody) {
@@ -142,4 +156,27 @@ TEST_F(VXErrorRecovery, AHostsSubclassMakesItsOwn) {
   };
   EXPECT_EQ(NSRefPtr<Special>(Special::errorRecoveryAttempter())->isa().name(), "Special");
   EXPECT_FALSE(Refusing::errorRecoveryAttempter());
+}
+
+TEST_F(VXErrorRecovery, AHostsOverridesAreReached) {
+  struct Overriding : VXErrorRecoveryAttempter::Subclass<Overriding> {
+    void addRecoveryOptionWithLocalizedTitle(NSStringArg title,
+                                             const NSRefPtr<VXErrorRecoveryBlock>& action) override {
+      VXErrorRecoveryAttempter::addRecoveryOptionWithLocalizedTitle(
+          NSString::stringWithFormat("%@!", title.get()), action);
+    }
+    void addCancelRecoveryOption() override {
+      VXErrorRecoveryAttempter::addCancelRecoveryOption();
+      VXErrorRecoveryAttempter::addCancelRecoveryOption();
+    }
+    using VXErrorRecoveryAttempter::attemptRecoveryFromError;
+    bool attemptRecoveryFromError(const NSRefPtr<NSError>&, std::size_t) override { return true; }
+  };
+  const auto own = NSRef(Overriding::errorRecoveryAttempter());
+  VXErrorRecoveryAttempter& plain = *own;
+  setenv("LANGUAGE", "en", 1);
+  plain.addCancelRecoveryOption();
+  EXPECT_TRUE(own->recoveryOptions()->isEqual(NSArray::arrayWithObjects({"Cancel!", "Cancel!"})));
+  plain.attemptRecoveryFromError(failure, 1, listener, selector, nullptr);
+  EXPECT_EQ(listener->heard, "no ") << "the delegate form calls the action itself";
 }

@@ -31,12 +31,14 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
  public:
   /// Keeps the callable, which must not be empty; `implicitly` returns nil for an empty one.
   ///@{
-  explicit NSBlock(std::function<Result(Arguments...)> callable) : callable_(std::move(callable)) {}
+  explicit NSBlock(std::function<Result(Arguments...)> callable, bool hasState = true)
+      : callable_(std::move(callable)), hasState_(hasState) {}
   template <NSBlockCallable<Result(Arguments...)> Callable>
   static NSRefPtr<NSBlock> implicitly(Callable && callable) {
+    using Held = std::decay_t<Callable>;
     std::function<Result(Arguments...)> held(std::forward<Callable>(callable));
     if (!held) return nullptr;
-    return NSBlock::alloc(std::move(held));
+    return NSBlock::alloc(std::move(held), std::is_class_v<Held> && !std::is_empty_v<Held>);
   }
   ///@}
 
@@ -46,6 +48,11 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
   /// Returns another reference, because a block is immutable.
   NSRef<NSBlock> copy() const { return const_cast<NSBlock&>(*this); }
 
+  /// Returns a block with a copy of the callable, so that neither sees changes of the other's state; the
+  /// block itself if the callable has no state, as a function or a lambda without captures.
+  NSRef<NSBlock> duplicate() const { return hasState_ ? NSBlock::alloc(callable_) : copy(); }
+
  private:
   std::function<Result(Arguments...)> callable_;
+  bool hasState_;
 };
