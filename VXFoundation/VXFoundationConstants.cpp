@@ -1,6 +1,5 @@
 #include <VXFoundation/VXFoundationConstants.h>
 
-const NSRef<NSString> VXFoundationBundleIdentifier =
-    NSString::stringWithString("org.vxfoundation.VXFoundation");
-const NSRef<NSString> VXSubclassResponsibilityException =
-    NSString::stringWithString("VXSubclassResponsibilityException");
+const NSRef<NSString>& VXFoundationBundleIdentifier = NSConstantString("org.vxfoundation.VXFoundation");
+const NSRef<NSString>& VXSubclassResponsibilityException =
+    NSConstantString("VXSubclassResponsibilityException");

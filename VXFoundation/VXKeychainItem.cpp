@@ -1,7 +1,7 @@
 #include <VXFoundation/VXKeychainItem.h>
 
 #include <algorithm>
-#include <iterator>
+#include <span>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSLog.h>
@@ -347,14 +347,19 @@ void VXGenericKeychainItem::assertFindable(const NSClass& receiver, NSStringArg 
 
 namespace {
 
-const NSRef<NSString>* const protocolTypes[] = {&kSecAttrProtocolHTTP, &kSecAttrProtocolHTTPS,
-                                                &kSecAttrProtocolFTP, &kSecAttrProtocolSSH};
+// In the order of the enumeration. Made at its first use: when this file is initialised, the constants may
+// not exist yet.
+std::span<const NSRef<NSString>* const> protocolTypes() {
+  static const NSRef<NSString>* const types[] = {&kSecAttrProtocolHTTP, &kSecAttrProtocolHTTPS,
+                                                 &kSecAttrProtocolFTP, &kSecAttrProtocolSSH};
+  return types;
+}
 
 const NSRef<NSString>& _VXInternetKeychainItemTypeFromProtocol(VXInternetKeychainItemProtocol protocol) {
   const auto value = static_cast<std::uint64_t>(protocol);
-  if (value - 1 >= std::size(protocolTypes))
+  if (value - 1 >= protocolTypes().size())
     NSException::raise(NSInvalidArgumentException, "unknown protocol %lu", value);
-  return *protocolTypes[value - 1];
+  return *protocolTypes()[value - 1];
 }
 
 void setProtocolIfAny(NSMutableDictionary& dictionary, VXInternetKeychainItemProtocol protocol) {
@@ -414,11 +419,12 @@ void VXInternetKeychainItem::populateKeychainItemWithKeychainResponse(
 
 VXInternetKeychainItemProtocol VXInternetKeychainItem::_VXInternetKeychainItemProtocolFromType(
     NSStringArg type) const {
-  const auto found =
-      std::find_if(std::begin(protocolTypes), std::end(protocolTypes),
-                   [&](const NSRef<NSString>* known) { return (*known)->isEqualToString(type); });
-  if (found == std::end(protocolTypes)) return VXInternetKeychainItemProtocolNone;
-  return static_cast<VXInternetKeychainItemProtocol>(found - std::begin(protocolTypes) + 1);
+  const auto types = protocolTypes();
+  const auto found = std::find_if(types.begin(), types.end(), [&](const NSRef<NSString>* known) {
+    return (*known)->isEqualToString(type);
+  });
+  if (found == types.end()) return VXInternetKeychainItemProtocolNone;
+  return static_cast<VXInternetKeychainItemProtocol>(found - types.begin() + 1);
 }
 
 void VXInternetKeychainItem::setServer(NSStringArg server) { server_ = immutableCopy(server); }

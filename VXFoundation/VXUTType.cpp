@@ -7,8 +7,8 @@
 namespace {
 
 // Made once, so that a query between declared types allocates nothing.
-const NSRef<NSString> dynamicPrefix = NSString::stringWithString("dyn.a");
-const NSRef<NSString> optionalMark = NSString::stringWithString("?");
+const NSRef<NSString>& dynamicPrefix = NSConstantString("dyn.a");
+const NSRef<NSString>& optionalMark = NSConstantString("?");
 
 bool isDynamic(const NSString& identifier) {
   return identifier.hasPrefix(dynamicPrefix) && identifier.length() > dynamicPrefix->length();

@@ -22,6 +22,8 @@ set_target_properties(VXFoundation PROPERTIES
 # functions stay shared with the host, since a program that is not position-independent uses copies of them;
 # their prefixes prevent conflicts.
 target_link_options(VXFoundation PRIVATE "LINKER:-soname,${soname}" "LINKER:-Bsymbolic-functions")
+# A host may close the library while objects of its classes live: it stays loaded.
+target_link_options(VXFoundation PRIVATE "LINKER:-z,nodelete")
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")  # whose runtime comes with the program
   target_link_options(VXFoundation PRIVATE "LINKER:--no-undefined")
 endif()

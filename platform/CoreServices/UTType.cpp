@@ -11,7 +11,7 @@
 #include <Foundation/NSPropertyList.h>
 #include <Foundation/NSSet.h>
 
-const NSRef<NSString> UTTypeErrorDomain = NSString::stringWithString("UTTypeErrorDomain");
+const NSRef<NSString>& UTTypeErrorDomain = NSConstantString("UTTypeErrorDomain");
 
 namespace {
 

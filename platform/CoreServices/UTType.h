@@ -3,7 +3,7 @@
 #include <Foundation/NSError.h>
 
 /// The domain of the errors that UTTypeDeclareTypesInFile reports.
-NS_EXPORT extern const NSRef<NSString> UTTypeErrorDomain;
+NS_EXPORT extern const NSRef<NSString>& UTTypeErrorDomain;
 
 /// The codes of those errors.
 enum UTTypeError : std::int64_t {

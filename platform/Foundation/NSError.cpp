@@ -1,8 +1,8 @@
 #include <Foundation/NSError.h>
 
-const NSRef<NSString> NSLocalizedDescriptionKey = NSString::stringWithString("NSLocalizedDescription");
-const NSRef<NSString> NSUnderlyingErrorKey = NSString::stringWithString("NSUnderlyingError");
-const NSRef<NSString> NSOSStatusErrorDomain = NSString::stringWithString("NSOSStatusErrorDomain");
+const NSRef<NSString>& NSLocalizedDescriptionKey = NSConstantString("NSLocalizedDescription");
+const NSRef<NSString>& NSUnderlyingErrorKey = NSConstantString("NSUnderlyingError");
+const NSRef<NSString>& NSOSStatusErrorDomain = NSConstantString("NSOSStatusErrorDomain");
 
 NSRef<NSError> NSError::errorWithDomain(NSStringArg domain, std::int64_t code,
                                         const NSRefPtr<NSDictionary>& userInfo) {

@@ -6,11 +6,11 @@
 #include <Foundation/NSString.h>
 
 /// The key in the user information for the text that is shown to people.
-NS_EXPORT extern const NSRef<NSString> NSLocalizedDescriptionKey;
+NS_EXPORT extern const NSRef<NSString>& NSLocalizedDescriptionKey;
 /// The key for the NSError that caused this one.
-NS_EXPORT extern const NSRef<NSString> NSUnderlyingErrorKey;
+NS_EXPORT extern const NSRef<NSString>& NSUnderlyingErrorKey;
 /// The domain of errors whose code is an OSStatus.
-NS_EXPORT extern const NSRef<NSString> NSOSStatusErrorDomain;
+NS_EXPORT extern const NSRef<NSString>& NSOSStatusErrorDomain;
 
 /// What went wrong: a domain, a code within it, and further information. Immutable, so that any number of
 /// threads may use one at once.

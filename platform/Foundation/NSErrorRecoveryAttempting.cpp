@@ -1,5 +1,4 @@
 #include <Foundation/NSErrorRecoveryAttempting.h>
 
-const NSRef<NSString> NSRecoveryAttempterErrorKey = NSString::stringWithString("NSRecoveryAttempter");
-const NSRef<NSString> NSLocalizedRecoveryOptionsErrorKey =
-    NSString::stringWithString("NSLocalizedRecoveryOptions");
+const NSRef<NSString>& NSRecoveryAttempterErrorKey = NSConstantString("NSRecoveryAttempter");
+const NSRef<NSString>& NSLocalizedRecoveryOptionsErrorKey = NSConstantString("NSLocalizedRecoveryOptions");

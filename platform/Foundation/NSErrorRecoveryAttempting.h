@@ -6,8 +6,8 @@
 /// The keys of an error's user information for the object that can recover from it, which implements
 /// NSErrorRecoveryAttempting, and for the array of the titles of its options.
 ///@{
-NS_EXPORT extern const NSRef<NSString> NSRecoveryAttempterErrorKey;
-NS_EXPORT extern const NSRef<NSString> NSLocalizedRecoveryOptionsErrorKey;
+NS_EXPORT extern const NSRef<NSString>& NSRecoveryAttempterErrorKey;
+NS_EXPORT extern const NSRef<NSString>& NSLocalizedRecoveryOptionsErrorKey;
 ///@}
 
 /// Receives the outcome of a recovery: whether it succeeded, and the unchanged context.

@@ -2,11 +2,11 @@
 
 #include <sstream>
 
-const NSRef<NSString> NSGenericException = NSString::stringWithString("NSGenericException");
-const NSRef<NSString> NSInternalInconsistencyException =
-    NSString::stringWithString("NSInternalInconsistencyException");
-const NSRef<NSString> NSInvalidArgumentException = NSString::stringWithString("NSInvalidArgumentException");
-const NSRef<NSString> NSRangeException = NSString::stringWithString("NSRangeException");
+const NSRef<NSString>& NSGenericException = NSConstantString("NSGenericException");
+const NSRef<NSString>& NSInternalInconsistencyException =
+    NSConstantString("NSInternalInconsistencyException");
+const NSRef<NSString>& NSInvalidArgumentException = NSConstantString("NSInvalidArgumentException");
+const NSRef<NSString>& NSRangeException = NSConstantString("NSRangeException");
 
 NSException::NSException(NSStringArg name, NSStringArg reason, NSRefPtr<NSDictionary> userInfo)
     : name_(name.get()), reason_(reason.get()), userInfo_(std::move(userInfo)) {

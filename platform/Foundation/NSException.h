@@ -8,13 +8,13 @@
 #include <Foundation/NSString.h>
 
 /// The name of the generic exception: a collection was changed during its walk.
-NS_EXPORT extern const NSRef<NSString> NSGenericException;
+NS_EXPORT extern const NSRef<NSString>& NSGenericException;
 /// The name of the internal-inconsistency exception: an assertion failed under the default handler.
-NS_EXPORT extern const NSRef<NSString> NSInternalInconsistencyException;
+NS_EXPORT extern const NSRef<NSString>& NSInternalInconsistencyException;
 /// The name of the invalid-argument exception: nil, or an argument of the wrong kind or form.
-NS_EXPORT extern const NSRef<NSString> NSInvalidArgumentException;
+NS_EXPORT extern const NSRef<NSString>& NSInvalidArgumentException;
 /// The name of the range exception: an index is beyond the end.
-NS_EXPORT extern const NSRef<NSString> NSRangeException;
+NS_EXPORT extern const NSRef<NSString>& NSRangeException;
 
 /// Thrown by value for misuse. Its name identifies the kind.
 class NS_EXPORT NSException : public std::exception {

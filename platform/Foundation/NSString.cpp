@@ -210,6 +210,10 @@ NSRef<NSMutableString> NSString::mutableCopy() const { return NSMutableString::s
 
 NSRef<NSObject> NSString::mutableCopyObject() const { return mutableCopy(); }
 
+const NSRef<NSString>& NSConstantString(NSStringArg text) {
+  return *new NSRef<NSString>(NSString::stringWithString(text));
+}
+
 std::ostream& operator<<(std::ostream& stream, const NSString& text) {
   if (const auto bytes = text.UTF8String()) return stream << *bytes;
   // Readable rather than refused: streams are for people.

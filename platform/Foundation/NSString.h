@@ -152,6 +152,10 @@ class NS_EXPORT NSString : public NSObject::Subclass<NSString> {
   static NSRefPtr<NSString> fromUTF8(std::string_view bytes, bool secret);
 };
 
+/// Returns a handle to a new string that is never released, for a constant: the exit handlers and threads of
+/// a host may use constants until the process has ended.
+NS_EXPORT const NSRef<NSString>& NSConstantString(NSStringArg text);
+
 /// Writes a string for people in UTF-8; one with an unpaired surrogate as escapes of all its code units, nil
 /// as "(null)".
 ///@{

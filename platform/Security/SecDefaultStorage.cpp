@@ -44,8 +44,9 @@ class Choice {
   std::shared_ptr<SecStorage> storage_;
 };
 
+// Never destroyed: a host's exit handlers may still use it.
 Choice& choice() {
-  static Choice ofProcess;
+  static Choice& ofProcess = *new Choice;
   return ofProcess;
 }
 

@@ -10,10 +10,12 @@ constexpr std::size_t arenaSize = std::size_t{64} << 10;
 constexpr std::size_t arenaBlock = 32;
 constexpr std::size_t largestInArena = 1024;
 
-/// A process has one arena; if the host has set it up first, that one is used.
+/// A process has one arena; if the host has set it up first, that one is used. A block of it is never freed,
+/// so that libcrypto's exit handler does not remove it while a host's exit handlers still need it.
 bool hasArena() {
   static const bool available =
-      CRYPTO_secure_malloc_initialized() == 1 || CRYPTO_secure_malloc_init(arenaSize, arenaBlock) != 0;
+      (CRYPTO_secure_malloc_initialized() == 1 || CRYPTO_secure_malloc_init(arenaSize, arenaBlock) != 0) &&
+      OPENSSL_secure_malloc(arenaBlock) != nullptr;
   return available;
 }
 

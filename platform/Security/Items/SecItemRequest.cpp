@@ -1,6 +1,7 @@
 #include <Security/Items/SecItemRequest.h>
 
 #include <limits>
+#include <span>
 
 #include <Foundation/NSData.h>
 #include <Foundation/NSNumber.h>
@@ -19,14 +20,18 @@ struct TextAttribute {
   std::optional<SecItemClass> onlyOf;
 };
 
-const TextAttribute textAttributes[] = {
-    {kSecAttrAccount, &SecAttributes::account, std::nullopt},
-    {kSecAttrLabel, &SecAttributes::label, std::nullopt},
-    {kSecAttrService, &SecAttributes::service, generic},
-    {kSecAttrServer, &SecAttributes::server, internet},
-    {kSecAttrPath, &SecAttributes::path, internet},
-    {kSecAttrProtocol, &SecAttributes::protocol, internet},
-};
+// Made at its first use: when this file is initialised, the constants may not exist yet.
+std::span<const TextAttribute> textAttributes() {
+  static const TextAttribute attributes[] = {
+      {kSecAttrAccount, &SecAttributes::account, std::nullopt},
+      {kSecAttrLabel, &SecAttributes::label, std::nullopt},
+      {kSecAttrService, &SecAttributes::service, generic},
+      {kSecAttrServer, &SecAttributes::server, internet},
+      {kSecAttrPath, &SecAttributes::path, internet},
+      {kSecAttrProtocol, &SecAttributes::protocol, internet},
+  };
+  return attributes;
+}
 
 SecText textOf(const NSString& string) {
   return string.visit([](auto units) { return SecText(units.begin(), units.end()); });
@@ -66,7 +71,7 @@ std::optional<SecItemClass> readClass(Reader& reader, std::optional<SecItemClass
 }
 
 void readAttributes(Reader& reader, SecAttributes& attributes) {
-  for (const TextAttribute& attribute : textAttributes) {
+  for (const TextAttribute& attribute : textAttributes()) {
     if (attribute.onlyOf.value_or(attributes.itemClass) != attributes.itemClass) continue;
     if (const auto text = reader.value<NSString>(attribute.key)) attributes.*attribute.value = textOf(*text);
   }
@@ -93,7 +98,7 @@ std::size_t readLimit(Reader& reader) {
 void addAttributes(const SecAttributes& attributes, NSMutableDictionary& dictionary) {
   dictionary.setObject(attributes.itemClass == generic ? kSecClassGenericPassword : kSecClassInternetPassword,
                        kSecClass);
-  for (const TextAttribute& attribute : textAttributes) {
+  for (const TextAttribute& attribute : textAttributes()) {
     const auto& text = attributes.*attribute.value;
     if (text) dictionary.setObject(NSString::stringWithCharacters(*text), attribute.key);
   }
