@@ -1,10 +1,11 @@
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <Foundation/NSPropertyList.h>
 
 #include <filesystem>
 
 #include "tests/support/Bytes.h"
+#include "tests/support/Files.h"
 #include "tests/support/Support.h"
 
 namespace files = std::filesystem;
@@ -13,31 +14,60 @@ namespace {
 
 const files::path resources = files::path(VX_LIBRARY).parent_path() / "Resources";
 
-// A copy of the library in a folder of its own, whose resources a test damages.
-class MovedLibrary {
+// A copy of the library and of a host, each with its resources, and a folder full of planted ones.
+class Installation {
  public:
-  MovedLibrary() {
-    files::create_directories(folder_);
-    files::copy_file(VX_LIBRARY, folder_ / "libVXFoundation.so.1");
-    files::copy(resources, folder_ / "Resources", files::copy_options::recursive);
+  Installation() {
+    for (const char* folder : {"lib", "planted/lib"}) {
+      files::create_directories(root() / folder);
+      files::copy_file(VX_LIBRARY, root() / folder / "libVXFoundation.so.1");
+    }
+    files::copy(resources, root() / "lib/Resources", files::copy_options::recursive);
+    for (const char* folder : {"app", "planted", "planted/app"}) {
+      files::create_directories(root() / folder / "Resources");
+      files::copy_file(VX_BUNDLE_HOST, root() / folder / "host");
+    }
+    writeFile(root() / "app/Resources/Info.plist", information("org.example.app", "org.example.own"));
+    for (const char* folder : {"planted", "planted/lib", "planted/app"}) {
+      files::create_directories(root() / folder / "Resources/de.lproj");
+      writeFile(root() / folder / "Resources/Info.plist",
+                information("org.vxfoundation.VXFoundation", "org.example.planted"));
+      writeFile(root() / folder / "Resources/de.lproj/Localizable.strings",
+                "<plist><dict><key>Cancel</key><string>planted</string></dict></plist>");
+    }
   }
-  ~MovedLibrary() { files::remove_all(folder_); }
 
-  // Puts the content, or nothing when that is "-", in the place of what is there.
-  void replace(const std::string& name, const std::string& content) {
-    files::remove_all(folder_ / name);
-    files::create_directories((folder_ / name).parent_path());
-    if (content != "-") std::ofstream(folder_ / name) << content;
+  // Puts the content in the place of what is there.
+  void replace(const files::path& name, const std::string& content) const {
+    const files::path file = root() / name;
+    files::remove_all(file);
+    files::create_directories(file.parent_path());
+    if (content == "|")
+      mkfifo(file.c_str(), 0600);
+    else if (content != "-")
+      writeFile(file, content);
   }
 
-  // What a host that loads this copy is told for "Cancel".
-  std::string cancel(const std::string& language) const {
-    return outputOf("env -u LC_ALL -u LC_MESSAGES LANGUAGE=" + language +
-                    " LANG=en_GB.UTF-8 LD_LIBRARY_PATH=" + folder_.string() + " " VX_BUNDLE_HOST);
+  // What the host prints.
+  std::string run(const std::string& folder, const std::string& library, const std::string& language,
+                  const std::string& arguments) const {
+    return outputOf("root=" + root().string() + " && cd $root/" + folder +
+                    " && env -u LC_ALL -u LC_MESSAGES LANG=en_GB.UTF-8 LANGUAGE=" + language +
+                    " LD_LIBRARY_PATH=" + library + " timeout 20 " VX_EMULATOR " $root/app/host " +
+                    arguments);
   }
 
  private:
-  files::path folder_ = files::temp_directory_path() / ("vxfoundation-bundle-" + std::to_string(getpid()));
+  const files::path& root() const { return folder_.root; }
+
+  static std::string information(const std::string& identifier, const std::string& type) {
+    return "<plist><dict><key>CFBundleIdentifier</key><string>" + identifier +
+           "</string><key>UTExportedTypeDeclarations</key><array><dict><key>UTTypeIdentifier</key><string>" +
+           type +
+           "</string><key>UTTypeConformsTo</key><string>public.data</string></dict></array></dict></plist>";
+  }
+
+  TemporaryFolder folder_;
 };
 
 }  // namespace
@@ -58,18 +88,27 @@ TEST(NSBundle, EveryLanguageHasEveryKeyWhichIsTheEnglishText) {
   }
 }
 
-TEST(NSBundle, ACopyOfTheLibraryAnswersFromItsOwnResources) {
-  for (const auto& row : byteVectors("moved-libraries.tsv")) {
-    MovedLibrary library;
-    if (!row[0].empty()) library.replace(row[0], row[1]);
-    EXPECT_EQ(library.cancel(row[2]), row[3]) << testing::PrintToString(row);
+TEST(NSBundle, HostsAreToldWhatTheTableSays) {
+  for (const auto& row : byteVectors("bundle-hosts.tsv")) {
+    const Installation installation;
+    if (row[0] != "-") installation.replace(row[0], row[1]);
+    EXPECT_EQ(installation.run(row[2], row[3], row[4], row[5]), row[6]) << testing::PrintToString(row);
   }
+}
+
+TEST(NSBundle, TheRegisteredInformationIsThatOfTheFile) {
+  const Installation installation;
+  const std::string ofFile = installation.run("app", "$root/lib", "de", "information");
+  installation.replace("lib/Resources", "-");
+  EXPECT_EQ(installation.run("app", "$root/lib", "de", "information"), ofFile);
+  EXPECT_NE(ofFile.find("CFBundleIdentifier = org.vxfoundation.VXFoundation"), std::string::npos) << ofFile;
 }
 
 TEST(NSBundle, AnswerForWhatIsNotThere) {
   EXPECT_FALSE(NSBundle::bundleWithIdentifier("org.vxfoundation.nobody"));
   EXPECT_FALSE(NSBundle::bundleWithIdentifier(nullptr));
   EXPECT_FALSE(NSBundle::bundleWithPath("/nowhere"));
+  EXPECT_FALSE(NSBundle::bundleWithPath(""));
 }
 
 TEST(NSBundle, TranslateAsTheTableSays) {

@@ -1,10 +1,9 @@
 #include <Foundation/NSBundle.h>
 
-#include <link.h>
-
 #include <filesystem>
-#include <vector>
+#include <mutex>
 
+#include <Foundation/Internal/NSLoadedCode.h>
 #include <Foundation/NSLocale.h>
 #include <Foundation/NSPropertyList.h>
 
@@ -12,51 +11,48 @@ namespace {
 
 namespace files = std::filesystem;
 
-NSRefPtr<NSDictionary> dictionaryInFile(const files::path& path) {
-  return NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(path.string()));
+// Never destroyed: exit handlers of a host may still need it.
+struct Registered {
+  std::mutex mutex;
+  NSRefPtr<NSDictionary> information;
+};
+Registered& registered() {
+  static Registered& ofLibrary = *new Registered;
+  return ofLibrary;
 }
 
-// Returns the folder of the file that a link points to, or an empty string if there is no such file.
-std::string folderOf(const files::path& file) {
-  std::error_code error;
-  return files::canonical(file, error).parent_path().string();
-}
-
-constexpr const char* program = "/proc/self/exe";
-
-// Returns the names of the program and of every library that is loaded now.
-std::vector<std::string> loadedCode() {
-  std::vector<std::string> names{program};
-  dl_iterate_phdr(
-      [](dl_phdr_info* image, std::size_t, void* found) {
-        if (image->dlpi_name && *image->dlpi_name)
-          static_cast<std::vector<std::string>*>(found)->push_back(image->dlpi_name);
-        return 0;
-      },
-      &names);
-  return names;
+NSRefPtr<NSDictionary> registeredInformation() {
+  const std::lock_guard lock(registered().mutex);
+  return registered().information;
 }
 
 }  // namespace
 
-NSRef<NSBundle> NSBundle::mainBundle() { return alloc(folderOf(program)); }
+NSRef<NSBundle> NSBundle::mainBundle() { return alloc(NSFolderOfProgram()); }
 
 NSRefPtr<NSBundle> NSBundle::bundleWithIdentifier(NSStringArg identifier) {
   const auto sought = identifier.borrow();
   if (!sought) return nullptr;
-  for (const std::string& name : loadedCode()) {
-    const NSRef<NSBundle> bundle = alloc(folderOf(name));
-    const NSRefPtr<NSString> found = bundle->bundleIdentifier();
-    if (found && found->isEqualToString(*sought)) return bundle;
-  }
-  return nullptr;
+  const auto isSought = [&](const NSBundle& bundle) { return sought->isEqual(bundle.bundleIdentifier()); };
+  for (const std::string& folder : NSFoldersOfLoadedCode())
+    if (const NSRef<NSBundle> bundle = alloc(folder); isSought(*bundle)) return bundle;
+  const NSRefPtr<NSDictionary> information = registeredInformation();
+  if (!information) return nullptr;
+  const NSRef<NSBundle> bundle = alloc(NSFolderOfLibrary(), information);
+  return isSought(*bundle) ? NSRefPtr<NSBundle>(bundle) : nullptr;
+}
+
+void NSBundle::setLibraryInformation(const NSRefPtr<NSDictionary>& information) {
+  const std::lock_guard lock(registered().mutex);
+  registered().information = information ? NSRefPtr<NSDictionary>(information->copy()) : nullptr;
 }
 
 NSRefPtr<NSBundle> NSBundle::bundleWithPath(NSStringArg path) {
   const auto text = path.borrow();
   const auto folder = text ? text->UTF8String() : std::nullopt;
   std::error_code error;
-  if (!folder || !files::is_directory(files::path(*folder) / "Resources", error)) return nullptr;
+  if (!folder || folder->empty() || !files::is_directory(files::path(*folder) / "Resources", error))
+    return nullptr;
   return alloc(*folder);
 }
 
@@ -70,8 +66,14 @@ NSRefPtr<NSString> NSBundle::bundleIdentifier() const {
 }
 
 NSRef<NSDictionary> NSBundle::infoDictionary() const {
-  const NSRefPtr<NSDictionary> info = dictionaryInFile(files::path(folder_) / "Resources" / "Info.plist");
+  const NSRefPtr<NSDictionary> info = registered_ ? registered_ : resource("Info.plist");
   return info ? NSRef<NSDictionary>(info) : NSDictionary::dictionary();
+}
+
+NSRefPtr<NSDictionary> NSBundle::resource(const std::string& name) const {
+  if (folder_.empty()) return nullptr;
+  const files::path file = files::path(folder_) / "Resources" / name;
+  return NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(file.string()));
 }
 
 NSRef<NSString> NSBundle::localizedStringForKey(NSStringArg key, NSStringArg value, NSStringArg table) const {
@@ -87,8 +89,7 @@ NSRef<NSString> NSBundle::localizedStringForKey(NSStringArg key, NSStringArg val
 NSRefPtr<NSString> NSBundle::translationOf(const NSString& key, const std::string& table) const {
   for (const std::string& language : NSPreferredLanguages()) {
     if (language.find('/') != std::string::npos) continue;
-    const NSRefPtr<NSDictionary> strings =
-        dictionaryInFile(files::path(folder_) / "Resources" / (language + ".lproj") / (table + ".strings"));
+    const NSRefPtr<NSDictionary> strings = resource(language + ".lproj/" + table + ".strings");
     if (!strings) continue;
     if (const auto translation = NSDynamicCast<NSString>(strings->objectForKey(key))) return translation;
   }

@@ -13,17 +13,21 @@ class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   /// Returns the bundle of the program.
   static NSRef<NSBundle> mainBundle();
   /// Returns the bundle of the program or of a library that is loaded now; nil if none of them has the
-  /// identifier.
+  /// identifier. The folders of the program and of this library are those from which they were loaded.
   static NSRefPtr<NSBundle> bundleWithIdentifier(NSStringArg identifier);
   /// Returns the bundle in a folder, named in UTF-8, or nil if the folder holds no resources.
   static NSRefPtr<NSBundle> bundleWithPath(NSStringArg path);
 
+  /// Registers the information of this library, for copies of it without its resources: where no information
+  /// file has its identifier, bundleWithIdentifier returns a bundle with this information. Nil removes it.
+  static void setLibraryInformation(const NSRefPtr<NSDictionary>& information);
+
   /// Returns the path of the folder: absolute and without symbolic links for the program or a loaded library,
-  /// otherwise as it was given. Empty if it is not UTF-8.
+  /// otherwise as it was given. Empty if it is unknown or not UTF-8.
   NSRef<NSString> bundlePath() const;
   /// Returns the identifier in the information file, or nil if there is none.
   NSRefPtr<NSString> bundleIdentifier() const;
-  /// Returns the content of the information file; empty if there is none.
+  /// Returns the content of the information file, or the registered information; empty if there is neither.
   NSRef<NSDictionary> infoDictionary() const;
 
   /// Returns the localised string for the key in the best of the user's languages that has it, from
@@ -32,11 +36,15 @@ class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   NSRef<NSString> localizedStringForKey(NSStringArg key, NSStringArg value, NSStringArg table) const;
 
  protected:
-  /// Creates a bundle in the folder, which need not exist.
-  explicit NSBundle(std::string folder) : folder_(std::move(folder)) {}
+  /// Creates a bundle in the folder, which need not exist; an empty one has no resources. Information that is
+  /// not nil stands for that of the file.
+  explicit NSBundle(std::string folder, NSRefPtr<NSDictionary> registered = nullptr)
+      : folder_(std::move(folder)), registered_(std::move(registered)) {}
 
  private:
+  NSRefPtr<NSDictionary> resource(const std::string& name) const;
   NSRefPtr<NSString> translationOf(const NSString& key, const std::string& table) const;
 
   std::string folder_;
+  NSRefPtr<NSDictionary> registered_;
 };

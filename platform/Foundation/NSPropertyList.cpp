@@ -1,10 +1,13 @@
 #include <Foundation/NSPropertyList.h>
 
 #include <expat.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <charconv>
-#include <fstream>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -136,18 +139,47 @@ class Reader {
   bool refused_ = false;
 };
 
+// A file that is open for reading. Opening does not wait for the writer of a pipe.
+class File {
+ public:
+  explicit File(const std::string& path)
+      : descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  bool isRegular() const {
+    struct stat status {};
+    return descriptor_ >= 0 && ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+  }
+  /// Returns how many bytes were read: 0 at the end, -1 on failure.
+  ssize_t read(std::span<char> place) const {
+    ssize_t count;
+    do count = ::read(descriptor_, place.data(), place.size());
+    while (count < 0 && errno == EINTR);
+    return count;
+  }
+
+ private:
+  int descriptor_;
+};
+
 }  // namespace
 
 NSRefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml) { return Reader().read(xml); }
 
 NSRefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  const File file(path);
+  if (!file.isRegular()) return nullptr;
   std::string content;
   std::array<char, 8192> part{};
-  while (file.read(part.data(), part.size()) || file.gcount() > 0) {
-    content.append(part.data(), static_cast<std::size_t>(file.gcount()));
+  ssize_t count = 0;
+  while ((count = file.read(part)) > 0) {
+    content.append(part.data(), static_cast<std::size_t>(count));
     if (content.size() > largestFile) return nullptr;
   }
-  if (file.bad() || !file.eof()) return nullptr;
+  if (count < 0) return nullptr;
   return NSPropertyListWithData(std::as_bytes(std::span(content)));
 }

@@ -10,5 +10,5 @@
 /// content. Returns nil for anything that is not a well-formed property list of these elements, repeats a
 /// key, declares entities, nests deeper than 100 levels or is larger than 16 MiB. Safe from any thread.
 NS_EXPORT NSRefPtr<NSObject> NSPropertyListWithData(std::span<const std::byte> xml);
-/// The same for a file; returns nil also if the file cannot be read.
+/// The same for a file; returns nil also if the file cannot be read or is not a regular one, such as a pipe.
 NS_EXPORT NSRefPtr<NSObject> NSPropertyListWithContentsOfFile(const std::string& path);
