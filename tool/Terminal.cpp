@@ -1,6 +1,8 @@
 #include "tool/Terminal.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/signalfd.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -13,45 +15,6 @@
 
 namespace {
 
-termios originalSettings;
-
-void restoreEcho() { tcsetattr(STDIN_FILENO, TCSANOW, &originalSettings); }
-
-/// Hidden echo must be restored however the tool ends.
-void restoreEchoAndEnd(int signal) {
-  restoreEcho();
-  std::raise(signal);
-}
-
-class HiddenEcho {
- public:
-  HiddenEcho() {
-    if (tcgetattr(STDIN_FILENO, &originalSettings) != 0)
-      throw Failure("the terminal's settings cannot be read");
-    for (const int signal : endings) install(signal, restoreEchoAndEnd);
-    termios hidden = originalSettings;
-    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0)
-      throw Failure("the terminal's echo cannot be turned off");
-  }
-  HiddenEcho(const HiddenEcho&) = delete;
-  HiddenEcho& operator=(const HiddenEcho&) = delete;
-  ~HiddenEcho() {
-    restoreEcho();
-    for (const int signal : endings) install(signal, SIG_DFL);
-  }
-
- private:
-  static constexpr int endings[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-
-  static void install(int signal, void (*handler)(int)) {
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-    sigaction(signal, &action, nullptr);
-  }
-};
-
 int openTerminal() { return open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY); }
 
 void show(std::string_view text) {
@@ -63,6 +26,104 @@ void show(std::string_view text) {
     text.remove_prefix(static_cast<std::size_t>(count));
   }
   if (terminal >= 0) close(terminal);
+}
+
+/// What may end or suspend the tool, or let it go on, unless the caller ignores or blocks it.
+sigset_t interruptions() {
+  sigset_t signals, blocked;
+  sigemptyset(&signals);
+  sigprocmask(SIG_SETMASK, nullptr, &blocked);
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGTSTP, SIGCONT}) {
+    struct sigaction action {};
+    sigaction(signal, nullptr, &action);
+    if (action.sa_handler != SIG_IGN && sigismember(&blocked, signal) == 0) sigaddset(&signals, signal);
+  }
+  return signals;
+}
+
+/// A question whose answer the terminal does not show. Signals wait in the meantime and take effect, as they
+/// would without the question, when the terminal shows again what is typed; if the tool goes on after that,
+/// it asks again.
+class HiddenQuestion {
+ public:
+  explicit HiddenQuestion(std::string question)
+      : question_(std::move(question)),
+        interruptions_(interruptions()),
+        interrupted_(signalfd(-1, &interruptions_, SFD_CLOEXEC)) {
+    if (interrupted_ < 0) throw Failure(std::string("cannot wait for signals: ") + std::strerror(errno));
+    ask();
+  }
+  HiddenQuestion(const HiddenQuestion&) = delete;
+  HiddenQuestion& operator=(const HiddenQuestion&) = delete;
+  ~HiddenQuestion() {
+    showInput();
+    show("\n");
+    close(interrupted_);
+  }
+
+  /// Waits until there is something to read. Returns false if a signal came first: what has been read so far
+  /// is then not part of the answer.
+  bool wait() {
+    pollfd events[] = {{STDIN_FILENO, POLLIN, 0}, {interrupted_, POLLIN, 0}};
+    while (poll(events, 2, -1) < 0 && errno == EINTR) continue;
+    if (events[1].revents == 0) return true;
+    showInput();
+    ask();
+    return false;
+  }
+
+ private:
+  void ask() {
+    if (tcgetattr(STDIN_FILENO, &original_) != 0) throw Failure("the terminal's settings cannot be read");
+    sigprocmask(SIG_BLOCK, &interruptions_, &before_);
+    termios hidden = original_;
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0)
+      throw Failure("the terminal's echo cannot be turned off");
+    show(question_ + ": ");
+  }
+
+  void showInput() {
+    tcsetattr(STDIN_FILENO, TCSANOW, &original_);
+    sigprocmask(SIG_SETMASK, &before_, nullptr);  // signals that wait take effect here
+  }
+
+  std::string question_;
+  sigset_t interruptions_;
+  int interrupted_;
+  termios original_{};
+  sigset_t before_{};
+};
+
+/// From this length on, the terminal may have cut a line: it keeps no more of one.
+constexpr std::size_t terminalLine = 4095;
+
+NSRefPtr<NSData> checkedLine(const NSRef<NSMutableData>& line, int descriptor) {
+  if (line->length() >= terminalLine && isatty(descriptor) == 1)
+    throw Failure("a line of 4095 bytes or more may have been cut by the terminal; use a pipe");
+  return line;
+}
+
+/// Calls `wait` before it reads, and starts again if that returns false.
+template <class Wait>
+NSRefPtr<NSData> readLine(int descriptor, Wait&& wait) {
+  const NSRef<NSMutableData> line = NSMutableData::data();
+  line->setHoldsSecret(true);
+  for (;;) {
+    // One byte at a time: what follows the line may be for another reader.
+    std::byte byte{};
+    if (!wait()) {
+      line->setLength(0);
+      continue;
+    }
+    const ssize_t count = read(descriptor, &byte, 1);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw Failure(std::string("cannot read the secret: ") + std::strerror(errno));
+    if (count == 0 && line->length() == 0) return nullptr;
+    if (count == 0 || byte == std::byte{'\n'}) return checkedLine(line, descriptor);
+    line->appendBytes(&byte, 1);
+    explicit_bzero(&byte, 1);
+  }
 }
 
 std::optional<std::size_t> optionOf(const NSData& line, std::size_t count) {
@@ -83,29 +144,12 @@ bool hasTerminal() {
 }
 
 NSRefPtr<NSData> readSecretLine(int descriptor) {
-  const NSRef<NSMutableData> line = NSMutableData::data();
-  line->setHoldsSecret(true);
-  for (;;) {
-    // One byte at a time: what follows the line may be for another reader.
-    std::byte byte{};
-    const ssize_t count = read(descriptor, &byte, 1);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw Failure(std::string("cannot read the secret: ") + std::strerror(errno));
-    if (count == 0) return line->length() > 0 ? NSRefPtr<NSData>(line) : nullptr;
-    if (byte == std::byte{'\n'}) return line;
-    line->appendBytes(&byte, 1);
-    explicit_bzero(&byte, 1);
-  }
+  return readLine(descriptor, [] { return true; });
 }
 
 NSRef<NSData> askSecret(const std::string& question) {
-  NSRefPtr<NSData> answer;
-  {
-    const HiddenEcho hidden;
-    show(question + ": ");
-    answer = readSecretLine(STDIN_FILENO);
-  }
-  show("\n");
+  HiddenQuestion hidden(question);
+  const NSRefPtr<NSData> answer = readLine(STDIN_FILENO, [&] { return hidden.wait(); });
   if (!answer) throw Failure("nothing was entered");
   return answer;
 }

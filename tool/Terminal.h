@@ -15,12 +15,14 @@ bool isOnTerminal();
 /// from.
 bool hasTerminal();
 
-/// Asks for a secret without showing what is typed. The result is cleansed from memory after use. Throws
-/// Failure if the input ends first.
+/// Asks for a secret without showing what is typed; asks again when the tool goes on after it was suspended.
+/// The result is cleansed from memory after use. Throws Failure if the input ends first, or as
+/// readSecretLine.
 NSRef<NSData> askSecret(const std::string& question);
 
 /// Reads one line from a descriptor, without its end; the result is cleansed from memory after use. Returns
-/// nil at the end of the input. Throws Failure if it cannot be read.
+/// nil at the end of the input. Throws Failure if it cannot be read, or if it was typed and so long that the
+/// terminal may have cut it.
 NSRefPtr<NSData> readSecretLine(int descriptor);
 
 /// Shows an error and its options, numbered from 1, until one of them is chosen or the input ends.
