@@ -23,6 +23,14 @@ const CLI::Validator isUTF8(
     },
     "", "UTF-8");
 
+const CLI::Validator isDecimal(
+    [](std::string& argument) -> std::string {
+      const bool isNumber = argument.find_first_not_of("0123456789") == argument.npos && !argument.empty();
+      const bool isPadded = argument.size() > 1 && argument.front() == '0';
+      return isNumber && !isPadded ? "" : argument + " is not a decimal number without a leading zero";
+    },
+    "", "DECIMAL");
+
 NSRef<NSString> stringOfArgument(const std::string& argument) {
   return NSString::stringWithUTF8String(argument);
 }
@@ -37,7 +45,10 @@ void KeychainEntry::addOptions(CLI::App& command) {
   host->check(isUTF8);
   kind->require_option(1);
   command.add_option("--path", path, "The path on the server")->check(isUTF8)->needs(host);
-  command.add_option("--port", port, "The port of the server")->check(CLI::Range(1, 65535))->needs(host);
+  command.add_option("--port", port, "The port of the server")
+      ->check(isDecimal)
+      ->check(CLI::Range(1, 65535))
+      ->needs(host);
   command.add_option("--protocol", protocol, "The protocol")
       ->check(CLI::IsMember(std::vector<std::string>(std::next(std::begin(protocols)), std::end(protocols))))
       ->needs(host);

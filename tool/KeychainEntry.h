@@ -33,3 +33,5 @@ std::string nameOfProtocol(VXInternetKeychainItemProtocol protocol);
 NSRef<NSString> stringOfArgument(const std::string& argument);
 /// Accepts arguments that are UTF-8.
 extern const CLI::Validator isUTF8;
+/// Accepts digits without a leading zero: the parser itself takes 010 for octal.
+extern const CLI::Validator isDecimal;

@@ -17,6 +17,7 @@ constexpr char onDesktop[] = ":desktop:";
 
 const CLI::Validator isStore(
     [](std::string& name) -> std::string {
+      if (name.empty()) return "the name is empty";
       const bool isNoFile = name.size() > 1 && name.front() == ':' && name.back() == ':';
       if (!isNoFile || name == inMemory || name == onDesktop) return "";
       return "there is no store " + name + "; a file of that name is ./" + name;
@@ -126,7 +127,7 @@ void KeychainStore::addOptions(CLI::App& keychain) {
   keychain
       .add_option("--passphrase-fd", passphraseDescriptor,
                   "Read a passphrase, one line, from this descriptor")
-      ->check(CLI::NonNegativeNumber);
+      ->check(isDecimal);
 }
 
 void KeychainStore::open() const {

@@ -43,7 +43,7 @@ void guardStandardStreams() {
   for (int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (!isOpen(descriptor)) open("/dev/null", O_RDONLY);
   }
-  std::signal(SIGPIPE, SIG_IGN);
+  for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
 }
 
 NSRef<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }

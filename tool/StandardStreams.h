@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// Prevents files that the tool opens from taking the place of a standard stream that the caller closed, and
-/// makes writing to a closed pipe an ordinary error.
+/// makes writing to a closed pipe, or beyond the limit for the size of a file, an ordinary error.
 void guardStandardStreams();
 
 /// Returns the whole content of a file, which is cleansed from memory after use. Throws Failure if it cannot
