@@ -2,12 +2,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
 #include <Security/SecSecret.h>
-
-/// The text of an attribute: UTF-16 that may hold unpaired surrogates, overwritten when it is freed.
-using SecText = std::basic_string<char16_t, std::char_traits<char16_t>, SecCleansingAllocator<char16_t>>;
+#include <Security/SecText.h>
 
 /// The class of an entry. The numbers are kept in stores and never change.
 enum class SecItemClass : std::uint8_t {

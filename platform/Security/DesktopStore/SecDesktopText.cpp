@@ -70,7 +70,7 @@ SecDesktopText secEncodeText(const SecText& text) {
   SecDesktopText utf8;
   utf8.reserve(text.size());
   // Qt takes it for a mark of the encoding and drops it.
-  secRequire(!text.starts_with(u'\uFEFF'), errSecParam);
+  secRequire(text.empty() || text.front() != u'\uFEFF', errSecParam);
   for (std::u16string_view rest = text; !rest.empty();) {
     const char32_t character = take(rest);
     secRequire(isAccepted(character), errSecParam);
