@@ -5,7 +5,7 @@
 # tests, benchmarks and fuzz targets can call each of them although the library does not export them.
 function(vx_kernels name)
   add_library(${name} OBJECT ${ARGN})
-  target_link_libraries(${name} PRIVATE VXWarnings)
+  target_link_libraries(${name} PRIVATE VXWarnings VXHardening)
   vx_kernel_set(${name} scalar)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     vx_kernel_set(${name} avx2 -mavx2)
