@@ -16,6 +16,9 @@ inline void fuzzWith(std::string_view input) {
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
 }
 
+/// Returns the size of the file that the fuzz target of the store's file damages.
+std::size_t fuzzedStoreFileSize();
+
 /// Says which promise is broken, by an exception: a fuzzer takes one for a finding, a test tells the input.
 inline void fuzzRequire(bool holds, const char* promise) {
   if (!holds) throw std::logic_error(std::string("does not hold: ") + promise);
