@@ -1,4 +1,5 @@
-#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/VXCodecKernels.h>
+#include <VXFoundation/VXURLCoding.h>
 
 #include <optional>
 

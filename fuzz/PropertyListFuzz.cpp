@@ -1,5 +1,5 @@
-#include <Foundation/Foundation.h>
 #include <Foundation/NSPropertyList.h>
+#include <Foundation/NSString.h>
 
 #include "tests/support/Fuzz.h"
 

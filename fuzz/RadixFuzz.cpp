@@ -1,3 +1,5 @@
+#include <VXFoundation/VXCodecKernels.h>
+
 #include "VXFoundation/kernels/CodecDispatch.h"
 #include "tests/support/Fuzz.h"
 #include "tests/support/Pieces.h"

@@ -1,4 +1,5 @@
-#include <Foundation/Foundation.h>
+#include <Foundation/NSArray.h>
+#include <Foundation/NSException.h>
 #include <Foundation/NSUnicode.h>
 #include <iconv.h>
 

@@ -1,25 +1,18 @@
-#include <openssl/evp.h>
+#include <VXFoundation/NSData+CXHashing.h>
+#include <VXFoundation/NSData+VXBaseConversion.h>
 #include <openssl/hmac.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <random>
-#include <thread>
 
 #include "tests/support/Digests.h"
 #include "tests/support/Support.h"
+#include "tests/support/Threads.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 
 using namespace CXHashing;
-
-std::string opensslDigest(const char* algorithm, const NSData& data) {
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  std::size_t length = 0;
-  EXPECT_EQ(EVP_Q_digest(nullptr, algorithm, nullptr, data.bytes().data(), data.length(), digest, &length),
-            1);
-  return {reinterpret_cast<char*>(digest), length};
-}
 
 std::string opensslHMAC(const NSData& data, const NSData& key) {
   unsigned char digest[EVP_MAX_MD_SIZE];
@@ -39,32 +32,21 @@ TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
   }
 }
 
-TEST(CXHashingTests, AgreeWithOpenSSLAtEveryShortLengthOfMessageAndKey) {
-  std::mt19937 random(1);
-  std::string bytes(400, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random());
-  for (std::size_t length = 0; length <= 300; ++length) {
-    const auto data = dataOf(std::string_view(bytes).substr(length / 3, length));
-    ASSERT_EQ(bytesOf(MD5Hash(*data)), opensslDigest("MD5", *data)) << length;
-    ASSERT_EQ(bytesOf(SHA1Hash(*data)), opensslDigest("SHA1", *data)) << length;
-    for (const std::size_t keyLength : {std::size_t{0}, std::size_t{1}, length % 80, std::size_t{63},
-                                        std::size_t{64}, std::size_t{65}, length}) {
-      const auto key = dataOf(std::string_view(bytes).substr(0, keyLength));
-      ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key))
-          << length << " " << keyLength;
+TEST(CXHashingTests, HMACAgreesWithOpenSSLAtEveryShortLengthOnEveryThread) {
+  onThreads(4, [](std::size_t thread) {
+    std::mt19937 random(static_cast<unsigned>(thread));
+    std::string bytes(400, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    for (std::size_t length = 0; length <= 300; ++length) {
+      const auto data = dataOf(std::string_view(bytes).substr(length / 3, length));
+      for (const std::size_t keyLength : {std::size_t{0}, std::size_t{1}, length % 80, std::size_t{63},
+                                          std::size_t{64}, std::size_t{65}, length}) {
+        const auto key = dataOf(std::string_view(bytes).substr(0, keyLength));
+        ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key))
+            << length << " " << keyLength;
+      }
     }
-  }
-}
-
-TEST(CXHashingTests, AnswerEachOfManyThreads) {
-  std::vector<std::thread> threads;
-  for (int number = 0; number < 4; ++number)
-    threads.emplace_back([number] {
-      const auto data = dataOf(std::string(1000, static_cast<char>(number)));
-      const std::string expected = opensslHMAC(*data, *data);
-      for (int i = 0; i < 500; ++i) ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, data)), expected);
-    });
-  for (std::thread& thread : threads) thread.join();
+  });
 }
 
 TEST(CXHashingDeathTest, EndTheProcessForAMissingKey) {

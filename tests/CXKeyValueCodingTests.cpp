@@ -1,3 +1,5 @@
+#include <VXFoundation/NSString+CXKeyValueCoding.h>
+
 #include "tests/support/Bytes.h"
 #include "tests/support/Support.h"
 
@@ -12,7 +14,7 @@ TEST(CXKeyValueCoding, ComponentsAreJoinedUpToTheFirstNil) {
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"", nil})), "") << "empty is not absent";
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", "b", "c", nil, "d"})), "a.b.c");
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", "", "b.c", "\xC3\xA9"})), "a..b.c.\xC3\xA9");
-  EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", NSNumber::numberWithInteger(-7)})), "a.-7");
+  EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", number(-7)})), "a.-7");
 }
 
 TEST(CXKeyValueCoding, AKeyPathIsAppendedAsItIs) {

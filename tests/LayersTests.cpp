@@ -4,7 +4,7 @@
 #include <regex>
 #include <set>
 
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 

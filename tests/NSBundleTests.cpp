@@ -1,12 +1,12 @@
 #include <sys/stat.h>
 
+#include <Foundation/NSBundle.h>
 #include <Foundation/NSPropertyList.h>
-
-#include <filesystem>
 
 #include "tests/support/Bytes.h"
 #include "tests/support/Files.h"
 #include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace files = std::filesystem;
 

@@ -1,5 +1,6 @@
+#include <gtest/gtest.h>
+
 #include "tests/support/Bytes.h"
-#include "tests/support/Support.h"
 
 TEST(NSData, BytesThatAreAddedAreZero) {
   const auto data = NSMutableData::dataWithBytes("abc", 3);

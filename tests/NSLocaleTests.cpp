@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 TEST(NSLocale, LanguagesComeInTheOrderOfGettext) {
   for (const auto& row : vectors("languages.tsv")) {

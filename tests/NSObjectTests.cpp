@@ -1,25 +1,14 @@
+#include <Foundation/Foundation.h>
+#include <VXFoundation/NSObject+VXAdditions.h>
+
 #include <atomic>
-#include <thread>
 
 #include "tests/host/CountedAllocations.h"
 #include "tests/host/Host.h"
 #include "tests/support/Bytes.h"
-#include "tests/support/RecordedAssertions.h"
+#include "tests/support/Support.h"
 
 namespace {
-
-// Equality of contents with the hash of identity, and with a hash that agrees.
-struct Loose : NSObject::Subclass<Loose> {
-  bool isEqual(const NSRefPtr<NSObject>&) const override { return true; }
-};
-struct Keyed : NSObject::Subclass<Keyed> {
-  using HashAgreesWithEquality = Keyed;
-  bool isEqual(const NSRefPtr<NSObject>&) const override { return true; }
-  std::size_t hash() const override { return 7; }
-};
-struct LooselyKeyed : Keyed::Subclass<LooselyKeyed> {
-  bool isEqual(const NSRefPtr<NSObject>&) const override { return false; }
-};
 
 // A class whose name another source file of the host has, too, in an unnamed namespace of its own.
 struct Namesake : NSObject::Subclass<Namesake> {};
@@ -47,7 +36,6 @@ struct Box : NSObject::Subclass<Box<Value, flag>> {};
 
 TEST(NSObject, HostAndLibrarySeeOneClassObject) {
   EXPECT_EQ(&hostClassOfTexts(), &NSString::classObject());
-  EXPECT_EQ(&hostClassOfSquares(), &Square::classObject());
   const NSRef<NSObject> square = hostMakesASquare();
   EXPECT_EQ(&square->isa(), &Square::classObject());
   EXPECT_TRUE(square->isKindOfClass(Polygon::classObject()));
@@ -190,31 +178,6 @@ TEST(NSObject, HandlesAreOneWordAndCompareByIdentity) {
   EXPECT_EQ(NSRef<NSObject>(same), link);
   const auto shape = NSRef(Shape::shapeWithSides(3));
   EXPECT_EQ(shape->itself(), shape) << "an object can hand out itself";
-  EXPECT_TRUE(link->isEqual(link));
-  EXPECT_FALSE(link->isEqual(Link::alloc()));
-  EXPECT_FALSE(link->isEqual(nullptr));
-}
-
-TEST(NSObject, WhatIsKnownOfAnEqualityFollowsWhoDeclaresIt) {
-  EXPECT_EQ(Link::alloc()->equality(), NSEquality::identity);
-  EXPECT_EQ(Loose::alloc()->equality(), NSEquality::custom);
-  EXPECT_EQ(Keyed::alloc()->equality(), NSEquality::hashed);
-  EXPECT_EQ(LooselyKeyed::alloc()->equality(), NSEquality::custom);
-  EXPECT_EQ(text("a")->mutableCopy()->equality(), NSEquality::hashed);
-  EXPECT_EQ(NSArray::array()->equality(), NSEquality::custom);
-}
-
-TEST(NSObject, BlocksAreMadeOfAnythingCallable) {
-  using Predicate = NSBlock<bool(int)>;
-  const NSRefPtr<Predicate> positive = [](int value) { return value > 0; };
-  EXPECT_TRUE((*positive)(1));
-  EXPECT_EQ(positive->copy(), positive);
-  EXPECT_EQ(NSRefPtr<Predicate>(std::function<bool(int)>()), nullptr);
-  EXPECT_EQ(NSRefPtr<Predicate>(static_cast<bool (*)(int)>(nullptr)), nullptr);
-  EXPECT_EQ(NSRefPtr<Predicate>(nullptr), nullptr);
-  const auto list = NSMutableArray::arrayWithObjects({positive});
-  EXPECT_EQ(NSDynamicCast<Predicate>(list->objectAtIndex(0)), positive);
-  EXPECT_EQ(NSDynamicCast<NSBlock<void()>>(list->objectAtIndex(0)), nullptr);
 }
 
 TEST(NSObject, AnyCollectionIsWalkedThroughOneInterface) {
@@ -248,29 +211,4 @@ TEST(NSObject, AChangeInMidWalkRaises) {
   EXPECT_EQ(walk(*list, grow), "NSGenericException");
   EXPECT_EQ(walk(*list, [&](NSObjectArg) { list->removeObjectAtIndex(0); }), "NSGenericException");
   EXPECT_EQ(walk(*set, [&](NSObjectArg element) { set->addObject(element); }), "nothing") << "no change";
-}
-
-TEST(NSObject, EveryThreadHasAnAssertionHandlerOfItsOwn) {
-  const auto fail = [] { VXAdditions::vxfoundation_map(*NSArray::array(), nullptr); };
-  std::string elsewhere;
-  {
-    const RecordedAssertions here;
-    EXPECT_EQ(raised(fail), "nothing");
-    std::thread([&] { elsewhere = raised(fail); }).join();
-  }
-  EXPECT_EQ(elsewhere, "NSInternalInconsistencyException");
-  EXPECT_EQ(raised(fail), "NSInternalInconsistencyException");
-}
-
-TEST(NSObject, AreSharedBetweenThreads) {
-  const NSRef<NSArray> shared = NSArray::arrayWithObjects({"a", "b"});
-  const auto use = [shared] {
-    for (int round = 0; round < 2000; ++round) {
-      EXPECT_TRUE(NSRef<NSArray>(shared->copy())->containsObject("b"));
-      EXPECT_EQ(Square::classObject().name(), "Square");
-    }
-  };
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) threads.emplace_back(use);
-  for (std::thread& thread : threads) thread.join();
 }

@@ -1,7 +1,7 @@
 #include <Foundation/NSPropertyList.h>
 
 #include "tests/support/Bytes.h"
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 
@@ -32,13 +32,4 @@ TEST(NSPropertyList, WhatIsNoneIsAbsent) {
   EXPECT_FALSE(NSPropertyListWithData(std::as_bytes(std::span(entity))));
   EXPECT_FALSE(NSPropertyListWithContentsOfFile("/nowhere/Info.plist"));
   EXPECT_FALSE(NSPropertyListWithContentsOfFile("/"));
-}
-
-TEST(NSPropertyList, EveryCutIsAbsentOrWhole) {
-  const std::string_view xml =
-      "<plist><dict><key>a</key><array><integer>1</integer><false/></array></dict></plist>";
-  for (std::size_t length = 0; length <= xml.size(); ++length) {
-    const auto cut = NSPropertyListWithData(std::as_bytes(std::span(xml.substr(0, length))));
-    EXPECT_EQ(bool(cut), length == xml.size()) << length;
-  }
 }

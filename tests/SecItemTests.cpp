@@ -1,3 +1,5 @@
+#include <VXFoundation/VXKeychainItem.h>
+
 #include "tests/support/SecStorageConformance.h"
 
 using SecItemTest = KeychainTest;
@@ -75,19 +77,6 @@ TEST_F(SecItemTest, AFailureOfTheStoreIsTheStatusAndLeavesTheResultAlone) {
     EXPECT_EQ(SecItemUpdate(query, query), status);
     EXPECT_EQ(SecItemDelete(query), status);
     EXPECT_EQ(result.get(), untouched.get());
-  }
-}
-
-TEST_F(SecItemTest, TheDefaultStoreIsTheOneThatWasChosen) {
-  for (const auto& chosen : {std::make_shared<SecMemoryStorage>(), std::make_shared<SecMemoryStorage>()}) {
-    std::shared_ptr<SecStorage> used;
-    SecStorageInfo info;
-    secSetDefaultStorage(chosen);
-    EXPECT_EQ(SecItemAdd(writtenMap("class=generic account=ann")), errSecSuccess);
-    EXPECT_EQ(secCopyDefaultStorage(used), errSecSuccess);
-    EXPECT_EQ(used, chosen);
-    EXPECT_EQ(chosen->copyInfo(info), errSecSuccess);
-    EXPECT_EQ(info.entries, 1u);
   }
 }
 

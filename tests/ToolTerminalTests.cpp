@@ -10,6 +10,7 @@
 
 #include "tests/support/Files.h"
 #include "tests/support/Script.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "tests/support/Files.h"
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 

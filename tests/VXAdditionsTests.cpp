@@ -1,7 +1,9 @@
-#include <random>
+#include <Foundation/NSMutableString.h>
+#include <VXFoundation/NSArray+VXAdditions.h>
 
 #include "tests/support/Bytes.h"
 #include "tests/support/RecordedAssertions.h"
+#include "tests/support/Vectors.h"
 
 using VXAdditions::vxfoundation_arrayByRemovingObjectsInArray;
 using VXAdditions::vxfoundation_combinationsJoined;
@@ -13,6 +15,11 @@ using Mapping = NSRef<NSObject>(const NSRef<NSObject>&, std::size_t, bool*);
 
 std::string joined(const NSArray& list) { return *bytesOf(list.componentsJoinedByString("|")); }
 
+NSRef<NSArray> split(const NSRef<NSObject>& cell) {
+  const auto text = NSRef(NSDynamicCast<NSString>(cell));
+  return text->isEqualToString("-") ? NSArray::array() : text->componentsSeparatedByString(",");
+}
+
 const NSRef<NSArray> letters = NSArray::arrayWithObjects({"a", "b", "c"});
 
 NSRef<NSObject> numbered(const NSRef<NSObject>& element, std::size_t index, bool*) {
@@ -21,40 +28,26 @@ NSRef<NSObject> numbered(const NSRef<NSObject>& element, std::size_t index, bool
 
 }  // namespace
 
-TEST(VXAdditions, CombinationsCountLikeAnOdometer) {
-  std::mt19937 random(11);
-  for (int round = 0; round < 300; ++round) {
-    const auto lists = NSMutableArray::array();
-    std::size_t product = 1;
-    for (std::size_t i = random() % 5; i > 0; --i) {
-      const auto list = NSMutableArray::array();
-      for (std::size_t n = random() % 5; n > 0; --n)
-        list->addObject(text(std::vector{"", "a", "b", "\u00E9", "a"}[n]));
-      lists->addObject(list);
-      product *= list->count();
-    }
-    const auto results = vxfoundation_combinationsJoined(lists);
-    ASSERT_EQ(results->count(), product);
-    for (std::size_t k = 0, place = k; k < product; place = ++k) {
-      std::string expected;
-      for (const NSRef<NSObject> each : *lists) {
-        const NSRefPtr<NSArray> list = NSDynamicCast<NSArray>(each);
-        expected += *bytesOf(list->objectAtIndex(place % list->count())->description());
-        place /= list->count();
-      }
-      ASSERT_EQ(bytesOf(NSDynamicCast<NSMutableString>(results->objectAtIndex(k))), expected);
-    }
+TEST(VXAdditions, CombinationsAreThoseOfTheTable) {
+  for (const auto& row : byteVectors("combinations.tsv")) {
+    const auto arrays = NSMutableArray::array();
+    const NSRef<NSArray> cells = text(row[0])->componentsSeparatedByString("/");
+    for (const NSRef<NSObject> cell : *cells) arrays->addObject(split(cell));
+    const auto combinations = vxfoundation_combinationsJoined(arrays);
+    EXPECT_TRUE(combinations->isEqual(split(text(row[1])))) << row[0] << *combinations->description();
+    for (const NSRef<NSObject> each : *combinations) EXPECT_TRUE(NSDynamicCast<NSMutableString>(each));
   }
+  EXPECT_TRUE(vxfoundation_combinationsJoined(NSArray::array())->isEqual(NSArray::arrayWithObject("")));
 }
 
 TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
-  const auto number = NSNumber::numberWithInteger(1);
-  const auto numbers = NSArray::arrayWithObject(number);
+  const auto one = number(1);
+  const auto numbers = NSArray::arrayWithObject(one);
   const auto combine = [](std::initializer_list<NSObjectArg> lists) {
     return raised([&] { vxfoundation_combinationsJoined(NSArray::arrayWithObjects(lists)); });
   };
   EXPECT_EQ(combine({numbers}), "NSInvalidArgumentException");
-  EXPECT_EQ(combine({number}), "NSInvalidArgumentException");
+  EXPECT_EQ(combine({one}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({numbers, NSArray::array()}), "nothing") << "no combination, so nothing is appended";
   EXPECT_EQ(combine({NSArray::array(), number}), "nothing") << "nothing after an empty array is looked at";
   EXPECT_EQ(combine({number, NSArray::array()}), "NSInvalidArgumentException");
@@ -77,6 +70,7 @@ TEST(VXAdditions, MapTakesAnythingCallable) {
     return NSString::stringWithFormat("%@%d", element, (*count)++);
   };
   const NSRefPtr<NSBlock<Mapping>> block(numbered);
+  EXPECT_EQ(block->copy(), block);
   EXPECT_EQ(map(numbered), "a0|b1|c2");
   EXPECT_EQ(map(&numbered), "a0|b1|c2");
   EXPECT_EQ(map(counting), "a0|b1|c2");

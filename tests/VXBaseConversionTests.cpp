@@ -1,3 +1,5 @@
+#include <Foundation/NSMutableString.h>
+
 #include <algorithm>
 
 #include "tests/support/CodecTests.h"
@@ -45,32 +47,12 @@ TEST_P(VXBaseConversionTests, HoldTheRulesForEveryTextOverAHostileAlphabet) {
   for (std::size_t length = 0; length <= 4; ++length) {
     forEveryText<char16_t>(u"AQz8/=\n-\u00E9\u0141", length, follows(notations[0]));
     forEveryText<char16_t>(u"AQz8-_=/+\u00E9\u0141", length, follows(notations[3]));
-    forEveryText<char16_t>(u"09afAFgG=x \u00E9\uFF11", length, follows(notations[2]));
+    forEveryText<char16_t>(u"09afAFgG=x \u0130\uFF11", length, follows(notations[2]));
   }
   forEveryText<char16_t>(u"A7=\u00E9", 8, follows(notations[1]));
   forEveryText<char16_t>(u"Ba=\n", 8, follows(notations[1]));
   for (const unsigned length : {12u, 16u}) forEveryText<char16_t>(u"B=", length, follows(notations[0]));
   for (const unsigned length : {7u, 9u, 16u}) forEveryText<char16_t>(u"B=", length, follows(notations[1]));
-}
-
-TEST_P(VXBaseConversionTests, TakeEveryUnitInEitherPlaceOfABase16Pair) {
-  for (unsigned value = 0; value < 0x10000; ++value)
-    for (const char16_t other : {u'0', u'f', u'=', u'\u0130'}) {
-      const auto unit = static_cast<char16_t>(value);
-      expectDecodedByRule(notations[2], std::u16string{unit, other});
-      expectDecodedByRule(notations[2], std::u16string{other, unit});
-    }
-}
-
-TEST_P(VXBaseConversionTests, GoBothWaysWithEveryByteAndPairOfBytes) {
-  for (const Notation& notation : notations)
-    for (unsigned pair = 0; pair < 0x10000 + 0x100; ++pair) {
-      std::string bytes(1, static_cast<char>(pair));
-      if (pair < 0x10000) bytes.push_back(static_cast<char>(pair >> 8));
-      const auto text = notation.encode(*dataOf(bytes));
-      ASSERT_EQ(std::string(*text), notation.encodedByRule(bytes)) << notation.name;
-      ASSERT_EQ(bytesOf(notation.decode(text)), bytes) << notation.name;
-    }
 }
 
 TEST_P(VXBaseConversionTests, RenderEveryByteInBinaryDigits) {

@@ -1,3 +1,6 @@
+#include <Foundation/NSErrorPresenter.h>
+#include <VXFoundation/VXErrorRecoveryAttempter.h>
+
 #include <cstdlib>
 
 #include "tests/support/RecordedAssertions.h"
@@ -101,7 +104,7 @@ TEST_F(VXErrorRecovery, AnIndexWithoutAnActionRaisesAndTellsNobody) {
   addOptions({true});
   attempter->titles()->addObject("a title alone");
   EXPECT_EQ(attempt(1), "NSRangeException") << "the actions count, not the titles";
-  attempter->blocks()->addObject("no action");
+  attempter->blocks()->addObject(NSRefPtr<NSBlock<void()>>([] {}));
   EXPECT_EQ(attempt(1), "NSInvalidArgumentException");
   attempter->setBlocks(NSMutableArray::array());
   EXPECT_EQ(attempt(0), "NSRangeException");

@@ -1,7 +1,8 @@
-#include <thread>
+#include <VXFoundation/VXKeychainItem.h>
 
 #include "tests/support/KeychainSupport.h"
 #include "tests/support/RecordedAssertions.h"
+#include "tests/support/Threads.h"
 
 namespace {
 
@@ -148,30 +149,25 @@ TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereTha
 }
 
 TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
-    threads.emplace_back([thread] {
-      RecordedAssertions assertions;
-      const auto name = text("user" + std::to_string(thread));
-      for (int round = 0; round < 50; ++round) {
-        const auto own = VXGenericKeychainItem::keychainItemWithUsername(name, name, nullptr, "own");
-        const auto shared = VXGenericKeychainItem::keychainItemWithUsername("all", name, nullptr, "shared");
-        NSRefPtr<NSError> error;
-        EXPECT_TRUE(own->addItemToKeychain(&error));
-        shared->addItemToKeychain(&error);
-        own->setPassword("changed");
-        EXPECT_TRUE(own->updateItemInKeychain());
-        const auto found = VXGenericKeychainItem::findKeychainItemForUsername(name, "own");
-        EXPECT_TRUE(found->refreshItemFromKeychainIncludePassword(true));
-        EXPECT_EQ(shown(found->password()), "changed");
-        EXPECT_TRUE(own->deleteItemFromKeychain());
-        EXPECT_TRUE(shared->deleteItemFromKeychain());
-        VXGenericKeychainItem::alloc()->refreshItemFromKeychainIncludeData(false);
-        EXPECT_TRUE(VXUTTypeConformsTo("public.jpeg", "public.image"));
-      }
-      EXPECT_EQ(assertions.take().size(), 50u);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreads(8, [](std::size_t thread) {
+    RecordedAssertions assertions;
+    const auto name = text("user" + std::to_string(thread));
+    for (int round = 0; round < 50; ++round) {
+      const auto own = VXGenericKeychainItem::keychainItemWithUsername(name, name, nullptr, "own");
+      const auto shared = VXGenericKeychainItem::keychainItemWithUsername("all", name, nullptr, "shared");
+      NSRefPtr<NSError> error;
+      EXPECT_TRUE(own->addItemToKeychain(&error));
+      shared->addItemToKeychain(&error);
+      own->setPassword("changed");
+      EXPECT_TRUE(own->updateItemInKeychain());
+      const auto found = VXGenericKeychainItem::findKeychainItemForUsername(name, "own");
+      EXPECT_TRUE(found->refreshItemFromKeychainIncludePassword(true));
+      EXPECT_EQ(shown(found->password()), "changed");
+      EXPECT_TRUE(own->deleteItemFromKeychain());
+      EXPECT_TRUE(shared->deleteItemFromKeychain());
+      VXGenericKeychainItem::alloc()->refreshItemFromKeychainIncludeData(false);
+    }
+    EXPECT_EQ(assertions.take().size(), 50u);
+  });
   EXPECT_EQ(SecItemCopyMatching(writtenMap("class=generic")), errSecItemNotFound);
 }

@@ -1,3 +1,7 @@
+#include <Foundation/NSMutableString.h>
+#include <VXFoundation/VXFoundationConstants.h>
+#include <VXFoundation/VXKeychainItem.h>
+
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -8,79 +12,71 @@
 
 namespace {
 
-/// The fields of an item that a script writes as a map.
+/// The fields of an item that a script writes as a dictionary.
 class Fields {
  public:
-  explicit Fields(const std::string& written) : map_(writtenMap(written)) {}
+  explicit Fields(const std::string& written) : dictionary_(writtenMap(written)) {}
 
   NSRef<VXPasswordKeychainItem> item() const {
     const NSRef<VXPasswordKeychainItem> made = itemWithPassword();
-    if (!made->data()) made->setData(value<NSData>(kSecValueData));
+    if (!made->data()) made->setData(secret_);
     return made;
   }
 
   NSRefPtr<NSArray> all(bool includePassword, NSRefPtr<NSError>* error) const {
     if (isGeneric())
-      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account(), service(), includePassword,
+      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account_, service_, includePassword,
                                                                     error);
-    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account(), server(), path(), port(),
-                                                                   protocol(), includePassword, error);
+    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account_, server_, path_, port_, protocol_,
+                                                                   includePassword, error);
   }
 
   /// Sets the fields that are written.
   void change(VXPasswordKeychainItem& item) const {
-    if (account()) item.setUsername(account());
-    if (label()) item.setLabel(label());
-    if (value<NSData>(kSecValueData)) item.setData(value<NSData>(kSecValueData));
+    if (account_) item.setUsername(account_);
+    if (label_) item.setLabel(label_);
+    if (secret_) item.setData(secret_);
     auto* internet = dynamic_cast<VXInternetKeychainItem*>(&item);
-    if (internet && path()) internet->setPath(path());
-    if (internet && port()) internet->setPort(port());
-    if (internet && protocol()) internet->setProtocol(protocol());
+    if (internet && path_) internet->setPath(path_);
+    if (internet && port_) internet->setPort(port_);
+    if (internet && protocol_) internet->setProtocol(protocol_);
   }
 
   NSRef<VXPasswordKeychainItem> finder() const {
-    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
-    return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
-                                                               protocol());
+    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account_, service_);
+    return VXInternetKeychainItem::findKeychainItemForUsername(account_, server_, path_, port_, protocol_);
   }
 
  private:
   NSRef<VXPasswordKeychainItem> itemWithPassword() const {
+    const auto password = secret_ ? NSString::stringWithData(secret_, NSUTF8StringEncoding) : nullptr;
     if (isGeneric())
-      return VXGenericKeychainItem::keychainItemWithUsername(account(), password(), label(), service());
-    if (text(kSecClass))
-      return VXInternetKeychainItem::keychainItemWithUsername(account(), password(), label(), server(),
-                                                              path(), port(), protocol());
+      return VXGenericKeychainItem::keychainItemWithUsername(account_, password, label_, service_);
+    if (dictionary_->objectForKey(kSecClass))
+      return VXInternetKeychainItem::keychainItemWithUsername(account_, password, label_, server_, path_,
+                                                              port_, protocol_);
     const auto common = VXPasswordKeychainItem::alloc();
-    common->initWithUsername(account(), password(), label());
+    common->initWithUsername(account_, password, label_);
     return common;
   }
 
-  template <class Kind>
+  template <class Kind = NSString>
   NSRefPtr<Kind> value(const NSRef<NSString>& key) const {
-    return NSDynamicCast<Kind>(map_->objectForKey(key));
+    return NSDynamicCast<Kind>(dictionary_->objectForKey(key));
   }
-  NSRefPtr<NSString> text(const NSRef<NSString>& key) const { return value<NSString>(key); }
-  std::int64_t number(const NSRef<NSString>& key) const {
+  std::int64_t integer(const NSRef<NSString>& key) const {
     const auto written = value<NSNumber>(key);
     return written ? written->integerValue() : 0;
   }
-  bool isGeneric() const { return kSecClassGenericPassword->isEqual(text(kSecClass)); }
-  NSRefPtr<NSString> account() const { return text(kSecAttrAccount); }
-  NSRefPtr<NSString> label() const { return text(kSecAttrLabel); }
-  NSRefPtr<NSString> service() const { return text(kSecAttrService); }
-  NSRefPtr<NSString> server() const { return text(kSecAttrServer); }
-  NSRefPtr<NSString> path() const { return text(kSecAttrPath); }
-  std::int64_t port() const { return number(kSecAttrPort); }
-  VXInternetKeychainItemProtocol protocol() const {
-    return VXInternetKeychainItemProtocol(number(kSecAttrProtocol));
-  }
-  NSRefPtr<NSString> password() const {
-    const auto secret = value<NSData>(kSecValueData);
-    return secret ? NSString::stringWithData(secret, NSUTF8StringEncoding) : nullptr;
-  }
+  bool isGeneric() const { return kSecClassGenericPassword->isEqual(value(kSecClass)); }
 
-  NSRefPtr<NSDictionary> map_;
+  const NSRefPtr<NSDictionary> dictionary_;
+  const NSRefPtr<NSString> account_ = value(kSecAttrAccount), label_ = value(kSecAttrLabel),
+                           service_ = value(kSecAttrService), server_ = value(kSecAttrServer),
+                           path_ = value(kSecAttrPath);
+  const std::int64_t port_ = integer(kSecAttrPort);
+  const VXInternetKeychainItemProtocol protocol_ = VXInternetKeychainItemProtocol(integer(kSecAttrProtocol));
+  const NSRefPtr<NSData> secret_ = value<NSData>(kSecValueData);
 };
 
 void share(VXKeychainItem& item, const VXKeychainItem& other) {
@@ -142,10 +138,7 @@ std::string refusal(VXKeychainItem& item) {
   std::set<std::string> answers;
   for (const char* operation : {"add", "update", "delete"}) {
     answers.insert(answerOf([&] { return outcome(operation, item); }));
-    answerOf([&]() -> std::string {
-      EXPECT_FALSE(perform(operation, item, nullptr));
-      return "";
-    });
+    raised([&] { EXPECT_FALSE(perform(operation, item, nullptr)); });
   }
   return answers.size() == 1 ? *answers.begin() : testing::PrintToString(answers);
 }

@@ -1,3 +1,6 @@
+#include <Foundation/NSSet.h>
+#include <VXFoundation/VXTreeUnion.h>
+
 #include <random>
 #include <sstream>
 
@@ -33,11 +36,12 @@ struct Rehashed : Hashed::Subclass<Rehashed> {
   using Layer::Layer;
   std::size_t hash() const override { return 17; }
 };
-// One-sided: equals whatever has a smaller value, so not even itself, with the hash of identity.
-struct Greedy : Node::Subclass<Greedy> {
-  using Layer = Node::Subclass<Greedy>;
+// One-sided: equals whatever has a smaller value, so not even itself, with a hash that does not agree.
+template <class Base>
+struct Greedy : Base::template Subclass<Greedy<Base>> {
+  using Layer = typename Base::template Subclass<Greedy<Base>>;
   using Layer::Layer;
-  bool isEqual(const NSRefPtr<NSObject>& other) const override { return valueOf(other) < value; }
+  bool isEqual(const NSRefPtr<NSObject>& other) const override { return valueOf(other) < this->value; }
 };
 // Equal to itself alone, with a hash that is another each time.
 struct Drifting : Node::Subclass<Drifting> {
@@ -54,7 +58,8 @@ NSRef<Node> anyNode(std::mt19937& random, bool finite) {
   if (kind < 2) return Drifting::alloc(value);
   if (kind < 4) return Hashed::alloc(value);
   if (kind < 5) return Rehashed::alloc(value);
-  return Greedy::alloc(random() % 3 ? 0 : value);
+  if (value % 2) return Greedy<Hashed>::alloc(random() % 3 ? 0 : value);
+  return Greedy<Node>::alloc(random() % 3 ? 0 : value);
 }
 
 // Nodes with random edges, forward ones alone where paths must end; the cycles are broken at the end.

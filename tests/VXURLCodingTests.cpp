@@ -1,3 +1,5 @@
+#include <VXFoundation/VXURLCoding.h>
+
 #include "tests/support/CodecTests.h"
 
 namespace {

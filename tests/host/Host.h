@@ -1,6 +1,7 @@
 #pragma once
 
-#include <VXFoundation/VXFoundation.h>
+#include <Foundation/NSFastEnumeration.h>
+#include <Foundation/NSString.h>
 
 #define HOST_EXPORT __attribute__((visibility("default")))
 
@@ -66,4 +67,3 @@ HOST_EXPORT NSRef<NSObject> hostNamesake();
 /// Seen from the host's side of the border.
 HOST_EXPORT NSRef<NSObject> hostMakesASquare();
 HOST_EXPORT NSClass& hostClassOfTexts();
-HOST_EXPORT NSClass& hostClassOfSquares();

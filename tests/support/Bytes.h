@@ -3,7 +3,8 @@
 #include <optional>
 #include <string>
 
-#include <Foundation/Foundation.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSString.h>
 
 /// Data and the bytes in it; no bytes is another thing than none.
 using Bytes = std::optional<std::string>;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <VXFoundation/VXCodecKernels.h>
+
 #include "tests/support/Bytes.h"
 #include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 /// Tests of the operations on each set of kernels that the machine has.
 class CodecTest : public testing::TestWithParam<std::string> {

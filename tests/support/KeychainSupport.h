@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/NSArray.h>
+#include <Foundation/NSLog.h>
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecItem.h>
 #include <Security/SecMemoryStorage.h>
@@ -15,6 +17,8 @@
 
 #include "tests/support/Bytes.h"
 #include "tests/support/Script.h"
+#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 /// A store that answers every transaction with one status, or runs out of memory, and counts them.
 class AnsweringStorage : public SecStorage {
@@ -91,8 +95,8 @@ inline NSRef<NSString> writtenText(const std::string& written) {
 }
 
 inline NSRef<NSObject> writtenValue(const std::string& kind, const std::string& value) {
-  if (kind == "number" || kind == "port") return NSNumber::numberWithInteger(std::stoll(value));
-  if (kind == "matchLimit" && value != "all") return NSNumber::numberWithInteger(std::stoll(value));
+  if (kind == "number" || kind == "port") return number(std::stoll(value));
+  if (kind == "matchLimit" && value != "all") return number(std::stoll(value));
   if (kind == "returnAttributes" || kind == "returnData" || kind == "matchExactly")
     return NSNumber::numberWithBool(value == "1");
   if (kind == "class") return writtenText(value + " password");

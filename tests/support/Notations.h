@@ -3,7 +3,7 @@
 #include <bitset>
 #include <vector>
 
-#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/NSData+VXBaseConversion.h>
 
 #include "VXFoundation/kernels/CodecKernels.h"
 #include "tests/support/Bytes.h"

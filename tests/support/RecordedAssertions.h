@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/NSAssertionHandler.h>
+
 #include "tests/support/Support.h"
 
 /// While it lives, this thread's assertion handler returns and keeps what it was told, a line a failure.

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <fstream>
 #include <string>
 #include <utility>
-
-#include "tests/support/Support.h"
 
 /// A text before and after the first `at`.
 inline std::pair<std::string, std::string> cut(const std::string& whole, const std::string& at) {

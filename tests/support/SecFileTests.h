@@ -81,23 +81,24 @@ class Passwords {
     return {named(account), secretFrom(password)};
   }
 
-  std::unique_ptr<SecFileStorage> storage;
-
- private:
-  OSStatus change(const SecStorage::Work& work) {
-    return storage->transact(SecStorage::Access::change, work);
-  }
-
+  /// Calls `action` with the transaction and the row of an account that exists.
   template <class Action>
-  OSStatus changeFound(const std::string& account, Action action) {
+  OSStatus changeFound(const std::string& account, Action action, SecSecrets secrets = SecSecrets::skip) {
     return change([&](SecTransaction& store) {
       std::optional<SecRow> found;
-      store.find({named(account)}, SecSecrets::skip, [&](SecRow row) {
+      store.find({named(account)}, secrets, [&](SecRow row) {
         found = std::move(row);
         return false;
       });
       secRequire(found.has_value(), errSecItemNotFound);
       action(store, *found);
     });
+  }
+
+  std::unique_ptr<SecFileStorage> storage;
+
+ private:
+  OSStatus change(const SecStorage::Work& work) {
+    return storage->transact(SecStorage::Access::change, work);
   }
 };

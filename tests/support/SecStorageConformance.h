@@ -98,5 +98,8 @@ class SecStorageConformance {
     EXPECT_EQ(storage->transact(SecStorage::Access::change, changeAll(errSecSuccess)), errSecSuccess);
     expectStep("copy class=generic returnAttributes=1", "0 | class=generic account=c");
     expectStep("copy class=generic account=b", "-25300");
+    SecStorageInfo info;
+    EXPECT_EQ(storage->copyInfo(info), errSecSuccess);
+    EXPECT_EQ(info.entries, 1u);
   }
 };
