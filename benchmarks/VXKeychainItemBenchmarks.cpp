@@ -1,6 +1,6 @@
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecMemoryStorage.h>
-#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/VXKeychainItem.h>
 #include <benchmark/benchmark.h>
 
 // What an item costs, and its operations on a store in memory that holds a number of other entries. That

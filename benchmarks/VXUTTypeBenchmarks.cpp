@@ -1,4 +1,4 @@
-#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/VXUTType.h>
 #include <benchmark/benchmark.h>
 #include <gio/gio.h>
 
