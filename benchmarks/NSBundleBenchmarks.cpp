@@ -2,7 +2,7 @@
 #include <VXFoundation/VXFoundationConstants.h>
 #include <benchmark/benchmark.h>
 
-// What a lookup of a localised string costs, which reads the file of its language each time.
+// The cost of looking up a localised string.
 namespace {
 
 void localisedLookup(benchmark::State& state, const char* key) {
