@@ -3,7 +3,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Fuzz.h"
 
-// Runs a target without a fuzzer, on every file of the folders that are named.
+// Runs a target without a fuzzer, on every file in the folders.
 //
 //   TARGET FOLDER...
 namespace {

@@ -1,13 +1,13 @@
 #include "tests/support/Fuzz.h"
 #include "tests/support/SecFileTests.h"
 
-// The store file as a whole, damaged in any way: each look-up returns what was kept or a status, a store that
+// The store file as a whole, damaged in any way: each lookup returns what was kept or a status, a store that
 // verifies returns all of it, only what was kept is salvaged, a file that cannot be read stays as it is, and
 // a change is refused or loses nothing.
 //
-// An input begins with a byte of flags. Then it is a list of damages to a good file, each the place (two
-// bytes), how many bytes (one) and the bytes that are put there, or combined by XOR with those there; or the
-// file itself.
+// An input begins with a byte of flags. The rest is the file itself, or a list of damages to a good file,
+// each the place (two bytes), the number of bytes (one), and the bytes to put there or to combine by XOR with
+// those there.
 namespace {
 
 enum Flags : unsigned { change = 1, cut = 2, replace = 4, flip = 8 };
@@ -20,7 +20,7 @@ Passwords::Found keptFor(const std::string& account) {
   return found == kept.end() ? std::nullopt : Passwords::Found(found->second);
 }
 
-/// A good file, and where the damaged ones are put.
+/// A good file, and the place for damaged ones.
 struct Original {
   Original() {
     Passwords passwords;
@@ -58,7 +58,7 @@ void read(Passwords& passwords) {
   for (const char* account : {"first", "second", "third", "removed"}) {
     Passwords::Found found;
     const bool looked = passwords.look(account, found) == errSecSuccess;
-    fuzzRequire(!looked || found == keptFor(account), "a look-up returns what was kept, or a status");
+    fuzzRequire(!looked || found == keptFor(account), "a lookup returns what was kept, or a status");
     readable = readable && looked;
   }
   fuzzRequire(readable || passwords.storage->verify() != errSecSuccess, "a store that verifies can be read");

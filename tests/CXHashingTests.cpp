@@ -22,7 +22,7 @@ std::string opensslHMAC(const NSData& data, const NSData& key) {
   return {reinterpret_cast<char*>(digest), length};
 }
 
-TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
+TEST(CXHashingTests, MatchTheVectorsOfTheStandards) {
   for (const auto& row : byteVectors("digests.tsv")) {
     std::string message;
     for (int i = 0; i < std::stoi(row[3]); ++i) message += row[2];
@@ -49,7 +49,7 @@ TEST(CXHashingTests, HMACAgreesWithOpenSSLAtEveryShortLengthOnEveryThread) {
   });
 }
 
-TEST(CXHashingDeathTest, EndTheProcessForAMissingKey) {
+TEST(CXHashingDeathTest, AbortsForANilKey) {
   EXPECT_DEATH(HMAC_SHA1_WithSecretKey(*dataOf("message"), nullptr), "secret key is nil");
 }
 
@@ -83,16 +83,16 @@ TEST(CXHashingDeathTest, WorkUntilTheProcessHasEnded) {
   EXPECT_EXIT(std::thread(digestAndExit).join(), testing::ExitedWithCode(0), expected);
 }
 
-/// MD5 and SHA-1 of whole data count modulo 2^32; HMAC, and digests in pieces, count all.
-TEST(CXHashingTests, CutFourGibibytesForTheWholeDigestsAlone) {
+/// MD5 and SHA-1 of whole data take the length modulo 2^32; HMAC, and digests in pieces, take all of it.
+TEST(CXHashingTests, OnlyWholeDigestsTruncateLengthsOfFourGibibytes) {
 #ifdef __SANITIZE_THREAD__
-  GTEST_SKIP() << "the sanitizer takes five times the memory";
+  GTEST_SKIP() << "the sanitizer needs five times the memory";
 #endif
   constexpr std::size_t fourGibibytes = std::size_t{1} << 32;
   const auto available =
       static_cast<std::size_t>(sysconf(_SC_AVPHYS_PAGES)) * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   if (available < fourGibibytes + (fourGibibytes >> 2)) GTEST_SKIP() << "needs 5 GiB of free memory";
-  // Pages that nobody has written to take no memory, and no time.
+  // Pages that were never written to take no memory and no time.
   const NSRef<NSMutableData> data = NSDynamicCast<NSMutableData>(NSMutableData::dataWithMaximumLength(
       fourGibibytes + 3, [](std::span<std::byte> bytes) { return bytes.size(); }));
   data->setLength(fourGibibytes);

@@ -4,7 +4,7 @@ namespace {
 
 using namespace VXKernels;
 
-TEST(KernelsDispatch, StartsWithTheLastSetAndTakesOnlyTheNamesThatItOffers) {
+TEST(KernelsDispatch, StartsWithTheLastSetAndAcceptsOnlyAvailableNames) {
   EXPECT_STREQ(availableKernels().front()->name, "scalar");
   EXPECT_EQ(&kernels(), availableKernels().back());
   for (const CodecKernels* set : availableKernels()) {

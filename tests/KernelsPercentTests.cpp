@@ -11,7 +11,7 @@ namespace {
 
 using namespace KernelsTests;
 
-/// The rules read one byte at a time, with the C library's help.
+/// The rules, applied byte by byte with functions of the C library.
 std::string encodedByRule(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {
@@ -58,7 +58,7 @@ class KernelsPercent : public ::testing::TestWithParam<Set> {
   }
 };
 
-/// Bytes of which about `any` in a hundred may be any byte, and the others need no escape.
+/// Returns bytes of which about `any` per cent may be any byte; the others need no escape.
 std::string mixture(std::size_t length, unsigned any, unsigned seed) {
   std::mt19937 random(seed);
   std::string bytes;
@@ -67,16 +67,16 @@ std::string mixture(std::size_t length, unsigned any, unsigned seed) {
   return bytes;
 }
 
-TEST_P(KernelsPercent, DecodesEveryPairAfterAPercentSignWhereverItStands) {
+TEST_P(KernelsPercent, DecodesEveryPairAfterAPercentSignNearBlockEnds) {
   for (const unsigned before : {0u, 13u, 14u, 15u, 29u, 30u, 31u, 61u, 62u, 63u, 125u, 126u, 127u})
     for (int pair = 0; pair < 65536; ++pair) {
       std::string text(before, 'x');
       text += {'%', static_cast<char>(pair >> 8), static_cast<char>(pair)};
-      ASSERT_EQ(decode(text), decodedByRule(text)) << before << " before pair " << pair;
+      ASSERT_EQ(decode(text), decodedByRule(text)) << before << " bytes before pair " << pair;
     }
 }
 
-TEST_P(KernelsPercent, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
+TEST_P(KernelsPercent, RoundTripsAtEveryLengthAndAlignmentWithinBounds) {
   for (const unsigned any : {0u, 3u, 50u, 100u})
     for (std::size_t length = 0; length <= threeWidths; ++length) {
       const std::string bytes = mixture(length, any, static_cast<unsigned>(length));
@@ -88,7 +88,7 @@ TEST_P(KernelsPercent, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
     }
 }
 
-TEST_P(KernelsPercent, RefusesAFaultAtEveryPosition) {
+TEST_P(KernelsPercent, RejectsInvalidInputAtEveryPosition) {
   for (std::size_t length = 1; length <= threeWidths; ++length) {
     std::string text = encodedByRule(mixture(length, 40, static_cast<unsigned>(length)));
     for (std::size_t at = 0; at < text.size(); ++at)

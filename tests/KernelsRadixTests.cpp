@@ -14,7 +14,7 @@ class KernelsRadix : public ::testing::TestWithParam<std::tuple<Set, Notation>> 
   const Notation notation = std::get<1>(GetParam());
 };
 
-TEST_P(KernelsRadix, GoesBothWaysWithLongInputs) {
+TEST_P(KernelsRadix, RoundTripsLongInputs) {
   for (const unsigned length : {4093u, 65'536u, 100'001u}) {
     const auto bytes = randomBytes(length, 1);
     const std::string text = notation.encoded(kernels, bytes);
@@ -23,7 +23,7 @@ TEST_P(KernelsRadix, GoesBothWaysWithLongInputs) {
   }
 }
 
-TEST_P(KernelsRadix, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
+TEST_P(KernelsRadix, RoundTripsAtEveryLengthAndAlignmentWithinBounds) {
   const GuardedBuffer<std::byte> source(1024), result(1024);
   const GuardedBuffer<char> text(1024);
   const auto bytes = randomBytes(threeWidths, 2);
@@ -37,7 +37,7 @@ TEST_P(KernelsRadix, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
       (kernels.*notation.kernel).encode(from.data(), length, written.data());
       ASSERT_EQ(std::string_view(written.data(), written.size()), expected)
           << length << " bytes, gap " << gap;
-      ASSERT_TRUE(text.isFilledBeside(written, '?')) << length << " bytes, gap " << gap;
+      ASSERT_TRUE(text.isFilledAround(written, '?')) << length << " bytes, gap " << gap;
 
       result.fill(std::byte{0xA5});
       const auto digits = text.last(notation.digits(length), gap);
@@ -45,14 +45,14 @@ TEST_P(KernelsRadix, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
       const auto back = result.last(length, gap);
       ASSERT_TRUE((kernels.*notation.kernel).decode(digits.data(), digits.size(), back.data()));
       ASSERT_EQ(asText(back), asText(from)) << length << " bytes, gap " << gap;
-      ASSERT_TRUE(result.isFilledBeside(back, std::byte{0xA5})) << length << " bytes, gap " << gap;
+      ASSERT_TRUE(result.isFilledAround(back, std::byte{0xA5})) << length << " bytes, gap " << gap;
     }
   }
 }
 
-/// Every character at every position of one length and at the end of all, which drops the bits that fill no
-/// byte; elsewhere one in a hundred.
-TEST_P(KernelsRadix, DecodesTheDigitsAndNoOtherCharacterAtEveryPosition) {
+/// Every character at every position of one length, and at the end of all lengths, where bits that fill no
+/// byte are dropped; one character in a hundred elsewhere.
+TEST_P(KernelsRadix, DecodesDigitsAndRejectsOtherCharactersAtEveryPosition) {
   for (std::size_t bytes = 1; bytes <= threeWidths; ++bytes) {
     std::string text = notation.encoded(kernels, randomBytes(bytes, static_cast<unsigned>(bytes)));
     text.resize(notation.digits(bytes));

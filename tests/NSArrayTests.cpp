@@ -45,7 +45,7 @@ TEST(NSArray, FollowsAVectorThroughRandomChanges) {
   EXPECT_EQ(raised([&] { array->objectAtIndex(model.size()); }), "NSRangeException");
 }
 
-TEST(NSArray, EqualityAsksTheElementInTheCollection) {
+TEST(NSArray, SearchesSendIsEqualToTheElement) {
   struct Anything : NSObject::Subclass<Anything> {
     bool isEqual(const NSRefPtr<NSObject>&) const override { return true; }
   };

@@ -2,7 +2,7 @@
 
 #include "tests/support/Bytes.h"
 
-TEST(NSData, BytesThatAreAddedAreZero) {
+TEST(NSData, AddedBytesAreZero) {
   const auto data = NSMutableData::dataWithBytes("abc", 3);
   data->setLength(1);
   data->setLength(3);

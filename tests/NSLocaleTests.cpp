@@ -4,7 +4,7 @@
 
 #include "tests/support/Vectors.h"
 
-TEST(NSLocale, LanguagesComeInTheOrderOfGettext) {
+TEST(NSLocale, LanguagesFollowTheOrderOfGettext) {
   for (const auto& row : vectors("languages.tsv")) {
     const auto variable = [&](std::string_view name) {
       const std::vector<std::string_view> columns = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};

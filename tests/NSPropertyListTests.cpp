@@ -12,7 +12,7 @@ NSRefPtr<NSObject> propertyList(std::string_view body) {
 
 }  // namespace
 
-TEST(NSPropertyList, AreTheValuesOfTheTableNoTwoOfWhichAreEqual) {
+TEST(NSPropertyList, ValuesMatchTheTableAndNoTwoAreEqual) {
   const auto rows = byteVectors("property-lists.tsv");
   for (const auto& row : rows)
     for (const auto& other : rows) {
@@ -23,7 +23,7 @@ TEST(NSPropertyList, AreTheValuesOfTheTableNoTwoOfWhichAreEqual) {
     }
 }
 
-TEST(NSPropertyList, WhatIsNoneIsAbsent) {
+TEST(NSPropertyList, MalformedListsAreNil) {
   for (const auto& row : vectors("not-property-lists.tsv")) EXPECT_FALSE(propertyList(row[0])) << row[0];
   std::string deep;
   for (int i = 0; i < 200; ++i) deep = "<array>" + deep + "</array>";

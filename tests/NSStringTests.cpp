@@ -18,8 +18,8 @@ using namespace std::string_literals;
 
 namespace {
 
-// What the fuzz target promises of any bytes: conversions as the C library has them, both ways and back.
-void expectPromisesKept(const std::string& bytes) {
+// Expects what the fuzz target promises for any bytes: conversions as in the C library, in both directions.
+void expectPromises(const std::string& bytes) {
   EXPECT_NO_THROW(fuzzWith(bytes)) << testing::PrintToString(bytes);
 }
 
@@ -27,25 +27,25 @@ const std::u16string loneSurrogate = u"a\xD800";
 
 }  // namespace
 
-TEST(NSString, EveryTwoBytesKeepThePromises) {
+TEST(NSString, PromisesHoldForEveryTwoBytes) {
   for (int first = 0; first < 256; ++first)
     for (int second = 0; second < 256; ++second)
-      expectPromisesKept({static_cast<char>(first), static_cast<char>(second)});
+      expectPromises({static_cast<char>(first), static_cast<char>(second)});
 }
 
-TEST(NSString, RandomBytesKeepThePromises) {
+TEST(NSString, PromisesHoldForRandomBytes) {
   std::mt19937 random(20);
-  // Bytes at the edges of what is well formed, so that long sequences are met, whole and broken.
+  // Bytes at the limits of well-formed UTF-8, so that long sequences occur, complete and broken.
   const std::string edges = "\x00\x41\x7F\x80\x8F\x90\x9F\xA0\xBF\xC1\xC2\xDF\xE0\xED\xEF\xF0\xF2\xF4\xF5"s;
   for (int round = 0; round < 200'000; ++round) {
     std::string bytes(3 + random() % 4, '\0');
     for (char& byte : bytes) byte = edges[random() % edges.size()];
-    expectPromisesKept(bytes);
+    expectPromises(bytes);
   }
 }
 
-TEST(NSString, StorageIsNarrowExactlyForASCIIAndNeverShows) {
-  for (const auto& row : byteVectors("texts.tsv")) {
+TEST(NSString, StorageIsNarrowOnlyForASCIIAndIsNotObservable) {
+  for (const auto& row : byteVectors("strings.tsv")) {
     const auto fixed = text(row[0]);
     const auto grown = NSMutableString::string();
     for (std::size_t i = 0; i < fixed->length(); ++i)
@@ -67,7 +67,7 @@ TEST(NSString, StorageIsNarrowExactlyForASCIIAndNeverShows) {
   EXPECT_TRUE(text("x\xC3\xA9,y")->componentsSeparatedByString(",")->lastObject()->isEqual(text("y")));
 }
 
-TEST(NSString, WhatCannotBeToldIsAbsentAndNothingIsRepaired) {
+TEST(NSString, WhatCannotBeEncodedIsNilAndNothingIsRepaired) {
   const auto lone = NSString::stringWithCharacters(loneSurrogate);
   EXPECT_FALSE(lone->dataUsingEncoding(NSUTF8StringEncoding));
   EXPECT_EQ(raised([&] { static_cast<void>(static_cast<std::string>(*lone)); }),
@@ -78,7 +78,7 @@ TEST(NSString, WhatCannotBeToldIsAbsentAndNothingIsRepaired) {
   EXPECT_EQ(bytesOf(NSString::stringWithData(nullptr, NSUTF8StringEncoding)), "");
 }
 
-TEST(NSString, FormatsFillInAndRefuse) {
+TEST(NSString, FormatsAreFilledInOrRejected) {
   const NSRefPtr<NSString> nil;
   const auto filled = NSString::stringWithFormat("%@-%d-%lu-%%-%@", text("\xC3\xA9"), -2147483648,
                                                  18446744073709551615U, nil);
@@ -117,7 +117,7 @@ TEST(NSString, StreamsAndLogsAsOneLine) {
   EXPECT_EQ(lines, std::vector<std::string>{"two\\nlines\\r-1"});
 }
 
-TEST(NSString, OfASecretPassesTheMarkOn) {
+TEST(NSString, TheMarkOfASecretIsPassedOn) {
   const auto secret = NSData::dataWithBytes(std::as_bytes(std::span("p\xC3\xA4ss", 5)), true);
   const NSRefPtr<NSString> password = NSString::stringWithData(secret, NSUTF8StringEncoding);
   EXPECT_TRUE(password->holdsSecret());
@@ -136,7 +136,7 @@ TEST(NSString, OfASecretPassesTheMarkOn) {
   EXPECT_FALSE(text("plain")->dataUsingEncoding(NSUTF8StringEncoding)->holdsSecret());
 }
 
-TEST(NSString, TextOfRunTimeIsCheckedWhereItIsUsed) {
+TEST(NSString, RunTimeStringsAreCheckedWhereTheyAreUsed) {
   const std::string name = "J\xC3\xBCrgen", bad = "\xC3(";
   char array[] = "array";
   const char* none = nullptr;
@@ -158,11 +158,11 @@ TEST(NSString, TextOfRunTimeIsCheckedWhereItIsUsed) {
             "setLabel: a string is malformed UTF-8");
 }
 
-TEST(NSString, ValuesCompareAndHandlesAreIdentity) {
+TEST(NSString, StringsCompareByValueAndHandlesByIdentity) {
   const NSRef<NSString> a = text("a"), same = text("a"), wide = text("\xC3\xA4"),
                         far = text("\xF0\x9F\x94\x91");
   EXPECT_TRUE(*a == *same && a != same && *a != *wide && a == a);
-  EXPECT_TRUE(*a<*wide&& * wide> * a && *NSString::string() < *a && *text("ab") > *a);
+  EXPECT_TRUE((*a < *wide) && (*wide > *a) && (*NSString::string() < *a) && (*text("ab") > *a));
   EXPECT_TRUE(*text("\xEF\xBF\xBD") > *far) << "by code units, not by code points";
   EXPECT_EQ(std::hash<NSString>()(*a), std::hash<NSString>()(*a->mutableCopy()));
   std::unordered_map<NSRef<NSString>, int, NSValueHash, NSValueEqual> counts;

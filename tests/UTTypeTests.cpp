@@ -18,7 +18,7 @@ std::string declaration(const std::string& type, const std::string& other) {
          "</string><key>UTTypeConformsTo</key><array><string>" + other + "</string></array></dict>";
 }
 
-// The code of the error with which an information file with this is refused; 0 when it is not.
+// Returns the code of the error with which an information file with these types is refused, or 0.
 std::int64_t declare(const std::string& exported) {
   const TemporaryFolder folder;
   const std::string path = folder.root / "Info.plist";
@@ -42,7 +42,7 @@ std::int64_t declareChain(const std::string& prefix, int length) {
 
 }  // namespace
 
-TEST(UTType, HostsDeclareTypesOfTheirOwn) {
+TEST(UTType, HostsDeclareTheirOwnTypes) {
   for (const auto& row : vectors("host-declarations.tsv")) {
     const bool asks = row.at(0) == "?";
     EXPECT_EQ(asks ? conforms(row.at(1), row.at(2)) : declare(row.at(1), row.at(2)), std::stoi(row.at(3)))
@@ -62,7 +62,7 @@ TEST(UTType, RefusedDeclarationsChangeNothing) {
   }
 }
 
-TEST(UTType, QueriesRunBesideDeclarations) {
+TEST(UTType, QueriesRunConcurrentlyWithDeclarations) {
   std::atomic<bool> done = false;
   std::thread asking([&] {
     while (!done) EXPECT_TRUE(conforms("public.png", "public.item"));

@@ -13,7 +13,7 @@ namespace {
 
 using Mapping = NSRef<NSObject>(const NSRef<NSObject>&, std::size_t, bool*);
 
-std::string joined(const NSArray& list) { return *bytesOf(list.componentsJoinedByString("|")); }
+std::string joined(const NSArray& array) { return *bytesOf(array.componentsJoinedByString("|")); }
 
 NSRef<NSArray> split(const NSRef<NSObject>& cell) {
   const auto text = NSRef(NSDynamicCast<NSString>(cell));
@@ -28,7 +28,7 @@ NSRef<NSObject> numbered(const NSRef<NSObject>& element, std::size_t index, bool
 
 }  // namespace
 
-TEST(VXAdditions, CombinationsAreThoseOfTheTable) {
+TEST(VXAdditions, CombinationsMatchTheTable) {
   for (const auto& row : byteVectors("combinations.tsv")) {
     const auto arrays = NSMutableArray::array();
     const NSRef<NSArray> cells = text(row[0])->componentsSeparatedByString("/");
@@ -40,11 +40,11 @@ TEST(VXAdditions, CombinationsAreThoseOfTheTable) {
   EXPECT_TRUE(vxfoundation_combinationsJoined(NSArray::array())->isEqual(NSArray::arrayWithObject("")));
 }
 
-TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
+TEST(VXAdditions, CombinationsRejectAnythingButArraysOfStrings) {
   const auto one = number(1);
   const auto numbers = NSArray::arrayWithObject(one);
-  const auto combine = [](std::initializer_list<NSObjectArg> lists) {
-    return raised([&] { vxfoundation_combinationsJoined(NSArray::arrayWithObjects(lists)); });
+  const auto combine = [](std::initializer_list<NSObjectArg> arrays) {
+    return raised([&] { vxfoundation_combinationsJoined(NSArray::arrayWithObjects(arrays)); });
   };
   EXPECT_EQ(combine({numbers}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({one}), "NSInvalidArgumentException");
@@ -53,7 +53,7 @@ TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
   EXPECT_EQ(combine({number, NSArray::array()}), "NSInvalidArgumentException");
 }
 
-TEST(VXAdditions, MapEndsWithTheElementThatSetsTheStopFlag) {
+TEST(VXAdditions, MapStopsAfterTheElementThatSetsTheFlag) {
   for (std::size_t last = 0; last < 5; ++last) {
     const auto mapped =
         vxfoundation_map(*letters, [&](const NSRef<NSObject>& element, auto index, bool* stop) {
@@ -64,7 +64,7 @@ TEST(VXAdditions, MapEndsWithTheElementThatSetsTheStopFlag) {
   }
 }
 
-TEST(VXAdditions, MapTakesAnythingCallable) {
+TEST(VXAdditions, MapAcceptsAnyCallable) {
   const auto map = [](auto&& each) { return joined(*vxfoundation_map(*letters, each)); };
   auto counting = [count = std::make_unique<int>(0)](const auto& element, auto...) {
     return NSString::stringWithFormat("%@%d", element, (*count)++);
@@ -78,13 +78,13 @@ TEST(VXAdditions, MapTakesAnythingCallable) {
   EXPECT_EQ(map([](const NSRef<NSObject>& element, auto...) { return element; }), "a|b|c");
 }
 
-TEST(VXAdditions, MapAssertsItsCallableAndWhatThatMakes) {
+TEST(VXAdditions, MapAssertsItsCallableAndItsResults) {
   const std::string site = "NSArray vxfoundation_map: NSArray+VXAdditions:";
   const auto check = [&](auto&& each, const char* failure, std::size_t fromEmpty) {
-    const auto map = [&](const NSArray& list) { return raised([&] { vxfoundation_map(list, each); }); };
+    const auto map = [&](const NSArray& array) { return raised([&] { vxfoundation_map(array, each); }); };
     EXPECT_EQ(map(*letters), "NSInternalInconsistencyException");
     RecordedAssertions assertions;
-    EXPECT_EQ(map(*letters), "NSInvalidArgumentException") << "nil is called, or put into the list";
+    EXPECT_EQ(map(*letters), "NSInvalidArgumentException") << "nil is called, or put into the array";
     EXPECT_EQ(assertions.take(), std::vector{site + failure});
     EXPECT_EQ(map(*NSArray::array()), "nothing");
     EXPECT_EQ(assertions.take().size(), fromEmpty);
@@ -99,19 +99,19 @@ TEST(VXAdditions, MapAssertsItsCallableAndWhatThatMakes) {
 }
 
 TEST(VXAdditions, MapRaisesWhenTheReceiverChanges) {
-  const auto list = letters->mutableCopy();
-  const auto grow = [&](const NSRef<NSObject>& element, auto...) { return list->addObject("d"), element; };
-  EXPECT_EQ(raised([&] { vxfoundation_map(*list, grow); }), "NSGenericException");
+  const auto array = letters->mutableCopy();
+  const auto grow = [&](const NSRef<NSObject>& element, auto...) { return array->addObject("d"), element; };
+  EXPECT_EQ(raised([&] { vxfoundation_map(*array, grow); }), "NSGenericException");
 }
 
-TEST(VXAdditions, RemovalTakesAllThatEqualAndLeavesTheReceiver) {
-  const auto list = NSArray::arrayWithObjects({"a", "b", "a", "c"});
+TEST(VXAdditions, RemovalOmitsEqualElementsAndLeavesTheReceiverAlone) {
+  const auto array = NSArray::arrayWithObjects({"a", "b", "a", "c"});
   const auto without = [&](const NSRefPtr<NSArray>& objects) {
-    return joined(*vxfoundation_arrayByRemovingObjectsInArray(*list, objects));
+    return joined(*vxfoundation_arrayByRemovingObjectsInArray(*array, objects));
   };
   EXPECT_EQ(without(NSArray::arrayWithObjects({"a"})), "b|c");
   EXPECT_EQ(without(NSArray::arrayWithObjects({"c", "x", "b", "c"})), "a|a");
-  EXPECT_EQ(without(list), "");
+  EXPECT_EQ(without(array), "");
   EXPECT_EQ(without(NSArray::array()), "a|b|a|c");
   EXPECT_EQ(without(nullptr), "a|b|a|c");
 }

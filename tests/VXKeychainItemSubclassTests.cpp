@@ -6,16 +6,16 @@
 
 namespace {
 
-/// A host's kind of item that sees every step and adds to each.
+/// A host's class of items that records every step and adds to it.
 class MailItem : public VXGenericKeychainItem::Subclass<MailItem> {
  public:
   using VXGenericKeychainItem::initWithUsername;
   bool initWithUsername(NSStringArg username, NSStringArg password, NSStringArg label) override {
     return username && VXGenericKeychainItem::initWithUsername(username, password, label);
   }
-  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& map) const override {
-    validated.push_back(shown(map));
-    return !refusing && VXGenericKeychainItem::dictHasVaildKeychainData(map);
+  bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const override {
+    validated.push_back(shown(dictionary));
+    return !refusing && VXGenericKeychainItem::dictHasVaildKeychainData(dictionary);
   }
   NSRef<NSMutableDictionary> _createAttributesDictionary() const override {
     const auto attributes = VXGenericKeychainItem::_createAttributesDictionary();
@@ -63,10 +63,10 @@ std::string nameOf(const Made& made) {
 
 using VXKeychainItemSubclassTest = KeychainTest;
 
-TEST_F(VXKeychainItemSubclassTest, FactoriesAndFindersMakeTheClassThatTheyShould) {
+TEST_F(VXKeychainItemSubclassTest, FactoriesAndFindersMakeTheRightClass) {
   EXPECT_EQ(nameOf(MailItem::keychainItemWithUsername("ann", "s", nullptr, "m")), "MailItem");
   EXPECT_EQ(nameOf(SharedMailItem::keychainItemWithUsername("ann", "s", nullptr, "m")), "SharedMailItem");
-  EXPECT_FALSE(MailItem::keychainItemWithUsername(nullptr, "s", nullptr, "m")) << "the initialiser said no";
+  EXPECT_FALSE(MailItem::keychainItemWithUsername(nullptr, "s", nullptr, "m")) << "the initialiser refused";
   EXPECT_FALSE(SharedMailItem::keychainItemWithUsername(nullptr, "s", nullptr, "m"));
 
   const std::string query = "class=generic password account=ann service=mail.example";
@@ -91,7 +91,7 @@ TEST_F(VXKeychainItemSubclassTest, FactoriesAndFindersMakeTheClassThatTheyShould
             "class=internet password account=ann server=host port=1 path=/site protocol=http");
 }
 
-TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations) {
+TEST_F(VXKeychainItemSubclassTest, EveryStepCallsTheOverridableOperations) {
   const auto item = MailItem::keychainItemWithUsername("ann", "secret", "Mail", "mail.example");
   const std::string attributes =
       "account=ann valueData=secret label=Mail account class=generic password service=mail.example";
@@ -103,7 +103,7 @@ TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations)
 
   item->populated = nullptr;
   ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(false));
-  EXPECT_EQ(item->validated.size(), 1u) << "without data nothing is validated";
+  EXPECT_EQ(item->validated.size(), 1u) << "nothing is validated without data";
   EXPECT_TRUE(item->populated && item->populated.get() == item->keychainItemResponse().get());
   ASSERT_TRUE(item->refreshItemFromKeychainIncludePassword(true));
   EXPECT_EQ(item->validated.size(), 2u);
@@ -123,7 +123,7 @@ TEST_F(VXKeychainItemSubclassTest, EveryStepGoesThroughTheOverridableOperations)
   EXPECT_TRUE(item->deleteItemFromKeychain());
 }
 
-TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereThatReturns) {
+TEST_F(VXKeychainItemSubclassTest, EveryAssertionReportsToTheHandlerAndContinuesIfThatReturns) {
   const auto empty = MailItem::alloc();
   const auto added = MailItem::keychainItemWithUsername("ann", "secret", nullptr, "m");
   ASSERT_TRUE(added->addItemToKeychain());
@@ -148,7 +148,7 @@ TEST_F(VXKeychainItemSubclassTest, EverySiteReportsToTheHandlerAndGoesOnWhereTha
   EXPECT_EQ(failures, vectors("keychain-assertions.tsv"));
 }
 
-TEST_F(VXKeychainItemSubclassTest, ThreadsWithItemsOfTheirOwnShareOneStore) {
+TEST_F(VXKeychainItemSubclassTest, ThreadsWithSeparateItemsShareOneStore) {
   onThreads(8, [](std::size_t thread) {
     RecordedAssertions assertions;
     const auto name = text("user" + std::to_string(thread));

@@ -15,42 +15,40 @@ namespace {
 
 std::string decoded(std::string_view identifier) {
   const NSRefPtr<NSString> result = VXUTTypeDecodeDynamicIdentifier(*text(identifier));
-  return bytesOf(result).value_or("absent");
+  return bytesOf(result).value_or("nil");
 }
 
-std::string shownMap(std::string_view identifier) {
-  const NSRefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*text(identifier));
-  return map ? *bytesOf(map->description()) : "absent";
+std::string shownPairs(std::string_view identifier) {
+  const NSRefPtr<NSDictionary> dictionary = VXUTTypeDynamicIdentifierMap(*text(identifier));
+  return dictionary ? *bytesOf(dictionary->description()) : "nil";
 }
 
 bool conforms(std::string_view type, std::string_view other) {
   return VXUTTypeConformsTo(text(type), text(other));
 }
 
-// A collection of texts that counts how many were asked for.
-struct Asked : NSFastEnumeration::Subclass<Asked> {
+// A collection that counts how many of its objects were read.
+struct Counting : NSFastEnumeration::Subclass<Counting> {
   std::size_t count() const override { return members.size(); }
-  NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const override {
-    return ++asked, members[index];
-  }
+  NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const override { return ++read, members[index]; }
   std::vector<NSRef<NSObject>> members;
-  mutable std::size_t asked = 0;
+  mutable std::size_t read = 0;
 };
 
 }  // namespace
 
-TEST(VXUTType, DynamicIdentifiersDecodeAsTold) {
+TEST(VXUTType, DynamicIdentifiersDecodeAsTheTablesSay) {
   for (const auto& row : byteVectors("dynamic-identifiers.tsv")) {
     EXPECT_EQ(decoded(row.at(0)), row.at(1)) << row[0];
-    EXPECT_EQ(shownMap(row[0]), row[1] == "absent" ? "absent" : row.at(2)) << row[0];
+    EXPECT_EQ(shownPairs(row[0]), row[1] == "nil" ? "nil" : row.at(2)) << row[0];
   }
   for (const auto& row : vectors("dynamic-texts.tsv"))
-    EXPECT_EQ(shownMap(packed(row.at(0))), row.at(1)) << row[0];
+    EXPECT_EQ(shownPairs(packed(row.at(0))), row.at(1)) << row[0];
   EXPECT_EQ(raised([] { decoded("dyn."); }), "NSRangeException");
 }
 
-// The fuzz target says what must hold for any bodies and pairs.
-TEST(VXUTType, BodiesOfEveryLengthAndPaddingKeepThePromises) {
+// The fuzz target checks what must hold for any bodies and pairs.
+TEST(VXUTType, PromisesHoldForBodiesOfEveryLengthAndPadding) {
   std::mt19937 random(41);
   for (std::size_t length = 0; length <= 24; ++length)
     for (std::size_t padding = 0; padding <= length; ++padding)
@@ -64,7 +62,7 @@ TEST(VXUTType, BodiesOfEveryLengthAndPaddingKeepThePromises) {
       }
 }
 
-TEST(VXUTType, RandomPairsKeepThePromises) {
+TEST(VXUTType, PromisesHoldForRandomPairs) {
   const std::vector<std::string> pieces = {"a=1", "a=2",     "b=", "?a=1", "?b=2",
                                            " =1", "\x7F=12", "a",  "a=1=2"};
   std::mt19937 random(42);
@@ -76,8 +74,8 @@ TEST(VXUTType, RandomPairsKeepThePromises) {
   }
 }
 
-TEST(VXUTType, ConformanceIsAsTold) {
-  // "dyn.a" alone would be no dynamic identifier: an invalid body packs the empty text, too.
+TEST(VXUTType, ConformanceMatchesTheTables) {
+  // "dyn.a" alone would not be a dynamic identifier, but an invalid body also packs the empty string.
   for (const auto& row : vectors("dynamic-conformance.tsv")) {
     const std::string type = row.at(0).empty() ? "dyn.ab" : packed(row[0]);
     const std::string other = row.at(1).empty() ? "dyn.aaaa" : packed(row[1]);
@@ -90,11 +88,11 @@ TEST(VXUTType, ConformanceIsAsTold) {
     EXPECT_FALSE(VXUTTypeConformsTo(nullptr, other) || VXUTTypeConformsTo(other, nullptr));
 }
 
-TEST(VXUTType, ACollectionIsAskedUpToTheFirstYes) {
-  const auto collection = Asked::alloc();
+TEST(VXUTType, CollectionsAreQueriedUpToTheFirstMatch) {
+  const auto collection = Counting::alloc();
   collection->members = {text("public.audio"), text("public.image"), number(1)};
   EXPECT_TRUE(VXUTTypeConformsToAnyInCollection("public.png", collection));
-  EXPECT_EQ(collection->asked, 2U);
+  EXPECT_EQ(collection->read, 2U);
   EXPECT_EQ(raised([&] { VXUTTypeConformsToAnyInCollection("public.text", collection); }),
             "NSInvalidArgumentException");
   EXPECT_FALSE(VXUTTypeConformsToAnyInCollection("public.text", nullptr));
@@ -116,5 +114,5 @@ TEST(VXUTType, DeclaredTypesAreComparedWithoutAllocation) {
             }),
             0U);
   EXPECT_TRUE(yes && !no);
-  EXPECT_GT(allocationsOf([] { text("x"); }), 0U) << "the count counts";
+  EXPECT_GT(allocationsOf([] { text("x"); }), 0U) << "allocations are counted";
 }

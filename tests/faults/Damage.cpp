@@ -1,4 +1,4 @@
-// The store file with one bit flipped, and cut short: fuzz/StoreFileFuzz.cpp says what must hold.
+// The store file with one bit flipped, or truncated; fuzz/StoreFileFuzz.cpp checks what must hold.
 #include "Faults.h"
 #include "tests/support/Fuzz.h"
 

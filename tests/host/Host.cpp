@@ -21,5 +21,5 @@ NSRef<NSObject> Countdown::enumeratedObjectAtIndex(std::size_t index) const {
 }
 
 NSRef<NSObject> hostMakesASquare() { return Square::shapeWithSides(1); }
-NSClass& hostClassOfTexts() { return NSString::classObject(); }
+NSClass& hostClassOfStrings() { return NSString::classObject(); }
 NSRef<NSObject> hostNamesake() { return Namesake::alloc(); }

@@ -1,5 +1,5 @@
-// A host's own classes with names that ours once had, in a source file that includes nothing of ours. Their
-// tables of virtual functions are emitted here.
+// A host's classes with names that ours once had, in a source file that includes none of our headers. Their
+// virtual tables are emitted here.
 #include <string>
 
 #define FOR_EACH_NAME(what)                                                                       \

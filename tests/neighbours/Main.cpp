@@ -3,7 +3,7 @@ bool formerNamesAreTheHosts();
 bool worksAfterOthers();
 bool worksBeforeOthers();
 
-/// Ends with the number of the first check that fails, or 0.
+/// Returns the number of the first check that fails, or 0.
 int main() {
   bool (*const checks[])() = {constantsAreThere, formerNamesAreTheHosts, worksAfterOthers, worksBeforeOthers};
   int number = 0;

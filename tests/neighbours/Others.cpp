@@ -1,13 +1,13 @@
-// The headers and macros of others come before ours or, with OURS_FIRST, after them.
+// Other headers and macros, included before ours or, with OURS_FIRST, after them.
 #ifdef OURS_FIRST
 #include <VXFoundation/VXFoundation.h>
 #endif
-// Theirs:
+// Others:
 #include <X11/Intrinsic.h>
 #include <curses.h>
 #include <gio/gio.h>
 #include <glib.h>
-// The standard library itself must be read without the first two macros.
+// Included before the first two macros, which break the standard library.
 #include <bits/stdc++.h>
 
 // The macros of Windows' headers, of older C libraries and of Qt's keywords.
@@ -28,7 +28,7 @@
 #define WORKS worksAfterOthers
 #endif
 
-// Instantiates templates of every kind, whose bodies the macros of others would reach.
+// Instantiates templates of every kind, whose bodies such macros could change.
 bool WORKS() {
   const auto bytes = NSData::dataWithBytes("Hello", 5);
   const auto text = VXBaseConversion::base64String(*bytes);

@@ -1,10 +1,10 @@
-// Programs that must not compile, one for each number; with 0 all of it compiles.
+// Programs that must not compile, one for each number; with 0 everything compiles.
 #include <VXFoundation/VXFoundation.h>
 
 class Shape : public NSObject::Subclass<Shape> {};
 class Skipped : public Shape {};
 
-// Without the layer in between, their class operations would quietly make objects of the base class.
+// Without the layer, their class operations would silently make objects of the base class.
 #define DERIVED(number, Name, Base) \
   class Name : public std::conditional_t<REFUSED == number, Base, Base::Subclass<Name>> {};
 DERIVED(7, MailItem, VXGenericKeychainItem)

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-/// Returns a string of well-formed UTF-8 that is known only at run time.
+/// Returns the string of well-formed UTF-8 that is known only at run time.
 inline NSRef<NSString> text(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
 
 inline NSRef<NSNumber> number(std::int64_t value) { return NSNumber::numberWithInteger(value); }
