@@ -4,6 +4,7 @@
 #include <Foundation/NSPropertyList.h>
 
 #include "tests/support/Bytes.h"
+#include "tests/support/Command.h"
 #include "tests/support/Files.h"
 #include "tests/support/Support.h"
 #include "tests/support/Vectors.h"

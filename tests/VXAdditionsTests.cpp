@@ -49,8 +49,8 @@ TEST(VXAdditions, CombinationsRejectAnythingButArraysOfStrings) {
   EXPECT_EQ(combine({numbers}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({one}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({numbers, NSArray::array()}), "nothing") << "no combination, so nothing is appended";
-  EXPECT_EQ(combine({NSArray::array(), number}), "nothing") << "nothing after an empty array is looked at";
-  EXPECT_EQ(combine({number, NSArray::array()}), "NSInvalidArgumentException");
+  EXPECT_EQ(combine({NSArray::array(), one}), "nothing") << "nothing after an empty array is examined";
+  EXPECT_EQ(combine({one, NSArray::array()}), "NSInvalidArgumentException");
 }
 
 TEST(VXAdditions, MapStopsAfterTheElementThatSetsTheFlag) {

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include <VXFoundation/NSData+VXBaseConversion.h>
+#include <VXFoundation/VXDecoder.h>
+#include <VXFoundation/VXEncoder.h>
 
 #include "VXFoundation/kernels/CodecKernels.h"
 #include "tests/support/Bytes.h"
