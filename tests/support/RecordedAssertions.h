@@ -21,8 +21,8 @@ class RecordedAssertions {
                                std::span<const NSFormatArg> arguments) override {
       const auto* receiver = NSDynamicCast<NSClass>(&object);
       const auto report = NSString::stringWithFormat("%@%@ %@ %@:%lu %@", text(receiver ? "+" : ""),
-                                                   NSStringFromClass(receiver ? *receiver : object.isa()),
-                                                   selector, file, line, NSFormat(description, arguments));
+                                                     NSStringFromClass(receiver ? *receiver : object.isa()),
+                                                     selector, file, line, NSFormat(description, arguments));
       failures.push_back(static_cast<std::string>(*report));
     }
     std::vector<std::string> failures;
