@@ -1,8 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "tests/support/Bytes.h"
+#include "tests/support/Support.h"
 
-TEST(NSData, AddedBytesAreZero) {
+TEST(NSData, BytesThatAreAddedAreZero) {
   const auto data = NSMutableData::dataWithBytes("abc", 3);
   data->setLength(1);
   data->setLength(3);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "tests/support/Vectors.h"
+#include "tests/support/Support.h"
 
-TEST(NSLocale, LanguagesFollowTheOrderOfGettext) {
+TEST(NSLocale, LanguagesComeInTheOrderOfGettext) {
   for (const auto& row : vectors("languages.tsv")) {
     const auto variable = [&](std::string_view name) {
       const std::vector<std::string_view> columns = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};

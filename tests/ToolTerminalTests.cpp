@@ -1,4 +1,4 @@
-// The tool as a person at a terminal uses it; scripts/ToolTerminal.txt has the dialogues and their format.
+// The tool as a person at a terminal meets it: scripts/ToolTerminal.txt, which says how it is written.
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
@@ -10,11 +10,10 @@
 
 #include "tests/support/Files.h"
 #include "tests/support/Script.h"
-#include "tests/support/Vectors.h"
 
 namespace {
 
-/// One run of a command on a terminal.
+/// One run of a command on a terminal of its own.
 class TerminalRun {
  public:
   explicit TerminalRun(const std::string& command) {
@@ -27,7 +26,7 @@ class TerminalRun {
   TerminalRun& operator=(const TerminalRun&) = delete;
   ~TerminalRun() { hangUp(); }
 
-  /// Waits until the terminal shows `text` after what the last call waited for.
+  /// Waits until the terminal shows `text`, after what was waited for before.
   void expect(const std::string& text) {
     while (shown_.find(text, waited_) == std::string::npos)
       if (!read()) FAIL() << "no '" << text << "' in: " << shown_;
@@ -45,7 +44,7 @@ class TerminalRun {
 
   void hangUp() { close(std::exchange(terminal_, -1)); }
 
-  /// Waits for the end; returns the exit status, or the negative number of the signal.
+  /// The exit status, or minus the signal.
   int end() {
     while (isThere() && read()) continue;
     int status = 0;
@@ -78,8 +77,8 @@ class TerminalRun {
   std::size_t waited_ = 0;
 };
 
-/// Acts at a prompt: types keys, where "<N>" stands for N letters; "!NAME" sends a signal, "!hang up" closes
-/// the terminal.
+/// What is done at a prompt: keys are typed, "<N>" is that many letters, "!NAME" a signal that is sent,
+/// "!hang up" takes the terminal away.
 void act(TerminalRun& run, const std::string& keys) {
   if (keys == "!hang up") return run.hangUp();
   if (keys.starts_with('!')) return run.send(keys.substr(1));
@@ -88,9 +87,9 @@ void act(TerminalRun& run, const std::string& keys) {
   run.type(std::string(std::stoul(count), 'x') + unescaped(rest));
 }
 
-void expectStep(const std::string& step, const std::string& expected) {
+void expectStep(const std::string& step, const std::string& answer) {
   auto [command, dialogue] = cut(step, " ? ");
-  const auto [status, ending] = cut(expected, " | ");
+  const auto [status, ending] = cut(answer, " | ");
   std::vector<std::string> secrets;
   TerminalRun run(command);
   while (!dialogue.empty()) {
@@ -115,7 +114,7 @@ void expectStep(const std::string& step, const std::string& expected) {
 
 }  // namespace
 
-TEST(ToolTerminal, FollowsTheScript) {
+TEST(ToolTerminal, SaysWhatTheScriptSays) {
   std::optional<TemporaryFolder> folder;
   const auto begin = [&] {
     folder.emplace();

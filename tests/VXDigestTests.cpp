@@ -2,7 +2,6 @@
 
 #include "tests/support/Digests.h"
 #include "tests/support/Support.h"
-#include "tests/support/Vectors.h"
 
 namespace {
 

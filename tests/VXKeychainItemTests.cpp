@@ -1,7 +1,3 @@
-#include <Foundation/NSMutableString.h>
-#include <VXFoundation/VXFoundationConstants.h>
-#include <VXFoundation/VXKeychainItem.h>
-
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -12,71 +8,79 @@
 
 namespace {
 
-/// The fields of an item that a script writes as a dictionary.
+/// The fields of an item that a script writes as a map.
 class Fields {
  public:
-  explicit Fields(const std::string& written) : dictionary_(writtenMap(written)) {}
+  explicit Fields(const std::string& written) : map_(writtenMap(written)) {}
 
   NSRef<VXPasswordKeychainItem> item() const {
     const NSRef<VXPasswordKeychainItem> made = itemWithPassword();
-    if (!made->data()) made->setData(secret_);
+    if (!made->data()) made->setData(value<NSData>(kSecValueData));
     return made;
   }
 
   NSRefPtr<NSArray> all(bool includePassword, NSRefPtr<NSError>* error) const {
     if (isGeneric())
-      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account_, service_, includePassword,
+      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account(), service(), includePassword,
                                                                     error);
-    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account_, server_, path_, port_, protocol_,
-                                                                   includePassword, error);
+    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account(), server(), path(), port(),
+                                                                   protocol(), includePassword, error);
   }
 
-  /// Sets the fields that the dictionary has.
+  /// Sets the fields that are written.
   void change(VXPasswordKeychainItem& item) const {
-    if (account_) item.setUsername(account_);
-    if (label_) item.setLabel(label_);
-    if (secret_) item.setData(secret_);
+    if (account()) item.setUsername(account());
+    if (label()) item.setLabel(label());
+    if (value<NSData>(kSecValueData)) item.setData(value<NSData>(kSecValueData));
     auto* internet = dynamic_cast<VXInternetKeychainItem*>(&item);
-    if (internet && path_) internet->setPath(path_);
-    if (internet && port_) internet->setPort(port_);
-    if (internet && protocol_) internet->setProtocol(protocol_);
+    if (internet && path()) internet->setPath(path());
+    if (internet && port()) internet->setPort(port());
+    if (internet && protocol()) internet->setProtocol(protocol());
   }
 
   NSRef<VXPasswordKeychainItem> finder() const {
-    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account_, service_);
-    return VXInternetKeychainItem::findKeychainItemForUsername(account_, server_, path_, port_, protocol_);
+    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
+    return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
+                                                               protocol());
   }
 
  private:
   NSRef<VXPasswordKeychainItem> itemWithPassword() const {
-    const auto password = secret_ ? NSString::stringWithData(secret_, NSUTF8StringEncoding) : nullptr;
     if (isGeneric())
-      return VXGenericKeychainItem::keychainItemWithUsername(account_, password, label_, service_);
-    if (dictionary_->objectForKey(kSecClass))
-      return VXInternetKeychainItem::keychainItemWithUsername(account_, password, label_, server_, path_,
-                                                              port_, protocol_);
+      return VXGenericKeychainItem::keychainItemWithUsername(account(), password(), label(), service());
+    if (text(kSecClass))
+      return VXInternetKeychainItem::keychainItemWithUsername(account(), password(), label(), server(),
+                                                              path(), port(), protocol());
     const auto common = VXPasswordKeychainItem::alloc();
-    common->initWithUsername(account_, password, label_);
+    common->initWithUsername(account(), password(), label());
     return common;
   }
 
-  template <class Kind = NSString>
+  template <class Kind>
   NSRefPtr<Kind> value(const NSRef<NSString>& key) const {
-    return NSDynamicCast<Kind>(dictionary_->objectForKey(key));
+    return NSDynamicCast<Kind>(map_->objectForKey(key));
   }
-  std::int64_t integer(const NSRef<NSString>& key) const {
+  NSRefPtr<NSString> text(const NSRef<NSString>& key) const { return value<NSString>(key); }
+  std::int64_t number(const NSRef<NSString>& key) const {
     const auto written = value<NSNumber>(key);
     return written ? written->integerValue() : 0;
   }
-  bool isGeneric() const { return kSecClassGenericPassword->isEqual(value(kSecClass)); }
+  bool isGeneric() const { return kSecClassGenericPassword->isEqual(text(kSecClass)); }
+  NSRefPtr<NSString> account() const { return text(kSecAttrAccount); }
+  NSRefPtr<NSString> label() const { return text(kSecAttrLabel); }
+  NSRefPtr<NSString> service() const { return text(kSecAttrService); }
+  NSRefPtr<NSString> server() const { return text(kSecAttrServer); }
+  NSRefPtr<NSString> path() const { return text(kSecAttrPath); }
+  std::int64_t port() const { return number(kSecAttrPort); }
+  VXInternetKeychainItemProtocol protocol() const {
+    return VXInternetKeychainItemProtocol(number(kSecAttrProtocol));
+  }
+  NSRefPtr<NSString> password() const {
+    const auto secret = value<NSData>(kSecValueData);
+    return secret ? NSString::stringWithData(secret, NSUTF8StringEncoding) : nullptr;
+  }
 
-  const NSRefPtr<NSDictionary> dictionary_;
-  const NSRefPtr<NSString> account_ = value(kSecAttrAccount), label_ = value(kSecAttrLabel),
-                           service_ = value(kSecAttrService), server_ = value(kSecAttrServer),
-                           path_ = value(kSecAttrPath);
-  const std::int64_t port_ = integer(kSecAttrPort);
-  const VXInternetKeychainItemProtocol protocol_ = VXInternetKeychainItemProtocol(integer(kSecAttrProtocol));
-  const NSRefPtr<NSData> secret_ = value<NSData>(kSecValueData);
+  NSRefPtr<NSDictionary> map_;
 };
 
 void share(VXKeychainItem& item, const VXKeychainItem& other) {
@@ -84,7 +88,7 @@ void share(VXKeychainItem& item, const VXKeychainItem& other) {
   item.setKeychainItemResponse(other.keychainItemResponse());
 }
 
-/// Returns an item with a request and a response, without querying a store.
+/// An item that has both maps, without a store having been asked.
 NSRef<VXPasswordKeychainItem> boundItem(const std::string& fields) {
   const auto item = Fields(fields).item();
   item->setKeychainItemRequest(NSDictionary::dictionaryWithObject(kSecClassGenericPassword, kSecClass));
@@ -109,7 +113,7 @@ bool perform(const std::string& operation, VXKeychainItem& item, NSRefPtr<NSErro
   throw std::invalid_argument("no operation " + operation);
 }
 
-/// Performs the operation; returns whether it succeeded, and the code of the error that it stored.
+/// Whether the operation was done, and the code of the error where it gave one.
 std::string outcome(const std::string& operation, VXKeychainItem& item) {
   const NSRefPtr<NSError> untouched = NSError::errorWithDomain("host", 7, nullptr);
   NSRefPtr<NSError> error = untouched;
@@ -117,14 +121,14 @@ std::string outcome(const std::string& operation, VXKeychainItem& item) {
   const bool done = perform(operation, item, &error);
   const bool fills = done && operation != "update" && !operation.starts_with("delete");
   EXPECT_TRUE(fills || stateOf(item) == before) << "the item was changed";
-  std::string result = done ? "yes" : "no";
-  if (error != untouched) result.append(1, ' ').append(std::to_string(error->code()));
-  return result;
+  std::string told = done ? "yes" : "no";
+  if (error != untouched) told.append(1, ' ').append(std::to_string(error->code()));
+  return told;
 }
 
-/// Returns the result of an action, or the exception that it raises.
+/// The answer of an action, or the exception that it raises.
 template <class Action>
-std::string resultOf(Action&& action) {
+std::string answerOf(Action&& action) {
   try {
     return action();
   } catch (const NSException& exception) {
@@ -133,15 +137,17 @@ std::string resultOf(Action&& action) {
   }
 }
 
-/// Returns the common result of adding, updating and deleting an item, each with and without a place for an
-/// error.
+/// What an add, an update and a deletion of an item all answer, with and without a place for an error.
 std::string refusal(VXKeychainItem& item) {
-  std::set<std::string> results;
+  std::set<std::string> answers;
   for (const char* operation : {"add", "update", "delete"}) {
-    results.insert(resultOf([&] { return outcome(operation, item); }));
-    raised([&] { EXPECT_FALSE(perform(operation, item, nullptr)); });
+    answers.insert(answerOf([&] { return outcome(operation, item); }));
+    answerOf([&]() -> std::string {
+      EXPECT_FALSE(perform(operation, item, nullptr));
+      return "";
+    });
   }
-  return results.size() == 1 ? *results.begin() : testing::PrintToString(results);
+  return answers.size() == 1 ? *answers.begin() : testing::PrintToString(answers);
 }
 
 std::string equality(const std::string& first, const std::string& second) {
@@ -151,34 +157,34 @@ std::string equality(const std::string& first, const std::string& second) {
 
 class VXKeychainItemTest : public KeychainTest {
  protected:
-  /// Performs a step of VXKeychainItem.txt and returns its result.
-  std::string resultOfStep(const std::string& step) {
+  /// Does what a step of VXKeychainItem.txt says, and gives what it answers.
+  std::string answerTo(const std::string& step) {
     const auto [operation, rest] = cut(step, " ");
     const auto [name, detail] = cut(rest, " ");
-    std::string result;
+    std::string answer;
     if (operation == "equal")
-      result = equality(cut(rest, " / ").first, cut(rest, " / ").second);
+      answer = equality(cut(rest, " / ").first, cut(rest, " / ").second);
     else if (operation == "refused")
-      result = refusal(*boundItem(rest));
+      answer = refusal(*boundItem(rest));
     else if (operation == "asked")
-      result = std::to_string(returning_->transactions.exchange(0));
-    else if (operation == "return")
-      returning_ = returnAlways(std::stoi(rest));
+      answer = std::to_string(answering_->transactions.exchange(0));
+    else if (operation == "answer")
+      answering_ = answerAlways(std::stoi(rest));
     else if (operation == "store")
-      result = std::to_string(SecItemAdd(writtenMap(rest)));
+      answer = std::to_string(SecItemAdd(writtenMap(rest)));
     else if (operation == "make")
       items_.insert_or_assign(name, Fields(detail).item());
     else if (operation == "find")
       items_.insert_or_assign(name, Fields(detail).finder());
     else if (operation.starts_with("findAll"))
-      result = findAll(name, Fields(detail), operation == "findAllWithPassword");
+      answer = findAll(name, Fields(detail), operation == "findAllWithPassword");
     else
-      result = resultOfItem(operation, *items_.at(name), detail);
-    return result;
+      answer = answerOfItem(operation, *items_.at(name), detail);
+    return answer;
   }
 
  private:
-  /// Returns how many there are, or the platform's status.
+  /// How many there are, or the platform's status.
   std::string findAll(const std::string& name, const Fields& fields, bool includePassword) {
     NSRefPtr<NSError> error;
     const auto all = fields.all(includePassword, &error);
@@ -191,7 +197,7 @@ class VXKeychainItemTest : public KeychainTest {
     return std::to_string(all->count());
   }
 
-  std::string resultOfItem(const std::string& operation, VXPasswordKeychainItem& item,
+  std::string answerOfItem(const std::string& operation, VXPasswordKeychainItem& item,
                            const std::string& detail) {
     if (operation == "fields") return shown(item._createAttributesDictionary());
     if (operation == "request") return shown(item.keychainItemRequest());
@@ -208,7 +214,7 @@ class VXKeychainItemTest : public KeychainTest {
   }
 
   std::map<std::string, NSRef<VXPasswordKeychainItem>> items_;
-  std::shared_ptr<StatusStorage> returning_;
+  std::shared_ptr<AnsweringStorage> answering_;
 };
 
 NSRef<VXGenericKeychainItem> genericItem(NSStringArg password = "secret") {
@@ -217,19 +223,19 @@ NSRef<VXGenericKeychainItem> genericItem(NSStringArg password = "secret") {
 
 }  // namespace
 
-TEST_F(VXKeychainItemTest, FollowsTheScript) {
-  const auto expectStep = [&](const std::string& step, const std::string& expected) {
-    EXPECT_EQ(resultOf([&] { return resultOfStep(step); }), expected);
+TEST_F(VXKeychainItemTest, DoesWhatTheScriptSays) {
+  const auto expectStep = [&](const std::string& step, const std::string& answer) {
+    EXPECT_EQ(answerOf([&] { return answerTo(step); }), answer);
   };
   const auto begin = [] { secSetDefaultStorage(std::make_shared<SecMemoryStorage>()); };
-  const RecordedAssertions findersMayLackAttributes;
+  const RecordedAssertions finderMayBeAskedWithLess;
   EXPECT_GT(runScript("VXKeychainItem.txt", begin, expectStep), 100u);
 }
 
-TEST_F(VXKeychainItemTest, EveryFailureBecomesAnErrorAndOneLogLineOnRequest) {
+TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAsked) {
   for (const auto& row : vectors("keychain-statuses.tsv")) {
     const OSStatus status = std::stoi(row[0]);
-    returnAlways(status);
+    answerAlways(status);
     for (const std::string operation : {"add", "refresh", "refreshWithData", "update", "delete"}) {
       SCOPED_TRACE(operation + ": " + row[0]);
       const bool expected = operation == "delete" && status == errSecItemNotFound;
@@ -259,14 +265,14 @@ TEST_F(VXKeychainItemTest, IncompleteAttributesAreAnErrorWithoutAStatus) {
   EXPECT_TRUE(logged.empty());
 }
 
-TEST_F(VXKeychainItemTest, ItemsEqualNoOtherKindOfObjectAndHashByIdentity) {
+TEST_F(VXKeychainItemTest, AnItemEqualsNothingElseAndHashesAsItself) {
   const auto item = genericItem();
   EXPECT_FALSE(item->isEqual(nullptr));
   EXPECT_FALSE(item->isEqual(text("ann")));
   EXPECT_EQ(item->hash(), static_cast<const NSObject&>(*item).NSObject::hash());
 }
 
-TEST_F(VXKeychainItemTest, StringsAndDataAreCopied) {
+TEST_F(VXKeychainItemTest, TextsAndBytesAreCopiedAndMapsShared) {
   const auto grown = NSMutableString::stringWithString("a");
   const auto data = NSMutableData::dataWithBytes("s", 1);
   const auto item = VXGenericKeychainItem::alloc();
@@ -281,7 +287,7 @@ TEST_F(VXKeychainItemTest, StringsAndDataAreCopied) {
   EXPECT_EQ(shown(internet->server()) + shown(internet->path()), "aa");
 }
 
-TEST_F(VXKeychainItemTest, APasswordIsStoredAsUTF8) {
+TEST_F(VXKeychainItemTest, APasswordIsTheUTF8OfItsText) {
   const auto item = genericItem("\u00e9\U0001F511");
   EXPECT_EQ(shown(item->data()), "\xc3\xa9\xf0\x9f\x94\x91");
   EXPECT_TRUE(item->data()->holdsSecret() && item->password()->holdsSecret());

@@ -6,32 +6,31 @@
 #include <string>
 #include <vector>
 
-/// A credential store of passwords by account number, as the benchmark drives it. An operation that fails
-/// throws std::runtime_error.
+/// A credential store of passwords by account number, as the benchmark drives it. What cannot be done throws
+/// std::runtime_error.
 class Contestant {
  public:
   virtual ~Contestant() = default;
   virtual std::string name() const = 0;
-  /// Adds the accounts below `count`; the time that this takes is not measured.
+  /// Puts in accounts 0 to `count`; how long that takes is not measured.
   virtual void fill(std::size_t count) = 0;
   virtual void add(std::size_t account) = 0;
-  /// Returns whether the account exists, and reads its password.
+  /// Whether there is such an account; reads its password too.
   virtual bool look(std::size_t account) = 0;
   virtual void update(std::size_t account) = 0;
   virtual void remove(std::size_t account) = 0;
 };
 
-/// Returns the file store in a new folder below `folder`, opened once or for every operation.
+/// The file store in a new folder below `folder`, opened once or for every operation.
 std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall);
-/// Two ways to read every one of `held` entries of a file store: reading its rows in a transaction, and
-/// listing them with SecItemCopyMatching, which makes an array of dictionaries. Each returns the number of
-/// entries.
+/// Two ways to look at every entry of a file store of `held`: reading its rows in a transaction, and listing
+/// them through SecItemCopyMatching, which makes an array of dictionaries. Each returns how many there are.
 struct Listing {
   std::function<std::size_t()> rows;
   std::function<std::size_t()> list;
 };
 Listing makeListing(const std::string& folder, std::size_t held);
-/// Returns SQLite with durable changes and nothing else: the bound for a store that is built on it.
+/// What SQLite takes at least for changes that last: the bound of a store on top of it.
 std::unique_ptr<Contestant> makeSQLiteAlone(const std::string& folder, bool openedPerCall);
-/// Returns the desktop's store through libsecret's simple functions.
+/// The desktop's store by libsecret's simple functions.
 std::unique_ptr<Contestant> makeLibsecret();

@@ -9,26 +9,26 @@
 
 #include "tests/support/SecFileTests.h"
 
-/// What can happen to a credential store. Each test has a short form, and a long one if VX_FAULTS is "long";
-/// both print what they tried.
+/// What may befall credential stores. The short form of each test is run with all others, the long one where
+/// VX_FAULTS is "long"; either prints what it tried.
 class SecFileFaults : public testing::Test {
  protected:
   SecFileFaults();
   ~SecFileFaults() override;
 
-  /// Returns the number for the form that runs.
+  /// Rounds or changes, or every how many bytes or calls.
   static std::size_t inForm(std::size_t shortForm, std::size_t longForm);
 };
 
-/// Adds to a figure that the test prints at its end.
+/// Adds to a figure that the test ends with.
 void count(const std::string& what, std::size_t number = 1);
 
 using Held = std::map<std::string, std::string>;
 
-/// Opens a store, verifies it and returns everything that it holds.
+/// Everything that a store holds, as a process sees it that has just opened it; also checks all of it.
 Held readAll(const TemporaryPlace& temporary);
 
-/// Runs `body` in a child process, whose exit status is the result.
+/// Runs `body` in a process of its own, which ends with what it gives.
 pid_t inChild(const std::function<int()>& body);
-/// Waits for a process; returns its exit status, or the negative number of its signal.
+/// Waits for a process; what it ended with, or the negative number of its signal.
 int waitFor(pid_t child);

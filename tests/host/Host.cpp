@@ -1,8 +1,5 @@
 #include "tests/host/Host.h"
 
-#include <Foundation/NSNumber.h>
-#include <VXFoundation/NSObject+VXAdditions.h>
-
 namespace {
 
 struct Namesake : NSObject::Subclass<Namesake> {};
@@ -21,5 +18,6 @@ NSRef<NSObject> Countdown::enumeratedObjectAtIndex(std::size_t index) const {
 }
 
 NSRef<NSObject> hostMakesASquare() { return Square::shapeWithSides(1); }
-NSClass& hostClassOfStrings() { return NSString::classObject(); }
+NSClass& hostClassOfTexts() { return NSString::classObject(); }
+NSClass& hostClassOfSquares() { return Square::classObject(); }
 NSRef<NSObject> hostNamesake() { return Namesake::alloc(); }

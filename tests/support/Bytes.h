@@ -3,10 +3,9 @@
 #include <optional>
 #include <string>
 
-#include <Foundation/NSData.h>
-#include <Foundation/NSString.h>
+#include <Foundation/Foundation.h>
 
-/// The bytes of an object; no value for nil, which is different from no bytes.
+/// Data and the bytes in it; no bytes is another thing than none.
 using Bytes = std::optional<std::string>;
 
 inline NSRef<NSData> dataOf(std::string_view bytes) {

@@ -2,8 +2,6 @@
 
 #include <random>
 
-#include <VXFoundation/VXURLCoding.h>
-
 #include "tests/support/Fuzz.h"
 #include "tests/support/Notations.h"
 

@@ -1,10 +1,11 @@
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecMemoryStorage.h>
-#include <VXFoundation/VXKeychainItem.h>
+#include <VXFoundation/VXFoundation.h>
 #include <benchmark/benchmark.h>
 
-// The cost of an item and of its operations on a store in memory with a number of other entries. That store
-// looks at every entry, so its cost grows with their number; the store benchmark measures the one in a file.
+// What an item costs, and its operations on a store in memory that holds a number of other entries. That
+// store looks at every entry, so its cost grows with their number; the store benchmark tells of the one in a
+// file.
 namespace {
 
 NSRef<VXGenericKeychainItem> itemOf(const std::string& account) {
@@ -16,7 +17,7 @@ void require(benchmark::State& state, bool done) {
   if (!done) state.SkipWithError("the store refused");
 }
 
-/// The default store while it lives, with as many entries as the benchmark's argument says.
+/// A store of its own that holds as many entries as the benchmark's argument says.
 class Store {
  public:
   explicit Store(benchmark::State& state) {
