@@ -10,20 +10,20 @@
 #include <string>
 #include <vector>
 
-/// Contests: one operation, the same input for everyone, sizes from a cache line to beyond the caches.
-/// A contestant is named, and marked when it skips a check that this library makes.
+/// Contests: one operation and the same input for every contestant, in sizes from a cache line to more than
+/// the caches hold. A contestant that skips a check that this library makes is marked.
 namespace Contest {
 
 inline constexpr std::size_t sizes[] = {32, 1 << 10, 64 << 10, 16 << 20};
 enum class Checks { all, fewer };
 using Bytes = std::vector<std::byte>;
 
-/// Random bytes, and English-like text of which about one character in six must be escaped in a URL.
+/// Random bytes, and English text of which about one character in six must be escaped in a URL.
 Bytes randomBytes(std::size_t count);
 Bytes prose(std::size_t count);
 NSRef<NSData> dataOf(const Bytes& bytes);
 
-/// The bytes as most libraries want them, and room for their results that nobody clears first.
+/// The bytes as most libraries take them, and uninitialised memory for their results.
 inline const unsigned char* raw(const Bytes& bytes) {
   return reinterpret_cast<const unsigned char*>(bytes.data());
 }
@@ -34,8 +34,7 @@ inline QByteArray viewForQt(const Bytes& bytes) {
 using Buffer = std::unique_ptr<unsigned char[]>;
 inline Buffer buffer(std::size_t size) { return Buffer(new unsigned char[size]); }
 
-/// `prepare(size)` makes the input and answers what is timed, a callable whose `input` is the number of
-/// bytes it takes.
+/// What `prepare(size)` returns: the number of input bytes, and the callable that is timed.
 template <class Run>
 struct Trial {
   std::size_t input;
@@ -60,7 +59,7 @@ void contestant(const std::string& operation, const std::string& name, Checks ch
         });
 }
 
-/// A contestant whose operation is handed what `make(size)` gave beforehand, of `size` bytes.
+/// A contestant whose operation takes the `size` bytes that `make(size)` returned beforehand.
 template <class Make, class Operation>
 void contestant(const std::string& operation, const std::string& name, Checks checks, Make make,
                 Operation call) {
@@ -69,7 +68,7 @@ void contestant(const std::string& operation, const std::string& name, Checks ch
   });
 }
 
-/// This library: with the set of kernels that it picks, and with each of the others by name.
+/// This library, with the set of kernels that it picks and with each of the others by name.
 template <class Prepare>
 void ours(const std::string& operation, Prepare prepare) {
   const auto sets = VXCodecKernelsAvailable();

@@ -17,7 +17,7 @@ std::string sizeName(std::size_t size) {
   return size >= 1 << 10 ? std::to_string(size >> 10) + " KiB" : std::to_string(size) + " B";
 }
 
-/// Short inputs are told by the time they take, long ones by their speed.
+/// The time of a call for short inputs, the speed for long ones.
 std::string figure(double speed, std::size_t size) {
   char text[32];
   if (size < 1024)

@@ -10,16 +10,17 @@
 
 namespace Contest {
 
-/// Keeps the best of all rounds of every contestant, and shows them beside each other.
+/// Keeps the best round of every contestant and shows them side by side.
 class Report : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context&) override { return true; }
   void ReportRuns(const std::vector<Run>& runs) override;
 
-  /// Markdown: for every operation a row a size and a column a contestant, then how far we are ahead.
+  /// Prints a table in Markdown for every operation: a row for each size, a column for each contestant and
+  /// one for our ratio to the best peer.
   void printTables(std::ostream& out) const;
 
-  /// The 64 KiB figures of this library, of the best peer and of memcpy, on a logarithmic scale.
+  /// Draws the 64 KiB figures of this library, the best peer and memcpy on a logarithmic scale.
   void drawChart(std::ostream& out) const;
 
  private:
@@ -33,7 +34,7 @@ class Report : public benchmark::BenchmarkReporter {
   static void printTable(std::ostream& out, const Operation& operation);
   static std::pair<std::string, double> bestPeer(const Operation& operation, std::size_t size);
 
-  std::vector<Operation> operations_;  // in the order of their first appearance
+  std::vector<Operation> operations_;  // in the order in which they first ran
 };
 
 }  // namespace Contest

@@ -1,5 +1,6 @@
 #include <Foundation/NSUnicode.h>
 #include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
+#include <VXFoundation/VXUTType.h>
 
 #include <algorithm>
 #include <map>
@@ -7,8 +8,8 @@
 #include "tests/support/DynamicIdentifiers.h"
 #include "tests/support/Fuzz.h"
 
-// Dynamic type identifiers: any two are related or not without harm, and what is packed here is unpacked
-// there. An input is two identifiers, or the texts that two pack, with a line break between them.
+// Dynamic type identifiers: any two can be compared, and a body is unpacked by the rules. An input is two
+// identifiers, two bodies, or the text that two identifiers pack, with a line break between them.
 namespace {
 
 using Pairs = std::map<std::string, std::string>;
@@ -32,25 +33,34 @@ bool offersAll(const Pairs& offered, const Pairs& required) {
   });
 }
 
-NSRef<NSString> textOf(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
+NSRef<NSString> string(std::string_view utf8) { return NSString::stringWithUTF8String(utf8); }
 
-void unpack(std::string_view bytes) {
-  const NSRef<NSString> identifier = textOf(packed(bytes));
-  const NSRefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(*identifier);
-  fuzzRequire(text ? text->UTF8String() == bytes : !NSIsASCII(bytes), "what is packed can be unpacked");
-  if (!text) return;
-  const NSRefPtr<NSDictionary> map = VXUTTypeDynamicIdentifierMap(*identifier);
-  const Pairs pairs = pairsOf(bytes);
-  fuzzRequire(map->count() == pairs.size(), "the map has no other pairs");
+/// Returns the text that a body packs; no value if that is not ASCII.
+Bytes unpackedByRule(std::string body) {
+  while (body.size() % 8 != 0) body.push_back('=');
+  const std::size_t end = body.find_last_not_of('=') + 1, padding = body.size() - end;
+  const Bytes bytes = bytesByRule(body.substr(0, end), dynamicAlphabet, 5);
+  if (padding >= 7 || padding == 2 || padding == 5 || !bytes) return "";
+  return NSIsASCII(*bytes) ? bytes : std::nullopt;
+}
+
+void unpack(std::string_view body) {
+  const NSRef<NSString> identifier = string("dyn.a" + std::string(body));
+  const Bytes expected = unpackedByRule(std::string(body));
+  fuzzRequire(bytesOf(VXUTTypeDecodeDynamicIdentifier(*identifier)) == expected, "unpacked by the rules");
+  if (!expected) return;
+  const NSRefPtr<NSDictionary> dictionary = VXUTTypeDynamicIdentifierMap(*identifier);
+  const Pairs pairs = pairsOf(*expected);
+  fuzzRequire(dictionary->count() == pairs.size(), "the dictionary has no other pairs");
   for (const auto& [key, value] : pairs)
-    fuzzRequire(textOf(value)->isEqual(map->objectForKey(textOf(key))), "the map has the pairs");
+    fuzzRequire(string(value)->isEqual(dictionary->objectForKey(string(key))),
+                "the dictionary has the pairs");
 }
 
 void relatePacked(std::string_view first, std::string_view second) {
-  unpack(first);
-  unpack(second);
+  for (const std::string_view text : {first, second}) unpack(digitsByRule(text, dynamicAlphabet, 5));
   if (!NSIsASCII(first) || !NSIsASCII(second) || first.empty() || second.empty()) return;
-  const bool conforms = VXUTTypeConformsTo(textOf(packed(first)), textOf(packed(second)));
+  const bool conforms = VXUTTypeConformsTo(string(packed(first)), string(packed(second)));
   const bool expected = first == second || offersAll(pairsOf(first), pairsOf(second));
   fuzzRequire(conforms == expected, "a type conforms when it has all the pairs");
 }
@@ -60,6 +70,7 @@ void relate(std::string_view first, std::string_view second) {
   const NSRefPtr<NSString> other = NSString::stringWithUTF8String(second);
   VXUTTypeConformsTo(type, other);
   fuzzRequire(!type || VXUTTypeConformsTo(type, type), "a type conforms to itself");
+  if (NSIsASCII(first)) unpack(first);
 }
 
 }  // namespace

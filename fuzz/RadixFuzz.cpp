@@ -1,13 +1,15 @@
+#include <VXFoundation/VXCodecKernels.h>
+
 #include "VXFoundation/kernels/CodecDispatch.h"
 #include "tests/support/Fuzz.h"
 #include "tests/support/Pieces.h"
 
-// Base 64, 32, 16 and base 64 for URLs: every set of kernels does what the scalar one does, a text is decoded
-// or refused by the rules, what decodes is encoded to its normal form, and pieces give the same as the whole.
-// The first byte of an input says how to use it, the others are bytes or digits.
+// Base 64, 32, 16 and base 64 for URLs: every set of kernels does what the scalar one does, a string is
+// decoded or rejected by the rules, decoded data is encoded in the normal form, and pieces give the same as
+// the whole. The first byte of an input selects the notation and the kernels, the others are bytes or digits.
 namespace {
 
-/// Mostly digits of the notation, so that a fuzzer need not find them one by one.
+/// Returns mostly digits of the notation, so that a fuzzer need not find them one by one.
 std::string digitsFrom(const Notation& notation, std::string_view bytes) {
   std::string digits;
   for (const char c : bytes)
@@ -27,7 +29,7 @@ void compareKernels(const Notation& notation, std::string_view input) {
     fuzzRequire(notation.decoded(*set, digits) == decoded, "all kernels decode alike");
     if (!notation.fillsBytes(input.size())) continue;
     fuzzRequire(notation.decoded(*set, input) == notation.decoded(*sets[0], input),
-                "all kernels refuse alike");
+                "all kernels reject alike");
   }
 }
 
@@ -35,10 +37,10 @@ void decodeAndEncode(const Notation& notation, const std::string& text) {
   const NSRefPtr<NSData> data =
       notation.decode(NSString::stringWithCharacters(std::u16string(text.begin(), text.end())));
   const Bytes expected = notation.decodedByRule(text);
-  fuzzRequire(bytesOf(data) == expected, "a text is decoded or refused by the rules");
+  fuzzRequire(bytesOf(data) == expected, "a string is decoded or rejected by the rules");
   if (!data) return;
   fuzzRequire(bytesOf(notation.encode(*data)) == notation.encodedByRule(*expected),
-              "what decodes is encoded to its normal form");
+              "decoded data is encoded in the normal form");
 }
 
 }  // namespace

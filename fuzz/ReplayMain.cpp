@@ -1,11 +1,9 @@
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 
+#include "tests/support/Files.h"
 #include "tests/support/Fuzz.h"
 
-// Runs a target without a fuzzer, on every file of the folders that are named.
+// Runs a target without a fuzzer, on every file in the folders.
 //
 //   TARGET FOLDER...
 namespace {
@@ -13,9 +11,7 @@ namespace {
 int replay(const std::filesystem::path& folder) {
   int inputs = 0;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    std::ifstream file(entry.path(), std::ios::binary);
-    file.exceptions(std::ios::badbit);
-    fuzzWith(std::string(std::istreambuf_iterator<char>(file), {}));
+    fuzzWith(readFile(entry.path()));
     ++inputs;
   }
   return inputs;

@@ -4,15 +4,15 @@
 
 #include "tests/support/Fuzz.h"
 
-// The record of one entry in a store file: any bytes are an entry or damaged, and nothing of an entry is
-// lost when it is written again.
+// The record of one entry in a store file: any bytes are read as an entry or reported as damaged, and nothing
+// of an entry is lost when it is written again.
 namespace {
 
 std::optional<SecEntry> decoded(SecView bytes) {
   try {
     return secDecodeEntry(bytes);
   } catch (const SecFailure& failure) {
-    fuzzRequire(failure.status == errSecDecode, "what is no record is damaged");
+    fuzzRequire(failure.status == errSecDecode, "anything but a record is reported as damaged");
     return std::nullopt;
   }
 }

@@ -1,4 +1,5 @@
-#include <Foundation/Foundation.h>
+#include <Foundation/NSArray.h>
+#include <Foundation/NSException.h>
 #include <Foundation/NSUnicode.h>
 #include <iconv.h>
 
@@ -6,10 +7,10 @@
 
 #include "tests/support/Fuzz.h"
 
-// Text conversions: beside those of the C library, which is strict, too, and against each other.
+// String conversions, compared with those of the C library, which is strict too, and with each other.
 namespace {
 
-/// What the C library makes of `input`; absent where it finds an ill-formed or cut sequence.
+/// Returns what the C library converts `input` to; no value for a malformed or truncated sequence.
 std::optional<std::string> converted(const char* from, const char* to, std::string_view input) {
   const iconv_t conversion = iconv_open(to, from);
   std::string source(input), result(input.size() * 3, '\0');
@@ -33,13 +34,13 @@ std::u16string unitsFrom(std::string_view bytes) {
 void fromUTF8(std::string_view bytes) {
   const auto units = NSUTF16FromUTF8(bytes);
   const auto theirs = converted("UTF-8", "UTF-16LE", bytes);
-  fuzzRequire(NSIsUTF8(bytes) == units.has_value(), "what is UTF-8 is converted");
-  fuzzRequire(units.has_value() == theirs.has_value(), "what is UTF-8 is the same for all");
+  fuzzRequire(NSIsUTF8(bytes) == units.has_value(), "all UTF-8 is converted");
+  fuzzRequire(units.has_value() == theirs.has_value(), "the C library accepts the same UTF-8");
   if (!units) return;
   fuzzRequire(*units == unitsFrom(*theirs), "UTF-8 is converted alike");
   const NSRefPtr<NSString> text = NSString::stringWithUTF8String(bytes);
-  fuzzRequire(text->isEqual(NSString::stringWithCharacters(*units)), "both ways make one text");
-  fuzzRequire(text->UTF8String() == bytes, "UTF-8 comes back as it was");
+  fuzzRequire(text->isEqual(NSString::stringWithCharacters(*units)), "both ways make the same string");
+  fuzzRequire(text->UTF8String() == bytes, "UTF-8 is returned unchanged");
   fuzzRequire(text->isASCII() == NSIsASCII(bytes), "ASCII is kept as ASCII");
 }
 
@@ -47,28 +48,28 @@ void fromUTF16(std::u16string_view units, std::string_view bytes) {
   const auto utf8 = NSUTF8FromUTF16(units);
   fuzzRequire(utf8 == converted("UTF-16LE", "UTF-8", bytes), "UTF-16 is converted alike");
   const NSRef<NSString> text = NSString::stringWithCharacters(units);
-  fuzzRequire(std::u16string(*text) == units, "units come back as they were");
-  fuzzRequire(text->UTF8String() == utf8, "a text converts as its units do");
+  fuzzRequire(std::u16string(*text) == units, "units are returned unchanged");
+  fuzzRequire(text->UTF8String() == utf8, "a string is converted as its units are");
 }
 
-/// Cut at every separator and put together again, a text is what it was.
+/// Splits a string at every separator and joins it again.
 void takeApart(const NSRef<NSString>& text, const std::u16string& separator) {
   const NSRef<NSString> mark = NSString::stringWithCharacters(separator);
   const NSRef<NSArray> pieces = text->componentsSeparatedByString(mark);
   for (const NSRef<NSObject> piece : *pieces)
     fuzzRequire(separator.empty() ||
                     std::u16string(*NSDynamicCast<NSString>(piece)).find(separator) == std::u16string::npos,
-                "no piece has a separator");
+                "no component contains the separator");
   const NSRef<NSString> joined = pieces->componentsJoinedByString(mark);
-  fuzzRequire(text->isEqual(joined), "pieces and separators make the text");
-  fuzzRequire(text->hash() == joined->hash(), "equal texts have one hash");
+  fuzzRequire(text->isEqual(joined), "joined components equal the string");
+  fuzzRequire(text->hash() == joined->hash(), "equal strings have equal hashes");
 }
 
 void fillIn(const NSRef<NSString>& format) {
   try {
     NSFormat(*format, {NSFormatArg(format), NSFormatArg(7)});
   } catch (const NSException&) {
-    // a format that does not fit its arguments is refused this way
+    // raised for a format that does not fit its arguments
   }
 }
 

@@ -7,10 +7,10 @@
 
 int toolMain(int argc, char** argv);
 
-// The tool, on any command line and input: it ends with one of its three statuses, says in one line why it
-// did not do what it was asked, and then writes no output.
+// The tool, with any command line and input: it ends with one of its three statuses; if it fails, it says why
+// in one line and writes no output.
 //
-// An input is the arguments, one a line, an empty line, and what is on standard input.
+// An input is the arguments, one per line, an empty line, and the standard input.
 namespace {
 
 struct Outcome {
@@ -18,7 +18,7 @@ struct Outcome {
   std::string output, messages;
 };
 
-/// Runs the tool in a folder for all that it may write, its streams being files beside that folder.
+/// Runs the tool in an empty folder for all that it may write, with files next to that folder as its streams.
 Outcome run(const std::filesystem::path& root, std::vector<std::string> arguments, std::string_view input) {
   const std::filesystem::path home = root / "home", in = root / "in", out = root / "out";
   std::filesystem::remove_all(home);
@@ -42,7 +42,7 @@ Outcome run(const std::filesystem::path& root, std::vector<std::string> argument
   return {status, readFile(out), messages.str()};
 }
 
-/// One folder down at most, so that the tool keeps to the one that it is given.
+/// Replaces slashes, so that the tool stays in its folder.
 std::vector<std::string> argumentsFrom(FuzzInput& input) {
   std::vector<std::string> arguments{"vxfoundation"};
   while (!input.atEnd()) {
@@ -66,7 +66,7 @@ void judge(const std::vector<std::string>& arguments, const Outcome& outcome) {
   if (has(arguments, "--verbose")) return;  // the log is among the messages
   if (outcome.status == 0) return fuzzRequire(lines == 0 || has(arguments, "delete"), "success is silent");
   fuzzRequire(saysNo || lines == 1, "one line says why");
-  fuzzRequire(saysNo || outcome.output.empty(), "there is no output of what failed");
+  fuzzRequire(saysNo || outcome.output.empty(), "a failure writes no output");
 }
 
 }  // namespace

@@ -1,25 +1,18 @@
-#include <openssl/evp.h>
+#include <VXFoundation/NSData+CXHashing.h>
+#include <VXFoundation/NSData+VXBaseConversion.h>
 #include <openssl/hmac.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <random>
-#include <thread>
 
 #include "tests/support/Digests.h"
 #include "tests/support/Support.h"
+#include "tests/support/Threads.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 
 using namespace CXHashing;
-
-std::string opensslDigest(const char* algorithm, const NSData& data) {
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  std::size_t length = 0;
-  EXPECT_EQ(EVP_Q_digest(nullptr, algorithm, nullptr, data.bytes().data(), data.length(), digest, &length),
-            1);
-  return {reinterpret_cast<char*>(digest), length};
-}
 
 std::string opensslHMAC(const NSData& data, const NSData& key) {
   unsigned char digest[EVP_MAX_MD_SIZE];
@@ -29,7 +22,7 @@ std::string opensslHMAC(const NSData& data, const NSData& key) {
   return {reinterpret_cast<char*>(digest), length};
 }
 
-TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
+TEST(CXHashingTests, MatchTheVectorsOfTheStandards) {
   for (const auto& row : byteVectors("digests.tsv")) {
     std::string message;
     for (int i = 0; i < std::stoi(row[3]); ++i) message += row[2];
@@ -39,35 +32,24 @@ TEST(CXHashingTests, HoldTheVectorsOfTheStandards) {
   }
 }
 
-TEST(CXHashingTests, AgreeWithOpenSSLAtEveryShortLengthOfMessageAndKey) {
-  std::mt19937 random(1);
-  std::string bytes(400, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random());
-  for (std::size_t length = 0; length <= 300; ++length) {
-    const auto data = dataOf(std::string_view(bytes).substr(length / 3, length));
-    ASSERT_EQ(bytesOf(MD5Hash(*data)), opensslDigest("MD5", *data)) << length;
-    ASSERT_EQ(bytesOf(SHA1Hash(*data)), opensslDigest("SHA1", *data)) << length;
-    for (const std::size_t keyLength : {std::size_t{0}, std::size_t{1}, length % 80, std::size_t{63},
-                                        std::size_t{64}, std::size_t{65}, length}) {
-      const auto key = dataOf(std::string_view(bytes).substr(0, keyLength));
-      ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key))
-          << length << " " << keyLength;
+TEST(CXHashingTests, HMACAgreesWithOpenSSLAtEveryShortLengthOnEveryThread) {
+  onThreads(4, [](std::size_t thread) {
+    std::mt19937 random(static_cast<unsigned>(thread));
+    std::string bytes(400, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    for (std::size_t length = 0; length <= 300; ++length) {
+      const auto data = dataOf(std::string_view(bytes).substr(length / 3, length));
+      for (const std::size_t keyLength : {std::size_t{0}, std::size_t{1}, length % 80, std::size_t{63},
+                                          std::size_t{64}, std::size_t{65}, length}) {
+        const auto key = dataOf(std::string_view(bytes).substr(0, keyLength));
+        ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, key)), opensslHMAC(*data, *key))
+            << length << " " << keyLength;
+      }
     }
-  }
+  });
 }
 
-TEST(CXHashingTests, AnswerEachOfManyThreads) {
-  std::vector<std::thread> threads;
-  for (int number = 0; number < 4; ++number)
-    threads.emplace_back([number] {
-      const auto data = dataOf(std::string(1000, static_cast<char>(number)));
-      const std::string expected = opensslHMAC(*data, *data);
-      for (int i = 0; i < 500; ++i) ASSERT_EQ(bytesOf(HMAC_SHA1_WithSecretKey(*data, data)), expected);
-    });
-  for (std::thread& thread : threads) thread.join();
-}
-
-TEST(CXHashingDeathTest, EndTheProcessForAMissingKey) {
+TEST(CXHashingDeathTest, AbortsForANilKey) {
   EXPECT_DEATH(HMAC_SHA1_WithSecretKey(*dataOf("message"), nullptr), "secret key is nil");
 }
 
@@ -101,16 +83,16 @@ TEST(CXHashingDeathTest, WorkUntilTheProcessHasEnded) {
   EXPECT_EXIT(std::thread(digestAndExit).join(), testing::ExitedWithCode(0), expected);
 }
 
-/// MD5 and SHA-1 of whole data count modulo 2^32; HMAC, and digests in pieces, count all.
-TEST(CXHashingTests, CutFourGibibytesForTheWholeDigestsAlone) {
+/// MD5 and SHA-1 of whole data take the length modulo 2^32; HMAC, and digests in pieces, take all of it.
+TEST(CXHashingTests, OnlyWholeDigestsTruncateLengthsOfFourGibibytes) {
 #ifdef __SANITIZE_THREAD__
-  GTEST_SKIP() << "the sanitizer takes five times the memory";
+  GTEST_SKIP() << "the sanitizer needs five times the memory";
 #endif
   constexpr std::size_t fourGibibytes = std::size_t{1} << 32;
   const auto available =
       static_cast<std::size_t>(sysconf(_SC_AVPHYS_PAGES)) * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   if (available < fourGibibytes + (fourGibibytes >> 2)) GTEST_SKIP() << "needs 5 GiB of free memory";
-  // Pages that nobody has written to take no memory, and no time.
+  // Pages that were never written to take no memory and no time.
   const NSRef<NSMutableData> data = NSDynamicCast<NSMutableData>(NSMutableData::dataWithMaximumLength(
       fourGibibytes + 3, [](std::span<std::byte> bytes) { return bytes.size(); }));
   data->setLength(fourGibibytes);

@@ -1,3 +1,5 @@
+#include <VXFoundation/NSString+CXKeyValueCoding.h>
+
 #include "tests/support/Bytes.h"
 #include "tests/support/Support.h"
 
@@ -9,13 +11,13 @@ TEST(CXKeyValueCoding, ComponentsAreJoinedUpToTheFirstNil) {
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({})), std::nullopt);
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({nil, "a"})), std::nullopt);
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a"})), "a");
-  EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"", nil})), "") << "empty is not absent";
+  EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"", nil})), "") << "empty is not nil";
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", "b", "c", nil, "d"})), "a.b.c");
   EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", "", "b.c", "\xC3\xA9"})), "a..b.c.\xC3\xA9");
-  EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", NSNumber::numberWithInteger(-7)})), "a.-7");
+  EXPECT_EQ(bytesOf(stringWithKeyPathComponents({"a", number(-7)})), "a.-7");
 }
 
-TEST(CXKeyValueCoding, AKeyPathIsAppendedAsItIs) {
+TEST(CXKeyValueCoding, KeyPathsAreAppendedUnchanged) {
   const std::vector<std::vector<std::string>> rows = {
       {"a", "b", "a.b"}, {"", "b", ".b"}, {"a", "", "a."}, {"a", "b.c", "a.b.c"}, {"%@", "%d", "%@.%d"}};
   for (const auto& row : rows)

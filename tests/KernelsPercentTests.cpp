@@ -11,7 +11,7 @@ namespace {
 
 using namespace KernelsTests;
 
-/// The rules read one byte at a time, with the C library's help.
+/// The rules, applied byte by byte with functions of the C library.
 std::string encodedByRule(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {
@@ -58,47 +58,37 @@ class KernelsPercent : public ::testing::TestWithParam<Set> {
   }
 };
 
-/// Bytes of which about `reserved` in a hundred must be escaped.
-std::string mixture(std::size_t length, unsigned reserved, unsigned seed) {
+/// Returns bytes of which about `any` per cent may be any byte; the others need no escape.
+std::string mixture(std::size_t length, unsigned any, unsigned seed) {
   std::mt19937 random(seed);
   std::string bytes;
-  while (bytes.size() < length) {
-    const bool escape = random() % 100 < reserved;
-    bytes.push_back(escape ? " %/+\xC3\xFF\0\n"[random() % 8] : "abcXYZ0189-._~"[random() % 14]);
-  }
+  while (bytes.size() < length)
+    bytes.push_back(random() % 100 < any ? static_cast<char>(random()) : "abcXYZ0189-._~"[random() % 14]);
   return bytes;
 }
 
-TEST_P(KernelsPercent, EncodesEveryByteAndPairOfBytes) {
-  for (int pair = 0; pair < 0x10000 + 0x100; ++pair) {
-    std::string bytes(1, static_cast<char>(pair));
-    if (pair < 0x10000) bytes.push_back(static_cast<char>(pair >> 8));
-    ASSERT_EQ(encode(bytes), encodedByRule(bytes)) << pair;
-  }
-}
-
-TEST_P(KernelsPercent, DecodesEveryPairAfterAPercentSignWhereverItStands) {
+TEST_P(KernelsPercent, DecodesEveryPairAfterAPercentSignNearBlockEnds) {
   for (const unsigned before : {0u, 13u, 14u, 15u, 29u, 30u, 31u, 61u, 62u, 63u, 125u, 126u, 127u})
     for (int pair = 0; pair < 65536; ++pair) {
       std::string text(before, 'x');
       text += {'%', static_cast<char>(pair >> 8), static_cast<char>(pair)};
-      ASSERT_EQ(decode(text), decodedByRule(text)) << before << " before pair " << pair;
+      ASSERT_EQ(decode(text), decodedByRule(text)) << before << " bytes before pair " << pair;
     }
 }
 
-TEST_P(KernelsPercent, GoesBothWaysAtEveryLengthAndAlignmentWithinBounds) {
-  for (const unsigned reserved : {0u, 3u, 50u, 100u})
+TEST_P(KernelsPercent, RoundTripsAtEveryLengthAndAlignmentWithinBounds) {
+  for (const unsigned any : {0u, 3u, 50u, 100u})
     for (std::size_t length = 0; length <= threeWidths; ++length) {
-      const std::string bytes = mixture(length, reserved, static_cast<unsigned>(length));
+      const std::string bytes = mixture(length, any, static_cast<unsigned>(length));
       const std::string text = encodedByRule(bytes);
-      for (std::size_t gap = 0; gap < alignments; gap += reserved == 50 ? 1 : 7) {
+      for (std::size_t gap = 0; gap < alignments; gap += any == 50 ? 1 : 7) {
         ASSERT_EQ(encode(bytes, gap), text) << length << " bytes, gap " << gap;
         ASSERT_EQ(decode(text, gap), bytes) << length << " bytes, gap " << gap;
       }
     }
 }
 
-TEST_P(KernelsPercent, RefusesAFaultAtEveryPosition) {
+TEST_P(KernelsPercent, RejectsInvalidInputAtEveryPosition) {
   for (std::size_t length = 1; length <= threeWidths; ++length) {
     std::string text = encodedByRule(mixture(length, 40, static_cast<unsigned>(length)));
     for (std::size_t at = 0; at < text.size(); ++at)

@@ -106,7 +106,7 @@ class KernelsUnicode : public testing::TestWithParam<const UnicodeKernels*> {
     const auto to = target.last(room, gap);
     target.fill(Other('~'));
     Found found{{}, run(from.data(), from.size(), to.data(), room)};
-    EXPECT_TRUE(target.isFilledBeside(to, Other('~')));
+    EXPECT_TRUE(target.isFilledAround(to, Other('~')));
     if (found.place == text.size()) found.result.assign(to.begin(), to.end());
     return found;
   }

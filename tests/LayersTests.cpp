@@ -1,10 +1,10 @@
-// The arrows between the layers, read off the sources themselves: vectors/layers.tsv says for each folder
-// what its files may include and which names they must not use.
+// Checks the arrows between the layers in the sources: for each folder, vectors/layers.tsv says what its
+// files may include and which names they must not use.
 #include <filesystem>
 #include <regex>
 #include <set>
 
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ bool isSource(const fs::path& path) { return path.extension() == ".h" || path.ex
 
 class LayersTest : public testing::TestWithParam<std::vector<std::string>> {};
 
-TEST_P(LayersTest, StandsOnWhatIsBelowItOnly) {
+TEST_P(LayersTest, DependsOnlyOnLayersBelow) {
   static const std::regex directive(R"(\s*#\s*include\s*[<"]([^>"]+)[>"].*)");
   const std::regex files(".*\\" + GetParam().at(1)), included(GetParam().at(2)),
       forbidden(R"(\b()" + GetParam().at(3) + R"()\b)");
@@ -24,7 +24,7 @@ TEST_P(LayersTest, StandsOnWhatIsBelowItOnly) {
     ++sources;
     std::ifstream file(entry.path());
     for (std::string line; std::getline(file, line);) {
-      line.erase(std::min(line.find("//"), line.size()));  // comments are no code
+      line.erase(std::min(line.find("//"), line.size()));  // comments are not code
       std::smatch header;
       const bool includes = std::regex_match(line, header, directive);
       EXPECT_TRUE(!includes || std::regex_match(header[1].str(), included)) << entry.path() << line;
@@ -38,7 +38,7 @@ INSTANTIATE_TEST_SUITE_P(Folders, LayersTest, testing::ValuesIn(vectors("layers.
   return std::regex_replace(row.param[0] + row.param[1], std::regex("[/.*]+"), "_");
 });
 
-TEST(LayersTest, EveryFolderOfSourcesHasItsRule) {
+TEST(LayersTest, EveryFolderOfSourcesHasARule) {
   std::set<fs::path> ruled, found;
   for (const auto& row : vectors("layers.tsv")) ruled.insert(row[0]);
   for (const char* top : {"VXFoundation", "platform", "tool", "examples"}) {

@@ -1,12 +1,13 @@
 #include <sys/stat.h>
 
+#include <Foundation/NSBundle.h>
 #include <Foundation/NSPropertyList.h>
 
-#include <filesystem>
-
 #include "tests/support/Bytes.h"
+#include "tests/support/Command.h"
 #include "tests/support/Files.h"
 #include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace files = std::filesystem;
 
@@ -37,7 +38,7 @@ class Installation {
     }
   }
 
-  // Puts the content in the place of what is there.
+  // Replaces the content of a file, or removes the file if the content is "-"; "|" makes a pipe of it.
   void replace(const files::path& name, const std::string& content) const {
     const files::path file = root() / name;
     files::remove_all(file);
@@ -72,23 +73,23 @@ class Installation {
 
 }  // namespace
 
-TEST(NSBundle, EveryLanguageHasEveryKeyWhichIsTheEnglishText) {
+TEST(NSBundle, EveryLanguageTranslatesEveryEnglishString) {
   NSRefPtr<NSDictionary> english;
   for (const std::string language : {"en", "de", "fr", "es", "ja", "zh_CN"}) {
     const auto file = resources / (language + ".lproj") / "Localizable.strings";
-    const auto texts = NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(file.string()));
-    ASSERT_TRUE(texts) << language;
-    EXPECT_EQ(texts->count(), 5U) << language;
-    if (!english) english = texts;
+    const auto strings = NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(file.string()));
+    ASSERT_TRUE(strings) << language;
+    EXPECT_EQ(strings->count(), 5U) << language;
+    if (!english) english = strings;
     for (const NSRef<NSObject> key : *english) {
-      const NSRefPtr<NSObject> translation = texts->objectForKey(key);
+      const NSRefPtr<NSObject> translation = strings->objectForKey(key);
       ASSERT_TRUE(translation) << language << *key->description();
-      EXPECT_EQ(translation->isEqual(key), texts == english) << language << *key->description();
+      EXPECT_EQ(translation->isEqual(key), strings == english) << language << *key->description();
     }
   }
 }
 
-TEST(NSBundle, HostsAreToldWhatTheTableSays) {
+TEST(NSBundle, HostsFindWhatTheTableSays) {
   for (const auto& row : byteVectors("bundle-hosts.tsv")) {
     const Installation installation;
     if (row[0] != "-") installation.replace(row[0], row[1]);
@@ -96,7 +97,7 @@ TEST(NSBundle, HostsAreToldWhatTheTableSays) {
   }
 }
 
-TEST(NSBundle, TheRegisteredInformationIsThatOfTheFile) {
+TEST(NSBundle, TheRegisteredInformationEqualsTheFiles) {
   const Installation installation;
   const std::string ofFile = installation.run("app", "$root/lib", "de", "information");
   installation.replace("lib/Resources", "-");
@@ -104,14 +105,14 @@ TEST(NSBundle, TheRegisteredInformationIsThatOfTheFile) {
   EXPECT_NE(ofFile.find("CFBundleIdentifier = org.vxfoundation.VXFoundation"), std::string::npos) << ofFile;
 }
 
-TEST(NSBundle, AnswerForWhatIsNotThere) {
+TEST(NSBundle, MissingBundlesAreNil) {
   EXPECT_FALSE(NSBundle::bundleWithIdentifier("org.vxfoundation.nobody"));
   EXPECT_FALSE(NSBundle::bundleWithIdentifier(nullptr));
   EXPECT_FALSE(NSBundle::bundleWithPath("/nowhere"));
   EXPECT_FALSE(NSBundle::bundleWithPath(""));
 }
 
-TEST(NSBundle, TranslateAsTheTableSays) {
+TEST(NSBundle, TranslatesAsTheTableSays) {
   setenv("LC_ALL", "en_GB.UTF-8", 1);
   setenv("LANGUAGE", "de", 1);
   const auto bundle = NSBundle::bundleWithIdentifier("org.vxfoundation.VXFoundation");

@@ -1,7 +1,8 @@
-#include "tests/support/Bytes.h"
-#include "tests/support/Support.h"
+#include <gtest/gtest.h>
 
-TEST(NSData, BytesThatAreAddedAreZero) {
+#include "tests/support/Bytes.h"
+
+TEST(NSData, AddedBytesAreZero) {
   const auto data = NSMutableData::dataWithBytes("abc", 3);
   data->setLength(1);
   data->setLength(3);

@@ -1,11 +1,7 @@
+#include <Foundation/NSError.h>
+
 #include "tests/support/Bytes.h"
 #include "tests/support/Support.h"
-
-namespace {
-
-NSRef<NSNumber> number(std::int64_t value) { return NSNumber::numberWithInteger(value); }
-
-}  // namespace
 
 TEST(NSError, NumbersAndErrorsAreEqualByValue) {
   EXPECT_TRUE(NSNumber::numberWithBool(true)->isEqual(number(1)));

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
-TEST(NSLocale, LanguagesComeInTheOrderOfGettext) {
+TEST(NSLocale, LanguagesFollowTheOrderOfGettext) {
   for (const auto& row : vectors("languages.tsv")) {
     const auto variable = [&](std::string_view name) {
       const std::vector<std::string_view> columns = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};

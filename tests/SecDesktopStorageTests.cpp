@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "tests/desktop/FakeService.h"
+#include "tests/support/Command.h"
 #include "tests/support/Files.h"
 #include "tests/support/SecStorageConformance.h"
 

@@ -18,7 +18,7 @@ void sha256(sqlite3_context* context, int, sqlite3_value** values) {
   sqlite3_result_blob(context, hash, sizeof hash, SQLITE_TRANSIENT);
 }
 
-/// Runs SQL on a file as any other program could.
+/// Runs SQL on a file, as any other program could.
 void runSQL(const fs::path& path, const std::string& sql) {
   sqlite3* database = nullptr;
   ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
@@ -28,14 +28,14 @@ void runSQL(const fs::path& path, const std::string& sql) {
   sqlite3_close(database);
 }
 
-/// A slot as docs/credential-store.md describes it, written with the hash that makes it a whole one.
+/// Writes a slot as docs/credential-store.md describes it, with the hash that makes it valid.
 void writeSlot(const fs::path& store, const std::string& parameters) {
   const std::string content = "x'" + parameters + "'||substr(slot,5,76)";
   runSQL(store, "UPDATE store SET slot=CAST(" + content +
                     "||sha256(CAST('VXFoundation slot'||x'00000001'||id||" + content + " AS BLOB)) AS BLOB)");
 }
 
-/// Every name below a folder, with its mode and, for a file, its content.
+/// Returns every path below a folder, with its mode and, for a file, its content.
 std::set<std::string> snapshot(const fs::path& folder) {
   std::set<std::string> seen;
   for (const auto& item : fs::recursive_directory_iterator(folder)) {
@@ -52,7 +52,7 @@ fs::path onlyFileIn(const fs::path& folder) {
   return fs::directory_iterator(folder)->path();
 }
 
-/// A closed store with three passwords, and the paths of what it is made of.
+/// A closed store with three passwords, and the paths of its files and folders.
 struct ClosedStore {
   ClosedStore() {
     Passwords passwords;
@@ -69,10 +69,10 @@ struct ClosedStore {
   TemporaryPlace temporary;
 };
 
-/// Carries out SecFileStorage.txt.
+/// Performs the steps of SecFileStorage.txt.
 class StoreSteps {
  public:
-  std::string answerTo(const std::string& step) {
+  std::string resultOf(const std::string& step) {
     const auto [operation, rest] = cut(step, " ");
     const auto [first, second] = cut(rest, " ");
     if (operation == "move") {
@@ -146,7 +146,7 @@ TEST(SecFileStorage, Conforms) {
   });
 }
 
-TEST(SecFileStorage, IsWhereTheEnvironmentSays) {
+TEST(SecFileStorage, DefaultPlaceFollowsTheEnvironment) {
   const auto set = [](const char* name, const std::string& value) {
     value == "-" ? ::unsetenv(name) : ::setenv(name, value.c_str(), 1);
   };
@@ -163,7 +163,7 @@ TEST(SecFileStorage, IsWhereTheEnvironmentSays) {
   }
 }
 
-TEST(SecFileStorage, RefusesWhatStandsInPlaceOfItsFiles) {
+TEST(SecFileStorage, RejectsForeignFilesInPlaceOfItsOwn) {
   for (const auto& row : vectors("store-refusals.tsv")) {
     if (row[1].find("chown") != row[1].npos && ::geteuid() != 0) continue;
     SCOPED_TRACE(testing::PrintToString(row));
@@ -178,7 +178,7 @@ TEST(SecFileStorage, RefusesWhatStandsInPlaceOfItsFiles) {
   }
 }
 
-TEST(SecFileStorage, SeesWhatWasDoneBehindItsBack) {
+TEST(SecFileStorage, DetectsChangesMadeBehindItsBack) {
   for (const auto& row : vectors("store-attacks.tsv")) {
     SCOPED_TRACE(row[0]);
     const ClosedStore closed, other;
@@ -205,17 +205,17 @@ TEST(SecFileStorage, SeesWhatWasDoneBehindItsBack) {
   }
 }
 
-TEST(SecFileStorage, DoesWhatTheScriptSays) {
+TEST(SecFileStorage, FollowsTheScript) {
   std::optional<StoreSteps> steps;
-  const auto expectStep = [&](const std::string& step, const std::string& answer) {
-    EXPECT_EQ(steps->answerTo(step), answer);
+  const auto expectStep = [&](const std::string& step, const std::string& expected) {
+    EXPECT_EQ(steps->resultOf(step), expected);
   };
   EXPECT_GT(runScript(
                 "SecFileStorage.txt", [&] { steps.emplace(); }, expectStep),
             50u);
 }
 
-TEST(SecFileStorage, AFailureThatTheWorkHidesUndoesItAll) {
+TEST(SecFileStorage, AFailureThatTheWorkHidesUndoesTheTransaction) {
   const TemporaryPlace temporary;
   Passwords passwords;
   ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);

@@ -1,4 +1,4 @@
-// The tool as a person at a terminal meets it: scripts/ToolTerminal.txt, which says how it is written.
+// The tool as a person at a terminal uses it; scripts/ToolTerminal.txt has the dialogues and their format.
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
@@ -10,10 +10,11 @@
 
 #include "tests/support/Files.h"
 #include "tests/support/Script.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 
-/// One run of a command on a terminal of its own.
+/// One run of a command on a terminal.
 class TerminalRun {
  public:
   explicit TerminalRun(const std::string& command) {
@@ -26,7 +27,7 @@ class TerminalRun {
   TerminalRun& operator=(const TerminalRun&) = delete;
   ~TerminalRun() { hangUp(); }
 
-  /// Waits until the terminal shows `text`, after what was waited for before.
+  /// Waits until the terminal shows `text` after what the last call waited for.
   void expect(const std::string& text) {
     while (shown_.find(text, waited_) == std::string::npos)
       if (!read()) FAIL() << "no '" << text << "' in: " << shown_;
@@ -44,7 +45,7 @@ class TerminalRun {
 
   void hangUp() { close(std::exchange(terminal_, -1)); }
 
-  /// The exit status, or minus the signal.
+  /// Waits for the end; returns the exit status, or the negative number of the signal.
   int end() {
     while (isThere() && read()) continue;
     int status = 0;
@@ -77,8 +78,8 @@ class TerminalRun {
   std::size_t waited_ = 0;
 };
 
-/// What is done at a prompt: keys are typed, "<N>" is that many letters, "!NAME" a signal that is sent,
-/// "!hang up" takes the terminal away.
+/// Acts at a prompt: types keys, where "<N>" stands for N letters; "!NAME" sends a signal, "!hang up" closes
+/// the terminal.
 void act(TerminalRun& run, const std::string& keys) {
   if (keys == "!hang up") return run.hangUp();
   if (keys.starts_with('!')) return run.send(keys.substr(1));
@@ -87,9 +88,9 @@ void act(TerminalRun& run, const std::string& keys) {
   run.type(std::string(std::stoul(count), 'x') + unescaped(rest));
 }
 
-void expectStep(const std::string& step, const std::string& answer) {
+void expectStep(const std::string& step, const std::string& expected) {
   auto [command, dialogue] = cut(step, " ? ");
-  const auto [status, ending] = cut(answer, " | ");
+  const auto [status, ending] = cut(expected, " | ");
   std::vector<std::string> secrets;
   TerminalRun run(command);
   while (!dialogue.empty()) {
@@ -114,7 +115,7 @@ void expectStep(const std::string& step, const std::string& answer) {
 
 }  // namespace
 
-TEST(ToolTerminal, SaysWhatTheScriptSays) {
+TEST(ToolTerminal, FollowsTheScript) {
   std::optional<TemporaryFolder> folder;
   const auto begin = [&] {
     folder.emplace();

@@ -1,4 +1,4 @@
-// The tool as a person at a shell meets it: scripts/Tool.txt and, for what takes one line, vectors/tool.tsv.
+// The tool as a person at a shell uses it: scripts/Tool.txt and, for single commands, vectors/tool.tsv.
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "tests/support/Files.h"
-#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ struct Case {
   std::vector<Command> commands;
 };
 
-/// The cases of vectors/tool.tsv, of one command each.
+/// Adds the cases of vectors/tool.tsv, of one command each.
 void addTable(std::vector<Case>& cases) {
   for (auto row : vectors("tool.tsv")) {
     row.resize(5);
@@ -60,7 +60,7 @@ std::vector<Case> allCases() {
 
 class ToolTest : public testing::TestWithParam<Case> {
  protected:
-  /// Runs all commands in one shell, each with its output, messages and status in files of its own.
+  /// Runs all commands in one shell, and writes the output, messages and status of each to separate files.
   void run(const std::vector<Command>& commands) {
     std::ostringstream script;
     for (std::size_t i = 0; i < commands.size(); ++i)
@@ -83,7 +83,7 @@ class ToolTest : public testing::TestWithParam<Case> {
   TemporaryFolder folder_;
 };
 
-TEST_P(ToolTest, DoesWhatTheTranscriptSays) {
+TEST_P(ToolTest, MatchesTheTranscript) {
   const auto& commands = GetParam().commands;
   run(commands);
   for (std::size_t i = 0; i < commands.size(); ++i) {

@@ -1,25 +1,13 @@
 #include <CoreServices/UTType.h>
 
-#include <unistd.h>
-
 #include <atomic>
-#include <filesystem>
-#include <map>
-#include <set>
 #include <thread>
 
+#include "tests/support/Files.h"
 #include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
-
-struct BuiltInType {
-  std::string identifier;
-  std::set<std::string> conformsTo;
-};
-
-const std::vector<BuiltInType> builtInTypes = {
-#include <CoreServices/Internal/UTBuiltInTypes.inc>
-};
 
 bool conforms(std::string_view type, std::string_view other) {
   return UTTypeConformsTo(text(type), text(other));
@@ -30,14 +18,13 @@ std::string declaration(const std::string& type, const std::string& other) {
          "</string><key>UTTypeConformsTo</key><array><string>" + other + "</string></array></dict>";
 }
 
-// The code of the error with which an information file with this is refused; 0 when it is not.
+// Returns the code of the error with which an information file with these types is refused, or 0.
 std::int64_t declare(const std::string& exported) {
-  const auto path = std::filesystem::temp_directory_path() / ("vxfoundation-" + std::to_string(getpid()));
-  std::ofstream(path) << "<plist version=\"1.0\"><dict><key>UTExportedTypeDeclarations</key>" << exported
-                      << "</dict></plist>";
+  const TemporaryFolder folder;
+  const std::string path = folder.root / "Info.plist";
+  writeFile(path, "<plist><dict><key>UTExportedTypeDeclarations</key>" + exported + "</dict></plist>");
   NSRefPtr<NSError> error;
-  const bool done = UTTypeDeclareTypesInFile(text(path.string()), &error);
-  std::filesystem::remove(path);
+  const bool done = UTTypeDeclareTypesInFile(text(path), &error);
   EXPECT_NE(done, bool(error));
   return error ? error->code() : 0;
 }
@@ -55,23 +42,7 @@ std::int64_t declareChain(const std::string& prefix, int length) {
 
 }  // namespace
 
-TEST(UTType, BuiltInTypesConformToWhatTheTableReaches) {
-  std::map<std::string, std::set<std::string>> reached;
-  // Each stands behind those that it conforms to: neither a cycle nor a type that is not there can do that.
-  for (const BuiltInType& type : builtInTypes) {
-    auto& supertypes = reached[type.identifier];
-    EXPECT_TRUE(supertypes.insert(type.identifier).second) << type.identifier << " is there twice";
-    for (const std::string& each : type.conformsTo) {
-      ASSERT_TRUE(reached.contains(each)) << type.identifier << " conforms to " << each;
-      supertypes.merge(std::set(reached[each]));
-    }
-  }
-  for (const auto& [type, supertypes] : reached)
-    for (const BuiltInType& other : builtInTypes)
-      ASSERT_EQ(conforms(type, other.identifier), supertypes.contains(other.identifier)) << type;
-}
-
-TEST(UTType, HostsDeclareTypesOfTheirOwn) {
+TEST(UTType, HostsDeclareTheirOwnTypes) {
   for (const auto& row : vectors("host-declarations.tsv")) {
     const bool asks = row.at(0) == "?";
     EXPECT_EQ(asks ? conforms(row.at(1), row.at(2)) : declare(row.at(1), row.at(2)), std::stoi(row.at(3)))
@@ -91,7 +62,7 @@ TEST(UTType, RefusedDeclarationsChangeNothing) {
   }
 }
 
-TEST(UTType, QueriesRunBesideDeclarations) {
+TEST(UTType, QueriesRunConcurrentlyWithDeclarations) {
   std::atomic<bool> done = false;
   std::thread asking([&] {
     while (!done) EXPECT_TRUE(conforms("public.png", "public.item"));

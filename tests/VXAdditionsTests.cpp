@@ -1,7 +1,9 @@
-#include <random>
+#include <Foundation/NSMutableString.h>
+#include <VXFoundation/NSArray+VXAdditions.h>
 
 #include "tests/support/Bytes.h"
 #include "tests/support/RecordedAssertions.h"
+#include "tests/support/Vectors.h"
 
 using VXAdditions::vxfoundation_arrayByRemovingObjectsInArray;
 using VXAdditions::vxfoundation_combinationsJoined;
@@ -11,7 +13,12 @@ namespace {
 
 using Mapping = NSRef<NSObject>(const NSRef<NSObject>&, std::size_t, bool*);
 
-std::string joined(const NSArray& list) { return *bytesOf(list.componentsJoinedByString("|")); }
+std::string joined(const NSArray& array) { return *bytesOf(array.componentsJoinedByString("|")); }
+
+NSRef<NSArray> split(const NSRef<NSObject>& cell) {
+  const auto text = NSRef(NSDynamicCast<NSString>(cell));
+  return text->isEqualToString("-") ? NSArray::array() : text->componentsSeparatedByString(",");
+}
 
 const NSRef<NSArray> letters = NSArray::arrayWithObjects({"a", "b", "c"});
 
@@ -21,46 +28,32 @@ NSRef<NSObject> numbered(const NSRef<NSObject>& element, std::size_t index, bool
 
 }  // namespace
 
-TEST(VXAdditions, CombinationsCountLikeAnOdometer) {
-  std::mt19937 random(11);
-  for (int round = 0; round < 300; ++round) {
-    const auto lists = NSMutableArray::array();
-    std::size_t product = 1;
-    for (std::size_t i = random() % 5; i > 0; --i) {
-      const auto list = NSMutableArray::array();
-      for (std::size_t n = random() % 5; n > 0; --n)
-        list->addObject(text(std::vector{"", "a", "b", "\u00E9", "a"}[n]));
-      lists->addObject(list);
-      product *= list->count();
-    }
-    const auto results = vxfoundation_combinationsJoined(lists);
-    ASSERT_EQ(results->count(), product);
-    for (std::size_t k = 0, place = k; k < product; place = ++k) {
-      std::string expected;
-      for (const NSRef<NSObject> each : *lists) {
-        const NSRefPtr<NSArray> list = NSDynamicCast<NSArray>(each);
-        expected += *bytesOf(list->objectAtIndex(place % list->count())->description());
-        place /= list->count();
-      }
-      ASSERT_EQ(bytesOf(NSDynamicCast<NSMutableString>(results->objectAtIndex(k))), expected);
-    }
+TEST(VXAdditions, CombinationsMatchTheTable) {
+  for (const auto& row : byteVectors("combinations.tsv")) {
+    const auto arrays = NSMutableArray::array();
+    const NSRef<NSArray> cells = text(row[0])->componentsSeparatedByString("/");
+    for (const NSRef<NSObject> cell : *cells) arrays->addObject(split(cell));
+    const auto combinations = vxfoundation_combinationsJoined(arrays);
+    EXPECT_TRUE(combinations->isEqual(split(text(row[1])))) << row[0] << *combinations->description();
+    for (const NSRef<NSObject> each : *combinations) EXPECT_TRUE(NSDynamicCast<NSMutableString>(each));
   }
+  EXPECT_TRUE(vxfoundation_combinationsJoined(NSArray::array())->isEqual(NSArray::arrayWithObject("")));
 }
 
-TEST(VXAdditions, CombinationsRefuseWhatIsNoListOfTexts) {
-  const auto number = NSNumber::numberWithInteger(1);
-  const auto numbers = NSArray::arrayWithObject(number);
-  const auto combine = [](std::initializer_list<NSObjectArg> lists) {
-    return raised([&] { vxfoundation_combinationsJoined(NSArray::arrayWithObjects(lists)); });
+TEST(VXAdditions, CombinationsRejectAnythingButArraysOfStrings) {
+  const auto one = number(1);
+  const auto numbers = NSArray::arrayWithObject(one);
+  const auto combine = [](std::initializer_list<NSObjectArg> arrays) {
+    return raised([&] { vxfoundation_combinationsJoined(NSArray::arrayWithObjects(arrays)); });
   };
   EXPECT_EQ(combine({numbers}), "NSInvalidArgumentException");
-  EXPECT_EQ(combine({number}), "NSInvalidArgumentException");
+  EXPECT_EQ(combine({one}), "NSInvalidArgumentException");
   EXPECT_EQ(combine({numbers, NSArray::array()}), "nothing") << "no combination, so nothing is appended";
-  EXPECT_EQ(combine({NSArray::array(), number}), "nothing") << "nothing after an empty array is looked at";
-  EXPECT_EQ(combine({number, NSArray::array()}), "NSInvalidArgumentException");
+  EXPECT_EQ(combine({NSArray::array(), one}), "nothing") << "nothing after an empty array is examined";
+  EXPECT_EQ(combine({one, NSArray::array()}), "NSInvalidArgumentException");
 }
 
-TEST(VXAdditions, MapEndsWithTheElementThatSetsTheStopFlag) {
+TEST(VXAdditions, MapStopsAfterTheElementThatSetsTheFlag) {
   for (std::size_t last = 0; last < 5; ++last) {
     const auto mapped =
         vxfoundation_map(*letters, [&](const NSRef<NSObject>& element, auto index, bool* stop) {
@@ -71,12 +64,13 @@ TEST(VXAdditions, MapEndsWithTheElementThatSetsTheStopFlag) {
   }
 }
 
-TEST(VXAdditions, MapTakesAnythingCallable) {
+TEST(VXAdditions, MapAcceptsAnyCallable) {
   const auto map = [](auto&& each) { return joined(*vxfoundation_map(*letters, each)); };
   auto counting = [count = std::make_unique<int>(0)](const auto& element, auto...) {
     return NSString::stringWithFormat("%@%d", element, (*count)++);
   };
   const NSRefPtr<NSBlock<Mapping>> block(numbered);
+  EXPECT_EQ(block->copy(), block);
   EXPECT_EQ(map(numbered), "a0|b1|c2");
   EXPECT_EQ(map(&numbered), "a0|b1|c2");
   EXPECT_EQ(map(counting), "a0|b1|c2");
@@ -84,13 +78,13 @@ TEST(VXAdditions, MapTakesAnythingCallable) {
   EXPECT_EQ(map([](const NSRef<NSObject>& element, auto...) { return element; }), "a|b|c");
 }
 
-TEST(VXAdditions, MapAssertsItsCallableAndWhatThatMakes) {
+TEST(VXAdditions, MapAssertsItsCallableAndItsResults) {
   const std::string site = "NSArray vxfoundation_map: NSArray+VXAdditions:";
   const auto check = [&](auto&& each, const char* failure, std::size_t fromEmpty) {
-    const auto map = [&](const NSArray& list) { return raised([&] { vxfoundation_map(list, each); }); };
+    const auto map = [&](const NSArray& array) { return raised([&] { vxfoundation_map(array, each); }); };
     EXPECT_EQ(map(*letters), "NSInternalInconsistencyException");
     RecordedAssertions assertions;
-    EXPECT_EQ(map(*letters), "NSInvalidArgumentException") << "nil is called, or put into the list";
+    EXPECT_EQ(map(*letters), "NSInvalidArgumentException") << "nil is called, or put into the array";
     EXPECT_EQ(assertions.take(), std::vector{site + failure});
     EXPECT_EQ(map(*NSArray::array()), "nothing");
     EXPECT_EQ(assertions.take().size(), fromEmpty);
@@ -105,19 +99,19 @@ TEST(VXAdditions, MapAssertsItsCallableAndWhatThatMakes) {
 }
 
 TEST(VXAdditions, MapRaisesWhenTheReceiverChanges) {
-  const auto list = letters->mutableCopy();
-  const auto grow = [&](const NSRef<NSObject>& element, auto...) { return list->addObject("d"), element; };
-  EXPECT_EQ(raised([&] { vxfoundation_map(*list, grow); }), "NSGenericException");
+  const auto array = letters->mutableCopy();
+  const auto grow = [&](const NSRef<NSObject>& element, auto...) { return array->addObject("d"), element; };
+  EXPECT_EQ(raised([&] { vxfoundation_map(*array, grow); }), "NSGenericException");
 }
 
-TEST(VXAdditions, RemovalTakesAllThatEqualAndLeavesTheReceiver) {
-  const auto list = NSArray::arrayWithObjects({"a", "b", "a", "c"});
+TEST(VXAdditions, RemovalOmitsEqualElementsAndLeavesTheReceiverAlone) {
+  const auto array = NSArray::arrayWithObjects({"a", "b", "a", "c"});
   const auto without = [&](const NSRefPtr<NSArray>& objects) {
-    return joined(*vxfoundation_arrayByRemovingObjectsInArray(*list, objects));
+    return joined(*vxfoundation_arrayByRemovingObjectsInArray(*array, objects));
   };
   EXPECT_EQ(without(NSArray::arrayWithObjects({"a"})), "b|c");
   EXPECT_EQ(without(NSArray::arrayWithObjects({"c", "x", "b", "c"})), "a|a");
-  EXPECT_EQ(without(list), "");
+  EXPECT_EQ(without(array), "");
   EXPECT_EQ(without(NSArray::array()), "a|b|a|c");
   EXPECT_EQ(without(nullptr), "a|b|a|c");
 }

@@ -23,7 +23,7 @@ TEST_P(VXDecoderTests, DecodeOrRefuseEveryShortTextHoweverItIsSplit) {
                  {3, "A=+", 6},  {3, "-_/=", 4},        {4, "%4Fg", 5}, {4, "%0\xFF", 6}};
   for (const auto& domain : domains)
     for (std::size_t length = 0; length <= domain.length; ++length)
-      forEveryText(domain.alphabet, length, [&](const std::string& text) {
+      forEveryString(domain.alphabet, length, [&](const std::string& text) {
         const auto& coder = Pieces::coders[domain.coder];
         const auto expected = Pieces::decodedByRule(coder, text);
         Pieces::forEverySplit(length, [&](const Pieces::Ends& ends) {

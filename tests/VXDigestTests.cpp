@@ -2,6 +2,7 @@
 
 #include "tests/support/Digests.h"
 #include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
 namespace {
 

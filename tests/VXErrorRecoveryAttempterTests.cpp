@@ -1,3 +1,6 @@
+#include <Foundation/NSErrorPresenter.h>
+#include <VXFoundation/VXErrorRecoveryAttempter.h>
+
 #include <cstdlib>
 
 #include "tests/support/RecordedAssertions.h"
@@ -16,7 +19,7 @@ struct Listener : NSObject::Subclass<Listener> {
   void* context = nullptr;
 };
 
-// A user who always picks the option of the title.
+// A user who always chooses the option with this title.
 struct Picker : NSErrorPresenter {
   explicit Picker(std::string pickedTitle) : title(std::move(pickedTitle)) {}
   std::optional<std::size_t> choose(const NSError&, const NSArray& localizedOptions) override {
@@ -28,7 +31,7 @@ struct Picker : NSErrorPresenter {
 
 class VXErrorRecovery : public testing::Test {
  protected:
-  // Options whose titles say what their actions answer.
+  // Adds options whose titles say what their actions return.
   void addOptions(std::initializer_list<bool> results) {
     for (const bool result : results)
       attempter->addRecoveryOptionWithLocalizedTitle(text(result ? "yes" : "no"),
@@ -49,21 +52,21 @@ class VXErrorRecovery : public testing::Test {
 
 }  // namespace
 
-TEST_F(VXErrorRecovery, OptionsKeepTheirOrderInAListOfTheirOwn) {
+TEST_F(VXErrorRecovery, OptionsKeepTheirOrderInASeparateArray) {
   const auto before = attempter->recoveryOptions();
   addOptions({true, false});
   EXPECT_EQ(before->count(), 0U);
   EXPECT_TRUE(attempter->recoveryOptions()->isEqual(NSArray::arrayWithObjects({"yes", "no"})));
   const auto shared = NSMutableArray::array();
   attempter->setTitles(shared);
-  EXPECT_EQ(attempter->titles(), shared) << "the list itself, not a copy";
+  EXPECT_EQ(attempter->titles(), shared) << "the array itself, not a copy";
 }
 
-TEST_F(VXErrorRecovery, TheActionAtTheIndexGetsTheVeryErrorWithoutADelegateToo) {
+TEST_F(VXErrorRecovery, ActionsGetTheSameErrorWithAndWithoutADelegate) {
   addOptions({false});
-  std::vector<NSError*> told;
+  std::vector<NSError*> received;
   const NSRefPtr<VXErrorRecoveryBlock> action = [&](const auto& error) {
-    return told.push_back(error.get()), true;
+    return received.push_back(error.get()), true;
   };
   EXPECT_EQ(add("once", action) + add("again", action), "nothingnothing");
   EXPECT_FALSE(attempter->attemptRecoveryFromError(failure, 0));
@@ -71,17 +74,17 @@ TEST_F(VXErrorRecovery, TheActionAtTheIndexGetsTheVeryErrorWithoutADelegateToo) 
   attempter->attemptRecoveryFromError(failure, 1, NSRefPtr<Listener>(), selector, nullptr);
   attempter->attemptRecoveryFromError(failure, 1, nullptr, nullptr);
   attempter->attemptRecoveryFromError(failure, 1, nullptr, &Listener::didRecover, nullptr);
-  EXPECT_EQ(told, std::vector(4, failure.get()));
+  EXPECT_EQ(received, std::vector(4, failure.get()));
 }
 
-TEST_F(VXErrorRecovery, TheDelegateHearsResultAndContext) {
+TEST_F(VXErrorRecovery, DelegatesReceiveResultAndContext) {
   addOptions({true, false});
   EXPECT_EQ(attempt(0), "nothing");
   EXPECT_EQ(listener->context, &context);
   attempter->attemptRecoveryFromError(failure, 1, listener, selector, nullptr);
   EXPECT_EQ(listener->context, nullptr);
-  const auto tell = [&](bool recovered, void* told) { listener->didRecover(recovered, told); };
-  attempter->attemptRecoveryFromError(failure, 0, tell, &context);
+  const auto notify = [&](bool recovered, void* info) { listener->didRecover(recovered, info); };
+  attempter->attemptRecoveryFromError(failure, 0, notify, &context);
   const NSRef<Listener> made = listener;
   attempter->attemptRecoveryFromError(failure, 0, made, selector, &context);
   attempter->attemptRecoveryFromError(failure, 1, listener, &Listener::overhear, &context);
@@ -97,11 +100,11 @@ TEST_F(VXErrorRecovery, AnActionIsCopiedWithItsState) {
   EXPECT_FALSE(attempter->attemptRecoveryFromError(failure, 0));
 }
 
-TEST_F(VXErrorRecovery, AnIndexWithoutAnActionRaisesAndTellsNobody) {
+TEST_F(VXErrorRecovery, AnIndexWithoutAnActionRaisesAndNotifiesNobody) {
   addOptions({true});
   attempter->titles()->addObject("a title alone");
   EXPECT_EQ(attempt(1), "NSRangeException") << "the actions count, not the titles";
-  attempter->blocks()->addObject("no action");
+  attempter->blocks()->addObject(NSRefPtr<NSBlock<void()>>([] {}));
   EXPECT_EQ(attempt(1), "NSInvalidArgumentException");
   attempter->setBlocks(NSMutableArray::array());
   EXPECT_EQ(attempt(0), "NSRangeException");
@@ -110,7 +113,7 @@ TEST_F(VXErrorRecovery, AnIndexWithoutAnActionRaisesAndTellsNobody) {
   EXPECT_EQ(listener->heard, "");
 }
 
-TEST_F(VXErrorRecovery, CancelNeverRecoversAndIsOneBlock) {
+TEST_F(VXErrorRecovery, CancelNeverRecoversAndSharesOneBlock) {
   setenv("LC_ALL", "en_GB.UTF-8", 1);
   for (const char* language : {"en", "de", "xx"}) {
     setenv("LANGUAGE", language, 1);
@@ -138,7 +141,7 @@ TEST_F(VXErrorRecovery, TitleAndActionAreAsserted) {
   EXPECT_EQ(attempter->blocks()->count(), 0U);
 }
 
-TEST_F(VXErrorRecovery, APresenterHasTheChosenOptionCarriedOut) {
+TEST_F(VXErrorRecovery, PresentersCarryOutTheChosenOption) {
   addOptions({false, true});
   const auto userInfo = NSDictionary::dictionaryWithObjectsAndKeys(
       {{attempter, NSRecoveryAttempterErrorKey},
@@ -149,7 +152,7 @@ TEST_F(VXErrorRecovery, APresenterHasTheChosenOptionCarriedOut) {
   EXPECT_FALSE(Picker("yes").presentError(failure));
 }
 
-TEST_F(VXErrorRecovery, AHostsSubclassMakesItsOwn) {
+TEST_F(VXErrorRecovery, FactoriesOfASubclassMakeTheSubclass) {
   struct Special : VXErrorRecoveryAttempter::Subclass<Special> {};
   struct Refusing : Special::Subclass<Refusing> {
     bool init() override { return false; }

@@ -1,3 +1,7 @@
+#include <Foundation/NSMutableString.h>
+#include <VXFoundation/VXFoundationConstants.h>
+#include <VXFoundation/VXKeychainItem.h>
+
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -8,79 +12,71 @@
 
 namespace {
 
-/// The fields of an item that a script writes as a map.
+/// The fields of an item that a script writes as a dictionary.
 class Fields {
  public:
-  explicit Fields(const std::string& written) : map_(writtenMap(written)) {}
+  explicit Fields(const std::string& written) : dictionary_(writtenMap(written)) {}
 
   NSRef<VXPasswordKeychainItem> item() const {
     const NSRef<VXPasswordKeychainItem> made = itemWithPassword();
-    if (!made->data()) made->setData(value<NSData>(kSecValueData));
+    if (!made->data()) made->setData(secret_);
     return made;
   }
 
   NSRefPtr<NSArray> all(bool includePassword, NSRefPtr<NSError>* error) const {
     if (isGeneric())
-      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account(), service(), includePassword,
+      return VXGenericKeychainItem::findAllKeychainItemsForUsername(account_, service_, includePassword,
                                                                     error);
-    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account(), server(), path(), port(),
-                                                                   protocol(), includePassword, error);
+    return VXInternetKeychainItem::findAllKeychainItemsForUsername(account_, server_, path_, port_, protocol_,
+                                                                   includePassword, error);
   }
 
-  /// Sets the fields that are written.
+  /// Sets the fields that the dictionary has.
   void change(VXPasswordKeychainItem& item) const {
-    if (account()) item.setUsername(account());
-    if (label()) item.setLabel(label());
-    if (value<NSData>(kSecValueData)) item.setData(value<NSData>(kSecValueData));
+    if (account_) item.setUsername(account_);
+    if (label_) item.setLabel(label_);
+    if (secret_) item.setData(secret_);
     auto* internet = dynamic_cast<VXInternetKeychainItem*>(&item);
-    if (internet && path()) internet->setPath(path());
-    if (internet && port()) internet->setPort(port());
-    if (internet && protocol()) internet->setProtocol(protocol());
+    if (internet && path_) internet->setPath(path_);
+    if (internet && port_) internet->setPort(port_);
+    if (internet && protocol_) internet->setProtocol(protocol_);
   }
 
   NSRef<VXPasswordKeychainItem> finder() const {
-    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account(), service());
-    return VXInternetKeychainItem::findKeychainItemForUsername(account(), server(), path(), port(),
-                                                               protocol());
+    if (isGeneric()) return VXGenericKeychainItem::findKeychainItemForUsername(account_, service_);
+    return VXInternetKeychainItem::findKeychainItemForUsername(account_, server_, path_, port_, protocol_);
   }
 
  private:
   NSRef<VXPasswordKeychainItem> itemWithPassword() const {
+    const auto password = secret_ ? NSString::stringWithData(secret_, NSUTF8StringEncoding) : nullptr;
     if (isGeneric())
-      return VXGenericKeychainItem::keychainItemWithUsername(account(), password(), label(), service());
-    if (text(kSecClass))
-      return VXInternetKeychainItem::keychainItemWithUsername(account(), password(), label(), server(),
-                                                              path(), port(), protocol());
+      return VXGenericKeychainItem::keychainItemWithUsername(account_, password, label_, service_);
+    if (dictionary_->objectForKey(kSecClass))
+      return VXInternetKeychainItem::keychainItemWithUsername(account_, password, label_, server_, path_,
+                                                              port_, protocol_);
     const auto common = VXPasswordKeychainItem::alloc();
-    common->initWithUsername(account(), password(), label());
+    common->initWithUsername(account_, password, label_);
     return common;
   }
 
-  template <class Kind>
+  template <class Kind = NSString>
   NSRefPtr<Kind> value(const NSRef<NSString>& key) const {
-    return NSDynamicCast<Kind>(map_->objectForKey(key));
+    return NSDynamicCast<Kind>(dictionary_->objectForKey(key));
   }
-  NSRefPtr<NSString> text(const NSRef<NSString>& key) const { return value<NSString>(key); }
-  std::int64_t number(const NSRef<NSString>& key) const {
+  std::int64_t integer(const NSRef<NSString>& key) const {
     const auto written = value<NSNumber>(key);
     return written ? written->integerValue() : 0;
   }
-  bool isGeneric() const { return kSecClassGenericPassword->isEqual(text(kSecClass)); }
-  NSRefPtr<NSString> account() const { return text(kSecAttrAccount); }
-  NSRefPtr<NSString> label() const { return text(kSecAttrLabel); }
-  NSRefPtr<NSString> service() const { return text(kSecAttrService); }
-  NSRefPtr<NSString> server() const { return text(kSecAttrServer); }
-  NSRefPtr<NSString> path() const { return text(kSecAttrPath); }
-  std::int64_t port() const { return number(kSecAttrPort); }
-  VXInternetKeychainItemProtocol protocol() const {
-    return VXInternetKeychainItemProtocol(number(kSecAttrProtocol));
-  }
-  NSRefPtr<NSString> password() const {
-    const auto secret = value<NSData>(kSecValueData);
-    return secret ? NSString::stringWithData(secret, NSUTF8StringEncoding) : nullptr;
-  }
+  bool isGeneric() const { return kSecClassGenericPassword->isEqual(value(kSecClass)); }
 
-  NSRefPtr<NSDictionary> map_;
+  const NSRefPtr<NSDictionary> dictionary_;
+  const NSRefPtr<NSString> account_ = value(kSecAttrAccount), label_ = value(kSecAttrLabel),
+                           service_ = value(kSecAttrService), server_ = value(kSecAttrServer),
+                           path_ = value(kSecAttrPath);
+  const std::int64_t port_ = integer(kSecAttrPort);
+  const VXInternetKeychainItemProtocol protocol_ = VXInternetKeychainItemProtocol(integer(kSecAttrProtocol));
+  const NSRefPtr<NSData> secret_ = value<NSData>(kSecValueData);
 };
 
 void share(VXKeychainItem& item, const VXKeychainItem& other) {
@@ -88,7 +84,7 @@ void share(VXKeychainItem& item, const VXKeychainItem& other) {
   item.setKeychainItemResponse(other.keychainItemResponse());
 }
 
-/// An item that has both maps, without a store having been asked.
+/// Returns an item with a request and a response, without querying a store.
 NSRef<VXPasswordKeychainItem> boundItem(const std::string& fields) {
   const auto item = Fields(fields).item();
   item->setKeychainItemRequest(NSDictionary::dictionaryWithObject(kSecClassGenericPassword, kSecClass));
@@ -113,7 +109,7 @@ bool perform(const std::string& operation, VXKeychainItem& item, NSRefPtr<NSErro
   throw std::invalid_argument("no operation " + operation);
 }
 
-/// Whether the operation was done, and the code of the error where it gave one.
+/// Performs the operation; returns whether it succeeded, and the code of the error that it stored.
 std::string outcome(const std::string& operation, VXKeychainItem& item) {
   const NSRefPtr<NSError> untouched = NSError::errorWithDomain("host", 7, nullptr);
   NSRefPtr<NSError> error = untouched;
@@ -121,14 +117,14 @@ std::string outcome(const std::string& operation, VXKeychainItem& item) {
   const bool done = perform(operation, item, &error);
   const bool fills = done && operation != "update" && !operation.starts_with("delete");
   EXPECT_TRUE(fills || stateOf(item) == before) << "the item was changed";
-  std::string told = done ? "yes" : "no";
-  if (error != untouched) told.append(1, ' ').append(std::to_string(error->code()));
-  return told;
+  std::string result = done ? "yes" : "no";
+  if (error != untouched) result.append(1, ' ').append(std::to_string(error->code()));
+  return result;
 }
 
-/// The answer of an action, or the exception that it raises.
+/// Returns the result of an action, or the exception that it raises.
 template <class Action>
-std::string answerOf(Action&& action) {
+std::string resultOf(Action&& action) {
   try {
     return action();
   } catch (const NSException& exception) {
@@ -137,17 +133,15 @@ std::string answerOf(Action&& action) {
   }
 }
 
-/// What an add, an update and a deletion of an item all answer, with and without a place for an error.
+/// Returns the common result of adding, updating and deleting an item, each with and without a place for an
+/// error.
 std::string refusal(VXKeychainItem& item) {
-  std::set<std::string> answers;
+  std::set<std::string> results;
   for (const char* operation : {"add", "update", "delete"}) {
-    answers.insert(answerOf([&] { return outcome(operation, item); }));
-    answerOf([&]() -> std::string {
-      EXPECT_FALSE(perform(operation, item, nullptr));
-      return "";
-    });
+    results.insert(resultOf([&] { return outcome(operation, item); }));
+    raised([&] { EXPECT_FALSE(perform(operation, item, nullptr)); });
   }
-  return answers.size() == 1 ? *answers.begin() : testing::PrintToString(answers);
+  return results.size() == 1 ? *results.begin() : testing::PrintToString(results);
 }
 
 std::string equality(const std::string& first, const std::string& second) {
@@ -157,34 +151,34 @@ std::string equality(const std::string& first, const std::string& second) {
 
 class VXKeychainItemTest : public KeychainTest {
  protected:
-  /// Does what a step of VXKeychainItem.txt says, and gives what it answers.
-  std::string answerTo(const std::string& step) {
+  /// Performs a step of VXKeychainItem.txt and returns its result.
+  std::string resultOfStep(const std::string& step) {
     const auto [operation, rest] = cut(step, " ");
     const auto [name, detail] = cut(rest, " ");
-    std::string answer;
+    std::string result;
     if (operation == "equal")
-      answer = equality(cut(rest, " / ").first, cut(rest, " / ").second);
+      result = equality(cut(rest, " / ").first, cut(rest, " / ").second);
     else if (operation == "refused")
-      answer = refusal(*boundItem(rest));
+      result = refusal(*boundItem(rest));
     else if (operation == "asked")
-      answer = std::to_string(answering_->transactions.exchange(0));
-    else if (operation == "answer")
-      answering_ = answerAlways(std::stoi(rest));
+      result = std::to_string(returning_->transactions.exchange(0));
+    else if (operation == "return")
+      returning_ = returnAlways(std::stoi(rest));
     else if (operation == "store")
-      answer = std::to_string(SecItemAdd(writtenMap(rest)));
+      result = std::to_string(SecItemAdd(writtenMap(rest)));
     else if (operation == "make")
       items_.insert_or_assign(name, Fields(detail).item());
     else if (operation == "find")
       items_.insert_or_assign(name, Fields(detail).finder());
     else if (operation.starts_with("findAll"))
-      answer = findAll(name, Fields(detail), operation == "findAllWithPassword");
+      result = findAll(name, Fields(detail), operation == "findAllWithPassword");
     else
-      answer = answerOfItem(operation, *items_.at(name), detail);
-    return answer;
+      result = resultOfItem(operation, *items_.at(name), detail);
+    return result;
   }
 
  private:
-  /// How many there are, or the platform's status.
+  /// Returns how many there are, or the platform's status.
   std::string findAll(const std::string& name, const Fields& fields, bool includePassword) {
     NSRefPtr<NSError> error;
     const auto all = fields.all(includePassword, &error);
@@ -197,7 +191,7 @@ class VXKeychainItemTest : public KeychainTest {
     return std::to_string(all->count());
   }
 
-  std::string answerOfItem(const std::string& operation, VXPasswordKeychainItem& item,
+  std::string resultOfItem(const std::string& operation, VXPasswordKeychainItem& item,
                            const std::string& detail) {
     if (operation == "fields") return shown(item._createAttributesDictionary());
     if (operation == "request") return shown(item.keychainItemRequest());
@@ -214,7 +208,7 @@ class VXKeychainItemTest : public KeychainTest {
   }
 
   std::map<std::string, NSRef<VXPasswordKeychainItem>> items_;
-  std::shared_ptr<AnsweringStorage> answering_;
+  std::shared_ptr<StatusStorage> returning_;
 };
 
 NSRef<VXGenericKeychainItem> genericItem(NSStringArg password = "secret") {
@@ -223,19 +217,19 @@ NSRef<VXGenericKeychainItem> genericItem(NSStringArg password = "secret") {
 
 }  // namespace
 
-TEST_F(VXKeychainItemTest, DoesWhatTheScriptSays) {
-  const auto expectStep = [&](const std::string& step, const std::string& answer) {
-    EXPECT_EQ(answerOf([&] { return answerTo(step); }), answer);
+TEST_F(VXKeychainItemTest, FollowsTheScript) {
+  const auto expectStep = [&](const std::string& step, const std::string& expected) {
+    EXPECT_EQ(resultOf([&] { return resultOfStep(step); }), expected);
   };
   const auto begin = [] { secSetDefaultStorage(std::make_shared<SecMemoryStorage>()); };
-  const RecordedAssertions finderMayBeAskedWithLess;
+  const RecordedAssertions findersMayLackAttributes;
   EXPECT_GT(runScript("VXKeychainItem.txt", begin, expectStep), 100u);
 }
 
-TEST_F(VXKeychainItemTest, EveryFailingStatusBecomesAnErrorAndOneLogLineWhenAsked) {
+TEST_F(VXKeychainItemTest, EveryFailureBecomesAnErrorAndOneLogLineOnRequest) {
   for (const auto& row : vectors("keychain-statuses.tsv")) {
     const OSStatus status = std::stoi(row[0]);
-    answerAlways(status);
+    returnAlways(status);
     for (const std::string operation : {"add", "refresh", "refreshWithData", "update", "delete"}) {
       SCOPED_TRACE(operation + ": " + row[0]);
       const bool expected = operation == "delete" && status == errSecItemNotFound;
@@ -265,14 +259,14 @@ TEST_F(VXKeychainItemTest, IncompleteAttributesAreAnErrorWithoutAStatus) {
   EXPECT_TRUE(logged.empty());
 }
 
-TEST_F(VXKeychainItemTest, AnItemEqualsNothingElseAndHashesAsItself) {
+TEST_F(VXKeychainItemTest, ItemsEqualNoOtherKindOfObjectAndHashByIdentity) {
   const auto item = genericItem();
   EXPECT_FALSE(item->isEqual(nullptr));
   EXPECT_FALSE(item->isEqual(text("ann")));
   EXPECT_EQ(item->hash(), static_cast<const NSObject&>(*item).NSObject::hash());
 }
 
-TEST_F(VXKeychainItemTest, TextsAndBytesAreCopiedAndMapsShared) {
+TEST_F(VXKeychainItemTest, StringsAndDataAreCopied) {
   const auto grown = NSMutableString::stringWithString("a");
   const auto data = NSMutableData::dataWithBytes("s", 1);
   const auto item = VXGenericKeychainItem::alloc();
@@ -287,7 +281,7 @@ TEST_F(VXKeychainItemTest, TextsAndBytesAreCopiedAndMapsShared) {
   EXPECT_EQ(shown(internet->server()) + shown(internet->path()), "aa");
 }
 
-TEST_F(VXKeychainItemTest, APasswordIsTheUTF8OfItsText) {
+TEST_F(VXKeychainItemTest, APasswordIsStoredAsUTF8) {
   const auto item = genericItem("\u00e9\U0001F511");
   EXPECT_EQ(shown(item->data()), "\xc3\xa9\xf0\x9f\x94\x91");
   EXPECT_TRUE(item->data()->holdsSecret() && item->password()->holdsSecret());

@@ -1,3 +1,6 @@
+#include <Foundation/NSSet.h>
+#include <VXFoundation/VXTreeUnion.h>
+
 #include <random>
 #include <sstream>
 
@@ -5,7 +8,7 @@
 
 namespace {
 
-// What the graphs of these tests are made of: identity equality.
+// A node of the graphs in these tests, equal only to itself.
 struct Node : NSObject::Subclass<Node> {
   explicit Node(int number) : value(number) {}
   NSRefPtr<NSFastEnumeration> descendants() const { return children; }
@@ -16,30 +19,31 @@ struct Node : NSObject::Subclass<Node> {
 
 int valueOf(const NSRefPtr<NSObject>& node) { return NSDynamicCast<Node>(node)->value; }
 
-// Equal by value, with a hash that agrees and collides; it counts how often it is asked.
+// Equal by value, with a hash that agrees and collides; counts the comparisons.
 struct Hashed : Node::Subclass<Hashed> {
   using HashAgreesWithEquality = Hashed;
   using Layer = Node::Subclass<Hashed>;
   using Layer::Layer;
   bool isEqual(const NSRefPtr<NSObject>& other) const override {
-    return ++asked, NSDynamicCast<Hashed>(other) && valueOf(other) == value;
+    return ++compared, NSDynamicCast<Hashed>(other) && valueOf(other) == value;
   }
   std::size_t hash() const override { return static_cast<std::size_t>(value / 2); }
-  static inline std::size_t asked = 0;
+  static inline std::size_t compared = 0;
 };
-// Equal by value to the ones above, too, with a hash of its own.
+// Also equal by value to the nodes above, with a different hash.
 struct Rehashed : Hashed::Subclass<Rehashed> {
   using Layer = Hashed::Subclass<Rehashed>;
   using Layer::Layer;
   std::size_t hash() const override { return 17; }
 };
-// One-sided: equals whatever has a smaller value, so not even itself, with the hash of identity.
-struct Greedy : Node::Subclass<Greedy> {
-  using Layer = Node::Subclass<Greedy>;
+// One-sided: equals any node with a smaller value, so not even itself, with a hash that does not agree.
+template <class Base>
+struct Greedy : Base::template Subclass<Greedy<Base>> {
+  using Layer = typename Base::template Subclass<Greedy<Base>>;
   using Layer::Layer;
-  bool isEqual(const NSRefPtr<NSObject>& other) const override { return valueOf(other) < value; }
+  bool isEqual(const NSRefPtr<NSObject>& other) const override { return valueOf(other) < this->value; }
 };
-// Equal to itself alone, with a hash that is another each time.
+// Equal only to itself, with a hash that changes with each call.
 struct Drifting : Node::Subclass<Drifting> {
   using Layer = Node::Subclass<Drifting>;
   using Layer::Layer;
@@ -54,10 +58,11 @@ NSRef<Node> anyNode(std::mt19937& random, bool finite) {
   if (kind < 2) return Drifting::alloc(value);
   if (kind < 4) return Hashed::alloc(value);
   if (kind < 5) return Rehashed::alloc(value);
-  return Greedy::alloc(random() % 3 ? 0 : value);
+  if (value % 2) return Greedy<Hashed>::alloc(random() % 3 ? 0 : value);
+  return Greedy<Node>::alloc(random() % 3 ? 0 : value);
 }
 
-// Nodes with random edges, forward ones alone where paths must end; the cycles are broken at the end.
+// Nodes with random edges, only forward ones if paths must end; the destructor breaks the cycles.
 struct Graph {
   Graph(std::mt19937& random, bool finite) {
     for (std::size_t i = 1 + random() % 14; i > 0; --i) nodes.push_back(anyNode(random, finite));
@@ -73,18 +78,18 @@ struct Graph {
   std::vector<NSRef<Node>> nodes;
 };
 
-// The walk as it is defined, by recursion; a union leaves out what equals a node that it has.
-void walk(const NSRef<NSObject>& node, NSMutableArray& list, bool isUnion) {
-  if (isUnion && list.containsObject(node)) return;
-  list.addObject(node);
+// The definition of both walks, by recursion; a union omits nodes equal to one that it has.
+void walk(const NSRef<NSObject>& node, NSMutableArray& array, bool isUnion) {
+  if (isUnion && array.containsObject(node)) return;
+  array.addObject(node);
   const NSRefPtr<NSArray> children = NSDynamicCast<Node>(node)->children;
   for (std::size_t i = 0; children && i < children->count(); ++i)
-    walk(children->objectAtIndex(i), list, isUnion);
+    walk(children->objectAtIndex(i), array, isUnion);
 }
 
-std::string addresses(const NSArray& list) {
+std::string addresses(const NSArray& array) {
   std::ostringstream text;
-  for (const NSRef<NSObject> each : list) text << each.get() << ' ';
+  for (const NSRef<NSObject> each : array) text << each.get() << ' ';
   return text.str();
 }
 
@@ -102,10 +107,10 @@ constexpr auto descendants = &Node::descendants;
 
 }  // namespace
 
-TEST(VXTreeUnion, UnionAndVisitFollowTheDefinitionOnRandomGraphs) {
+TEST(VXTreeUnion, UnionAndVisitMatchTheDefinitionOnRandomGraphs) {
   std::mt19937 random(62);
   for (int round = 0; round < 20000; ++round) {
-    const bool finite = round % 2 == 0;  // cycles never end for a visit, and for a node that equals nothing
+    const bool finite = round % 2 == 0;  // cycles are endless for a visit, and for nodes that equal nothing
     const Graph graph(random, finite);
     const NSRef<Node> root = graph.nodes[0];
     const auto united = NSMutableArray::array(), walked = NSMutableArray::array();
@@ -119,21 +124,21 @@ TEST(VXTreeUnion, UnionAndVisitFollowTheDefinitionOnRandomGraphs) {
   }
 }
 
-TEST(VXTreeUnion, RemovalFollowsTheLinearSearchOnRandomNodes) {
+TEST(VXTreeUnion, RemovalMatchesALinearSearchOnRandomNodes) {
   std::mt19937 random(64);
   for (int round = 0; round < 20000; ++round) {
-    const auto list = NSMutableArray::array(), unwanted = NSMutableArray::array(),
+    const auto array = NSMutableArray::array(), unwanted = NSMutableArray::array(),
                kept = NSMutableArray::array();
-    for (std::size_t i = 0; i < 8; ++i) list->addObject(anyNode(random, true));
+    for (std::size_t i = 0; i < 8; ++i) array->addObject(anyNode(random, true));
     for (std::size_t i = random() % 5; i > 0; --i)
-      unwanted->addObject(random() % 2 ? anyNode(random, true) : list->objectAtIndex(random() % 8));
-    for (const NSRef<NSObject> element : *list) {
+      unwanted->addObject(random() % 2 ? anyNode(random, true) : array->objectAtIndex(random() % 8));
+    for (const NSRef<NSObject> element : *array) {
       bool goes = false;
       for (const NSRef<NSObject> each : *unwanted) goes = goes || element->isEqual(each);
       if (!goes) kept->addObject(element);
     }
-    list->removeObjectsInArray(unwanted);
-    ASSERT_EQ(addresses(*list), addresses(*kept)) << "round " << round;
+    array->removeObjectsInArray(unwanted);
+    ASSERT_EQ(addresses(*array), addresses(*kept)) << "round " << round;
   }
 }
 
@@ -148,14 +153,14 @@ TEST(VXTreeUnion, CostGrowsWithNodesAndEdges) {
   for (std::size_t i = 0; i < nodes.size(); ++i)
     nodes[i]->children =
         NSMutableArray::arrayWithObjects({nodes[random() % nodes.size()], nodes[(i + 1) % nodes.size()]});
-  Hashed::asked = 0;
-  // By the linear search, each of these would keep the test busy for hours.
+  Hashed::compared = 0;
+  // With a linear search, each of these would take hours.
   const auto found = VXFoundationUnionOfTree(descendants, nodes[0]);
   EXPECT_EQ(found->count(), nodes.size());
-  EXPECT_LE(Hashed::asked, 2 * nodes.size());
+  EXPECT_LE(Hashed::compared, 2 * nodes.size());
   found->removeObjectsInArray(equals);
   EXPECT_EQ(found->count(), nodes.size() / 2);
-  EXPECT_LE(Hashed::asked, 3 * nodes.size());
+  EXPECT_LE(Hashed::compared, 3 * nodes.size());
   for (const NSRef<Node>& node : nodes) node->children = nullptr;
 }
 
@@ -166,9 +171,9 @@ TEST(VXTreeUnion, DepthDoesNotExhaustTheStack) {
   VXFoundationVisitTree(descendants, root, [&](const auto& node) { visits += valueOf(node) == visits; });
   EXPECT_EQ(visits, depth);
   EXPECT_EQ(valueOf(VXFoundationUnionOfTree(descendants, root)->lastObject()), depth - 1);
-  const auto list = VXFoundationUnionOfList(&Node::next, root);
-  EXPECT_EQ(list->count(), static_cast<std::size_t>(depth));
-  EXPECT_EQ(valueOf(list->lastObject()), depth - 1);
+  const auto array = VXFoundationUnionOfList(&Node::next, root);
+  EXPECT_EQ(array->count(), static_cast<std::size_t>(depth));
+  EXPECT_EQ(valueOf(array->lastObject()), depth - 1);
 }
 
 TEST(VXTreeUnion, RootsAndCollectionsOfEveryKind) {
@@ -182,7 +187,7 @@ TEST(VXTreeUnion, RootsAndCollectionsOfEveryKind) {
   VXFoundationVisitTree(descendants, nullptr, [](const auto&) { ADD_FAILURE(); });
 }
 
-TEST(VXTreeUnion, NodesThatDoNotAnswerRaise) {
+TEST(VXTreeUnion, ForeignNodesAndNilCallablesRaise) {
   const NSRef<Node> node = Node::alloc(1);
   const NSRef<NSObject> stranger = text("x");
   const std::string invalid = "NSInvalidArgumentException";
@@ -192,16 +197,16 @@ TEST(VXTreeUnion, NodesThatDoNotAnswerRaise) {
   EXPECT_EQ(raised([&] { VXFoundationVisitTree(descendants, node, nullptr); }), invalid);
 }
 
-TEST(VXTreeUnion, ChildrenThatChangeDuringTheirWalkRaise) {
+TEST(VXTreeUnion, ChildrenThatChangeDuringEnumerationRaise) {
   for (int changed = 0; changed < 3; ++changed) {
     const NSRef<Node> root = chain(3), middle = root->next, last = middle->next;
     last->children = NSMutableArray::array();
-    const NSRef<NSMutableArray> lists[] = {root->children, middle->children, last->children};
+    const NSRef<NSMutableArray> arrays[] = {root->children, middle->children, last->children};
     const auto visit = [&](const auto& node) {
-      if (node == last) lists[changed]->addObject(Node::alloc(9));
+      if (node == last) arrays[changed]->addObject(Node::alloc(9));
     };
     EXPECT_EQ(raised([&] { VXFoundationVisitTree(descendants, root, visit); }),
               changed < 2 ? "NSGenericException" : "nothing")
-        << "the list of the last node is not being walked yet";
+        << "the array of the last node is not enumerated yet";
   }
 }

@@ -6,31 +6,32 @@
 #include <string>
 #include <vector>
 
-/// A credential store of passwords by account number, as the benchmark drives it. What cannot be done throws
-/// std::runtime_error.
+/// A credential store of passwords by account number, as the benchmark drives it. An operation that fails
+/// throws std::runtime_error.
 class Contestant {
  public:
   virtual ~Contestant() = default;
   virtual std::string name() const = 0;
-  /// Puts in accounts 0 to `count`; how long that takes is not measured.
+  /// Adds the accounts below `count`; the time that this takes is not measured.
   virtual void fill(std::size_t count) = 0;
   virtual void add(std::size_t account) = 0;
-  /// Whether there is such an account; reads its password too.
+  /// Returns whether the account exists, and reads its password.
   virtual bool look(std::size_t account) = 0;
   virtual void update(std::size_t account) = 0;
   virtual void remove(std::size_t account) = 0;
 };
 
-/// The file store in a new folder below `folder`, opened once or for every operation.
+/// Returns the file store in a new folder below `folder`, opened once or for every operation.
 std::unique_ptr<Contestant> makeFileStore(const std::string& folder, bool openedPerCall);
-/// Two ways to look at every entry of a file store of `held`: reading its rows in a transaction, and listing
-/// them through SecItemCopyMatching, which makes an array of dictionaries. Each returns how many there are.
+/// Two ways to read every one of `held` entries of a file store: reading its rows in a transaction, and
+/// listing them with SecItemCopyMatching, which makes an array of dictionaries. Each returns the number of
+/// entries.
 struct Listing {
   std::function<std::size_t()> rows;
   std::function<std::size_t()> list;
 };
 Listing makeListing(const std::string& folder, std::size_t held);
-/// What SQLite takes at least for changes that last: the bound of a store on top of it.
+/// Returns SQLite with durable changes and nothing else: the bound for a store that is built on it.
 std::unique_ptr<Contestant> makeSQLiteAlone(const std::string& folder, bool openedPerCall);
-/// The desktop's store by libsecret's simple functions.
+/// Returns the desktop's store through libsecret's simple functions.
 std::unique_ptr<Contestant> makeLibsecret();

@@ -13,7 +13,7 @@ struct Close {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 
-/// One plain table, with what makes a change last and nothing else: no encryption, no seal, no checks.
+/// One plain table with durable changes and nothing else: no encryption, no seal, no checks.
 class SQLiteAlone final : public Contestant {
  public:
   SQLiteAlone(const std::string& folder, bool openedPerCall) : openedPerCall_(openedPerCall) {

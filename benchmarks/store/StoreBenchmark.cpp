@@ -1,5 +1,5 @@
-// What the operations of a credential store cost: medians, and for changes the median of the ratios to
-// appending to a file and syncing it, each time just before. store-benchmark FOLDER [--libsecret]
+// The cost of a credential store's operations: medians, and for changes the median of the ratios to appending
+// to a file and syncing it just before. store-benchmark FOLDER [--libsecret]
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -32,7 +32,7 @@ Milliseconds median(std::vector<Milliseconds> times) {
   return *middle;
 }
 
-/// A file that a line is appended to and synced: the least that a durable change can cost on this disk.
+/// A file to which a line is appended and synced: the least that a durable change can cost on this disk.
 class Journal {
  public:
   explicit Journal(const std::string& folder) : path_(folder + "/store-benchmark.append") {
@@ -70,7 +70,7 @@ void print(const Contestant& contestant, std::size_t held, const char* operation
 }
 
 void requireAnswer(bool right) {
-  if (!right) throw std::runtime_error("a look-up gave a wrong answer");
+  if (!right) throw std::runtime_error("a lookup returned a wrong result");
 }
 
 void compete(Contestant& contestant, std::size_t held, Journal& journal) {
@@ -84,7 +84,7 @@ void compete(Contestant& contestant, std::size_t held, Journal& journal) {
     removes.push_back(timed([&] { contestant.remove(account); }));
   }
   contestant.add(held);
-  // Apart from the changes: what waits for the disk comes back to cold caches.
+  // Separate from the changes: after waiting for the disk, the caches are cold.
   for (std::size_t round = 0; round < rounds; ++round) {
     hits.push_back(timed([&] { requireAnswer(contestant.look(held > 0 ? round * 7919 % held : 0)); }));
     misses.push_back(timed([&] { requireAnswer(!contestant.look(stranger + round)); }));

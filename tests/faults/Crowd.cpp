@@ -1,30 +1,26 @@
-// Many processes and threads at one store.
+// Many processes and threads that use one store.
 #include <sys/wait.h>
 
 #include <csignal>
-#include <thread>
 #include <vector>
 
 #include "Faults.h"
+#include "tests/support/Threads.h"
 
 namespace {
 
 constexpr std::size_t members = 8;
 
 OSStatus countUp(Passwords& passwords, const std::string& what) {
-  return passwords.storage->transact(SecStorage::Access::change, [&](SecTransaction& store) {
-    std::optional<SecRow> row;
-    store.find({Passwords::named(what)}, SecSecrets::read, [&](SecRow found) {
-      row = std::move(found);
-      return false;
-    });
-    const std::string next = std::to_string(std::stoul(textFrom(row->entry.secret)) + 1);
-    store.replace(row->number, Passwords::named(what), secretFrom(next));
-  });
+  const auto replace = [&](SecTransaction& store, const SecRow& row) {
+    const std::string next = std::to_string(std::stoul(textFrom(row.entry.secret)) + 1);
+    store.replace(row.number, Passwords::named(what), secretFrom(next));
+  };
+  return passwords.changeFound(what, replace, SecSecrets::read);
 }
 
-/// Changes shared and own entries in turn, and counts them and the shared names that it was the first to
-/// add; false once a change is refused or not seen.
+/// Changes shared entries and its own in turn, and counts the changes and the shared names that it added
+/// first; returns false if a change is refused or not visible.
 bool takePart(const TemporaryPlace& temporary, Passwords& passwords, std::size_t member,
               std::size_t changes) {
   if (!passwords.storage && passwords.open(temporary.place) != errSecSuccess) return false;
@@ -42,7 +38,7 @@ bool takePart(const TemporaryPlace& temporary, Passwords& passwords, std::size_t
   return true;
 }
 
-/// A store that is used by many at once.
+/// A store that several processes or threads use at once.
 struct SharedStore : TemporaryPlace {
   SharedStore() {
     EXPECT_EQ(passwords.open(place), errSecSuccess);
@@ -51,7 +47,7 @@ struct SharedStore : TemporaryPlace {
   void judge(std::size_t changes) {
     const Held held = readAll(*this);
     EXPECT_EQ(held.at("changes"), std::to_string(members * changes));
-    EXPECT_EQ(held.at("winners"), std::to_string(changes)) << "not one winner for each name";
+    EXPECT_EQ(held.at("winners"), std::to_string(changes)) << "a name without exactly one winner";
     count("changes", members * changes * 3);
   }
   Passwords passwords;
@@ -76,15 +72,11 @@ TEST_F(SecFileFaults, Processes) {
 TEST_F(SecFileFaults, Threads) {
   const std::size_t changes = inForm(60, 1000);
   SharedStore store;
-  std::vector<std::thread> crowd;
-  for (std::size_t member = 0; member < members; ++member) {
-    crowd.emplace_back([&, member] {
-      // Every second one has a connection of its own, so that both kinds of waiting are met.
-      Passwords own;
-      EXPECT_TRUE(takePart(store, member % 2 ? own : store.passwords, member, changes));
-    });
-  }
-  for (std::thread& member : crowd) member.join();
+  onThreads(members, [&](std::size_t member) {
+    // Every second one has its own connection, so that both kinds of waiting occur.
+    Passwords own;
+    EXPECT_TRUE(takePart(store, member % 2 ? own : store.passwords, member, changes));
+  });
   store.judge(changes);
 }
 
@@ -98,7 +90,7 @@ TEST_F(SecFileFaults, Fork) {
   const pid_t child = inChild([&] {
     const std::size_t inherited = namesIn("/proc/self/fd");
     if (!addSome("child ")) return 1;
-    return namesIn("/proc/self/fd") > inherited ? 0 : 2;  // on a connection of its own
+    return namesIn("/proc/self/fd") > inherited ? 0 : 2;  // has its own connection
   });
   EXPECT_TRUE(addSome("parent "));
   EXPECT_EQ(waitFor(child), 0);
@@ -107,28 +99,25 @@ TEST_F(SecFileFaults, Fork) {
 }
 
 TEST_F(SecFileFaults, StoppedHolder) {
-  const std::size_t rounds = inForm(1, 3);
-  for (std::size_t round = 0; round < rounds; ++round) {
-    SharedStore store;
-    Passwords& passwords = store.passwords;
-    const pid_t holder = inChild([&] {
-      return passwords.storage->transact(SecStorage::Access::change, [](SecTransaction& held) {
-        ::raise(SIGSTOP);
-        held.insert(Passwords::entryOf("held", "2"));
-      });
+  SharedStore store;
+  Passwords& passwords = store.passwords;
+  const pid_t holder = inChild([&] {
+    return passwords.storage->transact(SecStorage::Access::change, [](SecTransaction& held) {
+      ::raise(SIGSTOP);
+      held.insert(Passwords::entryOf("held", "2"));
     });
-    ::waitpid(holder, nullptr, WUNTRACED);
-    Passwords::Found found;
-    EXPECT_EQ(passwords.look("changes", found), errSecSuccess) << "a reader was kept waiting";
-    EXPECT_EQ(found, "0");
-    passwords.storage->setWaitLimit(std::chrono::milliseconds(0));
-    const auto asked = std::chrono::steady_clock::now();
-    EXPECT_EQ(passwords.add("bob", "3"), errSecBusy);
-    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(4)) << "it waited all the same";
-    ::kill(holder, SIGCONT);
-    EXPECT_EQ(waitFor(holder), 0) << "the holder could not go on";
-    EXPECT_EQ(passwords.add("bob", "3"), errSecSuccess) << "still busy";
-    EXPECT_EQ(readAll(store).size(), 4u) << "something is lost";
-    count("stopped");
-  }
+  });
+  ::waitpid(holder, nullptr, WUNTRACED);
+  Passwords::Found found;
+  EXPECT_EQ(passwords.look("changes", found), errSecSuccess) << "a reader had to wait";
+  EXPECT_EQ(found, "0");
+  passwords.storage->setWaitLimit(std::chrono::milliseconds(0));
+  const auto asked = std::chrono::steady_clock::now();
+  EXPECT_EQ(passwords.add("bob", "3"), errSecBusy);
+  EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(4)) << "the limit is ignored";
+  ::kill(holder, SIGCONT);
+  EXPECT_EQ(waitFor(holder), 0) << "the holder could not continue";
+  EXPECT_EQ(passwords.add("bob", "3"), errSecSuccess) << "still busy";
+  EXPECT_EQ(readAll(store).size(), 4u) << "an entry is lost";
+  count("stopped");
 }

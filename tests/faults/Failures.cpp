@@ -1,4 +1,4 @@
-// Calls that fail, one at a time, and disks that are full.
+// Calls that fail, one at a time, and full disks.
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -13,14 +13,14 @@ namespace {
 
 const Held atFirst = {{"ann", "1"}, {"bob", "2"}};
 
-/// Something done to a store, and what the store holds once it is done.
-struct Deed {
+/// An operation on a store, and what the store holds after it.
+struct Operation {
   const char* name;
   OSStatus (*act)(const TemporaryPlace& temporary, Passwords& passwords);
   Held after;
 };
 
-const Deed deeds[] = {
+const Operation operations[] = {
     {"make", [](auto& temporary, auto& passwords) { return passwords.open(temporary.place); }, {}},
     {"open", [](auto& temporary, auto& passwords) { return passwords.open(temporary.place); }, atFirst},
     {"look up",
@@ -57,53 +57,54 @@ constexpr Kind kinds[] = {
     {"random bytes", Calls::randomness, Calls::Fate::fail, false},
 };
 
-OSStatus actWithFault(const Deed& deed, const Kind& kind, long nth, const TemporaryPlace& temporary,
+OSStatus actWithFault(const Operation& operation, const Kind& kind, long nth, const TemporaryPlace& temporary,
                       Passwords& passwords, bool& met) {
   OSStatus status = errSecAllocate;
   Calls::arm(kind.kinds, nth, kind.fate, kind.lasts);
   try {
-    status = deed.act(temporary, passwords);
+    status = operation.act(temporary, passwords);
   } catch (const std::bad_alloc&) {
-    // thrown by what this program itself wanted to keep
+    // from an allocation of this program itself
   }
   met = Calls::disarm();
   return status;
 }
 
-/// False once no call was left to fail.
-bool tryOne(const Deed& deed, const Kind& kind, long nth) {
+/// Returns false if there was no call left to fail.
+bool tryOne(const Operation& operation, const Kind& kind, long nth) {
   const TemporaryPlace temporary;
-  const bool making = std::string(deed.name) == "make";
+  const bool making = std::string(operation.name) == "make";
   Passwords passwords;
   if (!making) {
     passwords.open(temporary.place);
     for (const auto& [account, password] : atFirst) passwords.add(account, password);
-    if (std::string(deed.name) == "open") passwords.storage.reset();
+    if (std::string(operation.name) == "open") passwords.storage.reset();
   }
   const std::size_t filesBefore = namesIn("/proc/self/fd");
   bool met = false;
-  const OSStatus status = actWithFault(deed, kind, nth, temporary, passwords, met);
+  const OSStatus status = actWithFault(operation, kind, nth, temporary, passwords, met);
   if (passwords.storage) {
-    EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "cannot be used again";
+    EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "the store cannot be used again";
   }
   if (status != errSecSuccess && !making && passwords.storage) {
     EXPECT_LE(namesIn("/proc/self/fd"), filesBefore) << "a file was left open";
   }
-  EXPECT_EQ(passwords.open(temporary.place), errSecSuccess) << "does not open again";
+  EXPECT_EQ(passwords.open(temporary.place), errSecSuccess) << "the store cannot be opened again";
   Held found = readAll(temporary);
   found.erase("next");
-  const Held& before = making ? deed.after : atFirst;
-  // After a failed sync nobody knows what is on the disk: the change may have been kept, but as a whole.
+  const Held& before = making ? operation.after : atFirst;
+  // After a failed sync the state of the disk is unknown: the change may have been kept, but only as a whole.
   const bool unsure = kind.kinds == Calls::syncing;
-  EXPECT_TRUE(found == deed.after || (status != errSecSuccess && found == before)) << "neither state";
-  EXPECT_TRUE(status == errSecSuccess || unsure || found == before) << "changed in spite of " << status;
-  EXPECT_FALSE(met && unsure && making && status == errSecSuccess) << "made, but not on the disk";
-  EXPECT_TRUE(!met || !kind.lasts || status == errSecDiskFull) << "not \"full\" but " << status;
-  count(status == errSecSuccess ? "done all the same" : "answered with a status", met);
+  EXPECT_TRUE(found == operation.after || (status != errSecSuccess && found == before))
+      << "neither old nor new";
+  EXPECT_TRUE(status == errSecSuccess || unsure || found == before) << "changed, but " << status;
+  EXPECT_FALSE(met && unsure && making && status == errSecSuccess) << "not on the disk";
+  EXPECT_TRUE(!met || !kind.lasts || status == errSecDiskFull) << "not full, but " << status;
+  count(status == errSecSuccess ? "done nevertheless" : "failed with a status", met);
   return met;
 }
 
-/// Adds until nothing more fits, and then goes on with what must still work.
+/// Adds entries until the disk is full, then does what must still work; returns the step that failed, or 0.
 int fill(const TemporaryPlace& temporary) {
   Passwords passwords;
   if (passwords.open(temporary.place) != errSecSuccess) return 1;
@@ -129,7 +130,7 @@ int fillWithinLimit() {
 
 constexpr int notAllowed = 77;
 
-/// In a small file system of its own, which goes with the process.
+/// Fills a small file system, which is unmounted with the process.
 int fillSmallDisk() {
   const TemporaryPlace temporary;
   const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
@@ -145,25 +146,22 @@ int fillSmallDisk() {
 
 TEST_F(SecFileFaults, Failures) {
   const std::size_t step = inForm(23, 1);
-  for (const Deed& deed : deeds) {
+  for (const Operation& operation : operations) {
     for (const Kind& kind : kinds) {
       const std::size_t pace = kind.kinds == Calls::memory ? step : 1;
       for (std::size_t nth = 1;; nth += pace) {
-        SCOPED_TRACE(std::string(deed.name) + ", failing " + kind.name + " " + std::to_string(nth));
-        if (!tryOne(deed, kind, static_cast<long>(nth))) break;
+        SCOPED_TRACE(std::string(operation.name) + ", failing " + kind.name + " " + std::to_string(nth));
+        if (!tryOne(operation, kind, static_cast<long>(nth))) break;
       }
     }
   }
 }
 
 TEST_F(SecFileFaults, FullDisk) {
-  const std::size_t rounds = inForm(1, 10);
-  for (std::size_t round = 0; round < rounds; ++round) {
-    const int limited = waitFor(inChild(fillWithinLimit));
-    EXPECT_EQ(limited, 0) << "the step that failed with a limit to the size of files";
-    const int small = waitFor(inChild(fillSmallDisk));
-    EXPECT_TRUE(small == 0 || small == notAllowed) << "on a small disk: step " << small;
-    count("size limit");
-    count(small == notAllowed ? "small disk not allowed here" : "small disk");
-  }
+  const int limited = waitFor(inChild(fillWithinLimit));
+  EXPECT_EQ(limited, 0) << "the step that failed with a limit on file size";
+  const int small = waitFor(inChild(fillSmallDisk));
+  EXPECT_TRUE(small == 0 || small == notAllowed) << "on a small disk: step " << small;
+  count("size limit");
+  count(small == notAllowed ? "small disk not allowed here" : "small disk");
 }

@@ -12,7 +12,7 @@ std::map<std::string, std::size_t> figures;
 }  // namespace
 
 SecFileFaults::SecFileFaults() {
-  // Without these there is no default place: whatever goes wrong here, the user's own store is not in reach.
+  // Without these there is no default place, so that no fault can reach the user's own store.
   for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"}) ::unsetenv(variable);
   figures.clear();
 }
@@ -33,10 +33,10 @@ Held readAll(const TemporaryPlace& temporary) {
   Passwords passwords;
   Held held;
   const OSStatus opened = passwords.open(temporary.place, Passwords::refuse);
-  EXPECT_EQ(opened, errSecSuccess) << "does not open";
+  EXPECT_EQ(opened, errSecSuccess) << "the store cannot be opened";
   if (opened != errSecSuccess) return held;
-  EXPECT_EQ(passwords.storage->verify(), errSecSuccess) << "does not verify";
-  EXPECT_EQ(passwords.all(held), errSecSuccess) << "cannot be read";
+  EXPECT_EQ(passwords.storage->verify(), errSecSuccess) << "the store does not verify";
+  EXPECT_EQ(passwords.all(held), errSecSuccess) << "the store cannot be read";
   return held;
 }
 

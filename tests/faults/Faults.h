@@ -9,26 +9,26 @@
 
 #include "tests/support/SecFileTests.h"
 
-/// What may befall credential stores. The short form of each test is run with all others, the long one where
-/// VX_FAULTS is "long"; either prints what it tried.
+/// What can happen to a credential store. Each test has a short form, and a long one if VX_FAULTS is "long";
+/// both print what they tried.
 class SecFileFaults : public testing::Test {
  protected:
   SecFileFaults();
   ~SecFileFaults() override;
 
-  /// Rounds or changes, or every how many bytes or calls.
+  /// Returns the number for the form that runs.
   static std::size_t inForm(std::size_t shortForm, std::size_t longForm);
 };
 
-/// Adds to a figure that the test ends with.
+/// Adds to a figure that the test prints at its end.
 void count(const std::string& what, std::size_t number = 1);
 
 using Held = std::map<std::string, std::string>;
 
-/// Everything that a store holds, as a process sees it that has just opened it; also checks all of it.
+/// Opens a store, verifies it and returns everything that it holds.
 Held readAll(const TemporaryPlace& temporary);
 
-/// Runs `body` in a process of its own, which ends with what it gives.
+/// Runs `body` in a child process, whose exit status is the result.
 pid_t inChild(const std::function<int()>& body);
-/// Waits for a process; what it ended with, or the negative number of its signal.
+/// Waits for a process; returns its exit status, or the negative number of its signal.
 int waitFor(pid_t child);

@@ -1,4 +1,4 @@
-// Writers that are killed, at any time and before any call that touches the disk.
+// Writers that are killed at any time, or before any call that touches the disk.
 #include <sys/socket.h>
 
 #include <csignal>
@@ -13,7 +13,7 @@ namespace {
 
 enum Operation : unsigned { adding, updating, removing };
 
-/// A change that a writer is about to make or has been told of as made.
+/// A change that a writer is about to make or has made.
 struct Change {
   unsigned done;
   Operation operation;
@@ -21,7 +21,7 @@ struct Change {
   unsigned value;
 
   std::string name() const { return "account " + std::to_string(account); }
-  /// Lengths from nothing to several pages of the file.
+  /// Returns one with a length up to several pages of the file.
   std::string password() const {
     return std::string(value % 7 == 0 ? value % 9000 : value % 90, 'x') + std::to_string(value);
   }
@@ -43,7 +43,7 @@ void record(Held& held, const Change& change) {
     held[change.name()] = change.password();
 }
 
-/// Changes its own accounts until it is killed, and tells of each change before and after.
+/// Changes its own accounts until it is killed, and reports each change before and after.
 int write(const TemporaryPlace& temporary, unsigned writer, unsigned long seed, long killedAt, int to) {
   std::mt19937 random(static_cast<unsigned>(seed));
   Passwords passwords;
@@ -63,7 +63,7 @@ int write(const TemporaryPlace& temporary, unsigned writer, unsigned long seed, 
   }
 }
 
-/// What one writer has told: all that is done is applied to `held`, and what was begun is left over.
+/// Applies the changes that a writer reported as done to `held`; returns the one that it had only begun.
 std::optional<Change> listen(int from, Held& held) {
   std::optional<Change> begun;
   for (Change change; ::recv(from, &change, sizeof change, 0) == sizeof change;) {
@@ -91,7 +91,7 @@ Writer start(const TemporaryPlace& temporary, unsigned number, unsigned long see
   return {process, ends[0]};
 }
 
-/// The store must hold what was acknowledged; of a change that was begun, all or nothing.
+/// Expects all acknowledged changes, and all or nothing of a change that was only begun.
 void compare(const Held& found, Held& held, const std::vector<std::optional<Change>>& begun) {
   for (const auto& change : begun) {
     if (!change) continue;

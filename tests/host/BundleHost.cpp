@@ -1,4 +1,4 @@
-// Does what its arguments say, one after another, and prints what they ask for, separated by spaces:
+// Follows its arguments in order and prints the results, separated by spaces:
 //
 //   cd FOLDER        goes to a folder
 //   replace FILE     puts another file in the place of the program's

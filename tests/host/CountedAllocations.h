@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// How often the program that links this asked for memory by operator new, the library included.
+/// Returns how often the program that links this called operator new, including calls in the library.
 std::size_t countedAllocations() noexcept;
 
 template <class Action>

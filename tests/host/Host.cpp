@@ -1,5 +1,8 @@
 #include "tests/host/Host.h"
 
+#include <Foundation/NSNumber.h>
+#include <VXFoundation/NSObject+VXAdditions.h>
+
 namespace {
 
 struct Namesake : NSObject::Subclass<Namesake> {};
@@ -18,6 +21,5 @@ NSRef<NSObject> Countdown::enumeratedObjectAtIndex(std::size_t index) const {
 }
 
 NSRef<NSObject> hostMakesASquare() { return Square::shapeWithSides(1); }
-NSClass& hostClassOfTexts() { return NSString::classObject(); }
-NSClass& hostClassOfSquares() { return Square::classObject(); }
+NSClass& hostClassOfStrings() { return NSString::classObject(); }
 NSRef<NSObject> hostNamesake() { return Namesake::alloc(); }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <VXFoundation/VXFoundation.h>
+#include <Foundation/NSFastEnumeration.h>
+#include <Foundation/NSString.h>
 
 #define HOST_EXPORT __attribute__((visibility("default")))
 
-/// A host in a shared object of its own, as small as a host can be: classes derived from the library's,
-/// with operations, initialisers and class operations to override.
+/// A minimal host in a separate shared object: classes derived from the library's, with operations,
+/// initialisers and class operations to override.
 
 /// Class operations that make an instance of the receiving class.
 template <class Self, class Base>
@@ -24,7 +25,7 @@ class HOST_EXPORT Shape : public ShapeLayer<Shape, NSObject> {
  public:
   static int sidesAdded() { return 0; }
 
-  /// Says no to fewer than one side.
+  /// Returns false for fewer than one side.
   virtual bool initWithSides(int sides);
   virtual int area() const;
   int sides() const { return sides_; }
@@ -51,7 +52,7 @@ class HOST_EXPORT Link : public NSObject::Subclass<Link> {
   NSRefPtr<Link> next;
 };
 
-/// Numbers that are made as they are walked.
+/// Numbers that are made during enumeration.
 class HOST_EXPORT Countdown : public NSFastEnumeration::Subclass<Countdown> {
  public:
   std::size_t count() const override { return 3; }
@@ -60,10 +61,9 @@ class HOST_EXPORT Countdown : public NSFastEnumeration::Subclass<Countdown> {
   NSRef<NSObject> enumeratedObjectAtIndex(std::size_t index) const override;
 };
 
-/// An object of the host's own class of that name, in an unnamed namespace.
+/// Returns an object of the host's class Namesake, which is in an unnamed namespace.
 HOST_EXPORT NSRef<NSObject> hostNamesake();
 
-/// Seen from the host's side of the border.
+/// The host's side of the border.
 HOST_EXPORT NSRef<NSObject> hostMakesASquare();
-HOST_EXPORT NSClass& hostClassOfTexts();
-HOST_EXPORT NSClass& hostClassOfSquares();
+HOST_EXPORT NSClass& hostClassOfStrings();

@@ -1,21 +1,15 @@
-// Programs that must not compile, one for each number; with 0 all of it compiles.
+// Programs that must not compile, one for each number; with 0 everything compiles.
 #include <VXFoundation/VXFoundation.h>
 
 class Shape : public NSObject::Subclass<Shape> {};
 class Skipped : public Shape {};
 
-// Without the layer in between, their class operations would quietly make objects of the base class.
-#if REFUSED == 7
-class MailItem : public VXGenericKeychainItem {};
-#elif REFUSED == 8
-class SiteItem : public VXInternetKeychainItem {};
-#elif REFUSED == 9
-class Attempter : public VXErrorRecoveryAttempter {};
-#else
-class MailItem : public VXGenericKeychainItem::Subclass<MailItem> {};
-class SiteItem : public VXInternetKeychainItem::Subclass<SiteItem> {};
-class Attempter : public VXErrorRecoveryAttempter::Subclass<Attempter> {};
-#endif
+// Without the layer, their class operations would silently make objects of the base class.
+#define DERIVED(number, Name, Base) \
+  class Name : public std::conditional_t<REFUSED == number, Base, Base::Subclass<Name>> {};
+DERIVED(7, MailItem, VXGenericKeychainItem)
+DERIVED(8, SiteItem, VXInternetKeychainItem)
+DERIVED(9, Attempter, VXErrorRecoveryAttempter)
 
 int main() {
 #if REFUSED == 1

@@ -3,9 +3,10 @@
 #include <optional>
 #include <string>
 
-#include <Foundation/Foundation.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSString.h>
 
-/// Data and the bytes in it; no bytes is another thing than none.
+/// The bytes of an object; no value for nil, which is different from no bytes.
 using Bytes = std::optional<std::string>;
 
 inline NSRef<NSData> dataOf(std::string_view bytes) {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <VXFoundation/VXCodecKernels.h>
+
 #include "tests/support/Bytes.h"
 #include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
-/// Tests of the operations on each set of kernels that the machine has.
+/// Tests that run with each set of kernels that the machine supports.
 class CodecTest : public testing::TestWithParam<std::string> {
  protected:
   void SetUp() override { ASSERT_TRUE(VXCodecKernelsUse(GetParam())); }
@@ -14,9 +17,9 @@ class CodecTest : public testing::TestWithParam<std::string> {
   INSTANTIATE_TEST_SUITE_P(EverySet, Tests, testing::ValuesIn(VXCodecKernelsAvailable()), \
                            [](const auto& param) { return param.param; })
 
-/// Calls `check` with every text of `length` units of the alphabet.
+/// Calls `check` with every string of `length` units of the alphabet.
 template <class Unit = char>
-void forEveryText(std::basic_string_view<Unit> alphabet, std::size_t length, const auto& check) {
+void forEveryString(std::basic_string_view<Unit> alphabet, std::size_t length, const auto& check) {
   std::vector<std::size_t> places(length);
   std::basic_string<Unit> text(length, alphabet[0]);
   for (bool more = true; more;) {
@@ -27,5 +30,5 @@ void forEveryText(std::basic_string_view<Unit> alphabet, std::size_t length, con
   }
 }
 
-/// What a cell of results says: "=" and the bytes, or absent.
-inline Bytes resultIn(const std::string& cell) { return cell == "absent" ? Bytes() : cell.substr(1); }
+/// Returns the result in a cell: "=" and the bytes, or "nil".
+inline Bytes resultIn(const std::string& cell) { return cell == "nil" ? Bytes() : cell.substr(1); }

@@ -9,12 +9,12 @@
 #include <string>
 #include <string_view>
 
-/// A folder of its own, gone at the end.
+/// A new folder, removed by the destructor.
 class TemporaryFolder {
  public:
   explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
     std::string name = parent / "vxfoundation.XXXXXX";
-    if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
+    if (!::mkdtemp(name.data())) throw std::runtime_error("cannot make a temporary folder");
     root = std::filesystem::canonical(name);
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
@@ -29,12 +29,12 @@ inline std::string readFile(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Writes over the content of a file and leaves its mode as it is.
+/// Overwrites the content of a file and keeps its mode.
 inline void writeFile(const std::filesystem::path& path, std::string_view content) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
 }
 
-/// How many names there are in a folder.
+/// Returns the number of names in a folder.
 inline std::size_t namesIn(const std::filesystem::path& folder) {
   const std::filesystem::directory_iterator names(folder);
   return static_cast<std::size_t>(std::distance(begin(names), end(names)));

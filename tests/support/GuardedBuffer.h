@@ -8,8 +8,8 @@
 #include <new>
 #include <span>
 
-/// Memory between two pages that nobody may touch: code that reads or writes past either end of a span
-/// that `last` gives with no gap dies at the spot.
+/// Memory between two inaccessible pages: code that reads or writes past the end of a span that `last`
+/// returns without a gap crashes at once.
 template <class Unit>
 class GuardedBuffer {
  public:
@@ -24,7 +24,8 @@ class GuardedBuffer {
   GuardedBuffer(const GuardedBuffer&) = delete;
   GuardedBuffer& operator=(const GuardedBuffer&) = delete;
 
-  /// `count` units that end `gap` units before the forbidden page, or begin `gap` units after the other one.
+  /// Returns `count` units that end `gap` units before the inaccessible page, or begin `gap` units after the
+  /// other one.
   ///@{
   std::span<Unit> last(std::size_t count, std::size_t gap = 0) const {
     return {begin() + room_ - gap - count, count};
@@ -34,8 +35,8 @@ class GuardedBuffer {
 
   void fill(Unit mark) const { std::fill_n(begin(), room_, mark); }
 
-  /// Whether all that was filled with the mark still has it, but for the part.
-  bool isFilledBeside(std::span<const Unit> part, Unit mark) const {
+  /// Returns whether everything outside the part still holds the mark that it was filled with.
+  bool isFilledAround(std::span<const Unit> part, Unit mark) const {
     const auto isMark = [mark](Unit unit) { return unit == mark; };
     return std::all_of<const Unit*>(begin(), part.data(), isMark) &&
            std::all_of<const Unit*>(part.data() + part.size(), begin() + room_, isMark);

@@ -11,7 +11,7 @@
 
 #include "VXFoundation/kernels/CodecDispatch.h"
 
-/// What the tests of the kernels share: the sets of this machine, and bytes to feed them.
+/// What the tests of the kernels have in common: the sets that this machine supports, and input.
 namespace KernelsTests {
 
 using Set = const VXKernels::CodecKernels*;
@@ -21,7 +21,7 @@ inline auto everySet() {
   return ::testing::ValuesIn(available.begin(), available.end());
 }
 
-/// Longest input of the tests at every alignment: three times the widest vector, and some.
+/// The longest input of the tests at every alignment: more than three of the widest vectors.
 inline constexpr std::size_t threeWidths = 3 * 64 + 9;
 inline constexpr std::size_t alignments = 64;
 

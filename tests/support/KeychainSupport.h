@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Foundation/NSArray.h>
+#include <Foundation/NSLog.h>
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecItem.h>
 #include <Security/SecMemoryStorage.h>
@@ -15,11 +17,13 @@
 
 #include "tests/support/Bytes.h"
 #include "tests/support/Script.h"
+#include "tests/support/Support.h"
+#include "tests/support/Vectors.h"
 
-/// A store that answers every transaction with one status, or runs out of memory, and counts them.
-class AnsweringStorage : public SecStorage {
+/// A store that returns one status from every transaction, or runs out of memory, and counts transactions.
+class StatusStorage : public SecStorage {
  public:
-  explicit AnsweringStorage(OSStatus status) : status_(status) {}
+  explicit StatusStorage(OSStatus status) : status_(status) {}
   OSStatus transact(Access, const Work&) override {
     ++transactions;
     if (status_ == errSecAllocate) throw std::bad_alloc();
@@ -33,7 +37,7 @@ class AnsweringStorage : public SecStorage {
   OSStatus status_;
 };
 
-/// Tests on a memory store of their own, which see what is logged and asserted.
+/// Tests with a new store in memory, which record what is logged.
 class KeychainTest : public testing::Test {
  protected:
   KeychainTest() {
@@ -49,8 +53,8 @@ class KeychainTest : public testing::Test {
     secSetDefaultStorage(nullptr);
   }
 
-  std::shared_ptr<AnsweringStorage> answerAlways(OSStatus status) {
-    const auto storage = std::make_shared<AnsweringStorage>(status);
+  std::shared_ptr<StatusStorage> returnAlways(OSStatus status) {
+    const auto storage = std::make_shared<StatusStorage>(status);
     secSetDefaultStorage(storage);
     return storage;
   }
@@ -61,19 +65,20 @@ class KeychainTest : public testing::Test {
   std::mutex logging_;
 };
 
-/// An object for comparison: bytes as they are, of a map the keys and values in order.
+/// Returns an object as a string for comparison: bytes unchanged, the keys and values of a dictionary in
+/// order.
 inline std::string shown(const NSRefPtr<NSObject>& object) {
   if (!object) return "nil";
   if (const auto data = NSDynamicCast<NSData>(object)) return *bytesOf(data);
-  if (const auto list = NSDynamicCast<NSArray>(object)) {
+  if (const auto array = NSDynamicCast<NSArray>(object)) {
     std::string all;
-    for (const NSRef<NSObject> each : *list) all += (all.empty() ? "[" : " [") + shown(each) + "]";
+    for (const NSRef<NSObject> each : *array) all += (all.empty() ? "[" : " [") + shown(each) + "]";
     return all;
   }
-  const auto map = NSDynamicCast<NSDictionary>(object);
-  if (!map) return std::string(*object->description());
+  const auto dictionary = NSDynamicCast<NSDictionary>(object);
+  if (!dictionary) return std::string(*object->description());
   std::string all;
-  map->enumerateKeysAndObjectsUsingBlock(
+  dictionary->enumerateKeysAndObjectsUsingBlock(
       [&](const NSRef<NSObject>& key, const NSRef<NSObject>& value, bool*) {
         if (!all.empty()) all += ' ';
         all.append(shown(key)).append(1, '=').append(shown(value));
@@ -81,7 +86,7 @@ inline std::string shown(const NSRefPtr<NSObject>& object) {
   return all;
 }
 
-/// A text as a script writes it: UTF-8 with "\xNN" for a byte, and "\uNNNN" for a code unit.
+/// Returns the string that a script writes as UTF-8 with "\xNN" for a byte and "\uNNNN" for a code unit.
 inline NSRef<NSString> writtenText(const std::string& written) {
   const auto [before, after] = cut(written, "\\u");
   auto units = static_cast<std::u16string>(*text(unescaped(before)));
@@ -91,8 +96,8 @@ inline NSRef<NSString> writtenText(const std::string& written) {
 }
 
 inline NSRef<NSObject> writtenValue(const std::string& kind, const std::string& value) {
-  if (kind == "number" || kind == "port") return NSNumber::numberWithInteger(std::stoll(value));
-  if (kind == "matchLimit" && value != "all") return NSNumber::numberWithInteger(std::stoll(value));
+  if (kind == "number" || kind == "port") return number(std::stoll(value));
+  if (kind == "matchLimit" && value != "all") return number(std::stoll(value));
   if (kind == "returnAttributes" || kind == "returnData" || kind == "matchExactly")
     return NSNumber::numberWithBool(value == "1");
   if (kind == "class") return writtenText(value + " password");
@@ -100,16 +105,16 @@ inline NSRef<NSObject> writtenValue(const std::string& kind, const std::string& 
   return dataOf(value[0] == '@' ? std::string(std::stoul(value.substr(1)), 'x') : unescaped(value));
 }
 
-/// The map that a script writes as key=value..., or nil. The class is "generic" or "internet"; @N is a secret
-/// of N bytes; key:text=, key:number= and key:data= give a value of that kind in place of the key's own.
+/// Returns the dictionary that a script writes as key=value..., or nil. The class is "generic" or "internet";
+/// @N is a secret of N bytes; key:text=, key:number= and key:data= state the kind of a value.
 inline NSRefPtr<NSDictionary> writtenMap(const std::string& written) {
   if (written == "nil") return nullptr;
-  const auto map = NSMutableDictionary::dictionary();
+  const auto dictionary = NSMutableDictionary::dictionary();
   std::istringstream words(written);
   for (std::string word; words >> word;) {
     const auto [name, value] = cut(word, "=");
     const auto [key, kind] = cut(name, ":");
-    map->setObject(writtenValue(kind.empty() ? key : kind, value), text(key));
+    dictionary->setObject(writtenValue(kind.empty() ? key : kind, value), text(key));
   }
-  return map;
+  return dictionary;
 }

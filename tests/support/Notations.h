@@ -3,13 +3,15 @@
 #include <bitset>
 #include <vector>
 
-#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/NSData+VXBaseConversion.h>
+#include <VXFoundation/VXDecoder.h>
+#include <VXFoundation/VXEncoder.h>
 
 #include "VXFoundation/kernels/CodecKernels.h"
 #include "tests/support/Bytes.h"
 
-/// The digits of an alphabet for the bytes, by strings of binary digits: the most significant bit first, the
-/// last digit filled up with zeros.
+/// Returns the digits of the bytes by way of strings of binary digits: the most significant bit first, the
+/// last digit padded with zeros.
 inline std::string digitsByRule(std::string_view bytes, std::string_view alphabet, std::size_t width) {
   std::string bits, digits;
   for (const char byte : bytes) bits += std::bitset<8>(static_cast<unsigned char>(byte)).to_string();
@@ -19,7 +21,7 @@ inline std::string digitsByRule(std::string_view bytes, std::string_view alphabe
   return digits;
 }
 
-/// The whole bytes that digits of an alphabet fill; absent when one of them is not in it.
+/// Returns the whole bytes that the digits fill; no value if one of them is not in the alphabet.
 inline Bytes bytesByRule(std::string_view digits, std::string_view alphabet, std::size_t width) {
   std::string bits, bytes;
   for (const char digit : digits) {
@@ -32,12 +34,12 @@ inline Bytes bytesByRule(std::string_view digits, std::string_view alphabet, std
   return bytes;
 }
 
-/// A notation of RFC 4648: its rules, and the kernels and the operations that are to follow them.
+/// A notation of RFC 4648: its rules, and the kernels and operations that must follow them.
 struct Notation {
   using Kernels = VXKernels::CodecKernels;
 
   std::string name, alphabet;
-  std::size_t bits, group;  // bits of a digit, digits of a group
+  std::size_t bits, group;  // bits per digit, digits per group
   VXKernels::RadixKernels Kernels::*kernel;
   NSRef<NSString> (*encode)(const NSData&);
   NSRefPtr<NSData> (*decode)(NSStringArg);

@@ -2,6 +2,8 @@
 
 #include <random>
 
+#include <VXFoundation/VXURLCoding.h>
+
 #include "tests/support/Fuzz.h"
 #include "tests/support/Notations.h"
 

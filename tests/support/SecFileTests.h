@@ -10,8 +10,8 @@
 
 #include "tests/support/Files.h"
 
-/// A folder of its own for the files of one store. In memory where the system has such a place: what ends
-/// a process there leaves what it would leave on a disk, many times faster.
+/// A new folder for the files of one store. It is in memory if the system has such a place: a process that is
+/// killed leaves the same files there as on a disk, and everything is many times faster.
 struct TemporaryPlace : TemporaryFolder {
   TemporaryPlace() : TemporaryFolder(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") {}
   SecFilePlace place = {root / "data/credentials.store", root / "keys", true};
@@ -23,10 +23,10 @@ inline std::string textFrom(const SecSecret& secret) {
   return {reinterpret_cast<const char*>(secret.bytes().data()), secret.bytes().size()};
 }
 
-/// A store of passwords by account, all of one service, as a host without the library's objects sees it.
+/// A store of passwords by account, all of one service, for a host that does not use the library's objects.
 class Passwords {
  public:
-  /// What an account holds: nothing, or a password.
+  /// The password of an account; no value if there is no such account.
   using Found = std::optional<std::string>;
   static constexpr auto make = SecFileStorage::Missing::make;
   static constexpr auto refuse = SecFileStorage::Missing::refuse;
@@ -81,23 +81,24 @@ class Passwords {
     return {named(account), secretFrom(password)};
   }
 
-  std::unique_ptr<SecFileStorage> storage;
-
- private:
-  OSStatus change(const SecStorage::Work& work) {
-    return storage->transact(SecStorage::Access::change, work);
-  }
-
+  /// Calls `action` with the transaction and the row of an account that exists.
   template <class Action>
-  OSStatus changeFound(const std::string& account, Action action) {
+  OSStatus changeFound(const std::string& account, Action action, SecSecrets secrets = SecSecrets::skip) {
     return change([&](SecTransaction& store) {
       std::optional<SecRow> found;
-      store.find({named(account)}, SecSecrets::skip, [&](SecRow row) {
+      store.find({named(account)}, secrets, [&](SecRow row) {
         found = std::move(row);
         return false;
       });
       secRequire(found.has_value(), errSecItemNotFound);
       action(store, *found);
     });
+  }
+
+  std::unique_ptr<SecFileStorage> storage;
+
+ private:
+  OSStatus change(const SecStorage::Work& work) {
+    return storage->transact(SecStorage::Access::change, work);
   }
 };

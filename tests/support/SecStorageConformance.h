@@ -9,23 +9,23 @@
 #include "tests/support/KeychainSupport.h"
 #include "tests/support/SecStorageModel.h"
 
-/// What holds of every kind of store.
+/// What must hold for every kind of store.
 class SecStorageConformance {
  public:
   using MakeStorage = std::function<std::shared_ptr<SecStorage>()>;
   /// Whether all content can be kept, or only what the desktop's services can hold.
   enum class Content { any, ofDesktops };
 
-  /// Runs scripts/SecItem.txt and what can be told only below the four functions, on stores that
-  /// `makeStorage` makes empty, and compares as many operations with the model.
+  /// Runs scripts/SecItem.txt and the checks that need transactions, on empty stores from `makeStorage`, and
+  /// compares `operations` random operations with the model.
   static void expect(const MakeStorage& makeStorage, Content content = Content::any,
                      int operations = 50'000) {
     const auto begin = [&] { secSetDefaultStorage(makeStorage()); };
-    const auto step = [&](const std::string& question, const std::string& written) {
-      const auto [answer, onDesktops] = cut(written, " ! ");
-      expectStep(question, content == Content::any || onDesktops.empty() ? answer : onDesktops);
+    const auto step = [&](const std::string& operation, const std::string& written) {
+      const auto [result, onDesktops] = cut(written, " ! ");
+      expectStep(operation, content == Content::any || onDesktops.empty() ? result : onDesktops);
     };
-    EXPECT_GT(runScript("SecItem.txt", begin, step), 150u) << "the table was not found whole";
+    EXPECT_GT(runScript("SecItem.txt", begin, step), 150u) << "the script is incomplete";
     begin();
     expectTransactions();
     begin();
@@ -34,24 +34,24 @@ class SecStorageConformance {
   }
 
  private:
-  static void expectStep(const std::string& question, const std::string& answer) {
-    const auto [operation, maps] = cut(question, " ");
-    const auto [first, second] = cut(maps, " / ");
-    const auto [status, expected] = cut(answer, " | ");
+  static void expectStep(const std::string& step, const std::string& expected) {
+    const auto [operation, dictionaries] = cut(step, " ");
+    const auto [first, second] = cut(dictionaries, " / ");
+    const auto [status, written] = cut(expected, " | ");
     NSRefPtr<NSObject> result;
     EXPECT_EQ(perform(operation, writtenMap(first), writtenMap(second), result), std::stol(status));
-    const NSRefPtr<NSObject> wanted = writtenResult(expected);
+    const NSRefPtr<NSObject> wanted = writtenResult(written);
     EXPECT_TRUE(result ? result->isEqual(wanted) : !wanted) << shown(result);
   }
 
-  /// Nothing, a map, or an array of maps, each in brackets.
+  /// Returns nil, a dictionary, or an array of dictionaries in brackets.
   static NSRefPtr<NSObject> writtenResult(const std::string& written) {
     if (written.empty()) return nullptr;
     if (written.front() != '[') return writtenMap(written);
-    const auto maps = NSMutableArray::array();
+    const auto dictionaries = NSMutableArray::array();
     for (std::string rest = written; !rest.empty(); rest = cut(rest, "] ").second)
-      maps->addObject(writtenMap(cut(rest.substr(1), "]").first));
-    return maps;
+      dictionaries->addObject(writtenMap(cut(rest.substr(1), "]").first));
+    return dictionaries;
   }
 
   static OSStatus perform(const std::string& operation, const NSRefPtr<NSDictionary>& first,
@@ -63,7 +63,7 @@ class SecStorageConformance {
     throw std::invalid_argument("no operation " + operation);
   }
 
-  /// A transaction is kept as a whole when its work succeeds; else, and where it only reads, not at all.
+  /// A transaction is kept as a whole if its work succeeds; if that fails or may only read, nothing is kept.
   static void expectTransactions() {
     std::shared_ptr<SecStorage> storage;
     ASSERT_EQ(secCopyDefaultStorage(storage), errSecSuccess);
@@ -73,8 +73,8 @@ class SecStorageConformance {
       return made;
     };
     const auto add = [&](SecTransaction& transaction) { transaction.insert(entry(u"c")); };
-    const auto changeAll = [&](OSStatus answer) {
-      return [&, answer](SecTransaction& transaction) {
+    const auto changeAll = [&](OSStatus status) {
+      return [&, status](SecTransaction& transaction) {
         std::vector<std::int64_t> numbers;
         transaction.find({}, SecSecrets::skip, [&](const SecRow& row) {
           numbers.push_back(row.number);
@@ -85,7 +85,7 @@ class SecStorageConformance {
         transaction.remove(numbers.at(1));
         add(transaction);
         transaction.remove(numbers.at(0));
-        secCheck(answer);
+        secCheck(status);
       };
     };
     for (const char* account : {"a", "b"})
@@ -98,5 +98,8 @@ class SecStorageConformance {
     EXPECT_EQ(storage->transact(SecStorage::Access::change, changeAll(errSecSuccess)), errSecSuccess);
     expectStep("copy class=generic returnAttributes=1", "0 | class=generic account=c");
     expectStep("copy class=generic account=b", "-25300");
+    SecStorageInfo info;
+    EXPECT_EQ(storage->copyInfo(info), errSecSuccess);
+    EXPECT_EQ(info.entries, 1u);
   }
 };

@@ -8,7 +8,7 @@
 
 #include "tests/support/KeychainSupport.h"
 
-/// The four operations as plainly as they can be written, on entries that are maps as scripts write them.
+/// The four operations written as plainly as possible, on entries as scripts write them.
 class SecStorageModel {
  public:
   using Map = std::map<std::string, std::string>;
@@ -20,7 +20,7 @@ class SecStorageModel {
     return errSecSuccess;
   }
 
-  /// The matches, the exact one first.
+  /// Returns the matches, the exact one first.
   std::vector<Map*> find(const Map& query, bool exactly) {
     std::vector<Map*> found;
     for (Map& entry : entries_)
@@ -76,7 +76,7 @@ class SecStorageModel {
   std::vector<Map> entries_;
 };
 
-/// Random operations on the default storage and on the model; every status and result must be the same.
+/// Runs random operations on the default storage and on the model and compares every status and result.
 class SecStorageComparison {
  public:
   explicit SecStorageComparison(unsigned seed) : random_(seed) {}
@@ -130,7 +130,8 @@ class SecStorageComparison {
     EXPECT_TRUE(result && result->isEqual(wanted)) << shown(result) << "\n" << shown(wanted);
   }
 
-  /// A map of either class, in which anything else may be missing. The values are few, so that they meet.
+  /// Returns a map of either class, in which anything else may be missing. There are few values, so that
+  /// entries coincide.
   Map anyMap() {
     Map map{{"class", chance(2) ? "generic" : "internet"}};
     const bool generic = map["class"] == "generic";

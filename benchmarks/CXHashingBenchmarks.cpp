@@ -24,7 +24,7 @@ using Digest = std::array<unsigned char, 20>;
 
 constexpr unsigned char key[] = "a key of some length";
 
-/// OpenSSL at its best: the algorithm looked up once, the context kept.
+/// OpenSSL used at its fastest: the algorithm is fetched once and the context reused.
 void registerOpenSSL(const std::string& operation, const char* algorithm) {
   contestant(operation, "OpenSSL", Checks::all, [algorithm](std::size_t size) {
     static EVP_MD_CTX* const context = EVP_MD_CTX_new();

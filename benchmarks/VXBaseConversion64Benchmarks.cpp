@@ -15,7 +15,7 @@ namespace {
 
 using namespace Contest;
 
-/// A text of `size` characters.
+/// Encoded text of `size` characters.
 std::string textOf(std::size_t size) {
   return std::string(*VXBaseConversion::base64String(*dataOf(randomBytes(size / 4 * 3))));
 }

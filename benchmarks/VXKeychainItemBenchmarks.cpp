@@ -1,11 +1,10 @@
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecMemoryStorage.h>
-#include <VXFoundation/VXFoundation.h>
+#include <VXFoundation/VXKeychainItem.h>
 #include <benchmark/benchmark.h>
 
-// What an item costs, and its operations on a store in memory that holds a number of other entries. That
-// store looks at every entry, so its cost grows with their number; the store benchmark tells of the one in a
-// file.
+// The cost of an item and of its operations on a store in memory with a number of other entries. That store
+// looks at every entry, so its cost grows with their number; the store benchmark measures the one in a file.
 namespace {
 
 NSRef<VXGenericKeychainItem> itemOf(const std::string& account) {
@@ -17,7 +16,7 @@ void require(benchmark::State& state, bool done) {
   if (!done) state.SkipWithError("the store refused");
 }
 
-/// A store of its own that holds as many entries as the benchmark's argument says.
+/// The default store while it lives, with as many entries as the benchmark's argument says.
 class Store {
  public:
   explicit Store(benchmark::State& state) {
