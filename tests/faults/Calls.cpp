@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <openssl/types.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -67,7 +68,9 @@ PASS_ON(naming, -1, int, linkat, (int from, const char* old, int to, const char*
         (from, old, to, path, flags))
 PASS_ON(naming, -1, int, unlink, (const char* path) noexcept, (path))
 PASS_ON(naming, -1, int, mkdir, (const char* path, mode_t mode) noexcept, (path, mode))
-PASS_ON(randomness, 0, int, RAND_priv_bytes, (unsigned char* to, int size), (to, size))
+PASS_ON(randomness, 0, int, RAND_priv_bytes_ex,
+        (OSSL_LIB_CTX * context, unsigned char* to, size_t size, unsigned strength),
+        (context, to, size, strength))
 
 #define OPEN(name)                                                              \
   int name(const char* path, int flags, ...) {                                  \

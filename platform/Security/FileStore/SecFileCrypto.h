@@ -6,9 +6,10 @@
 #include <Security/FileStore/SecFileBytes.h>
 #include <Security/SecSecret.h>
 
-// What the file store asks of libcrypto. Each fails with errSecAllocate when libcrypto cannot do its work.
+// What the file store needs from libcrypto. All functions fail with errSecAllocate if libcrypto cannot do its
+// work, and are safe from any thread.
 
-/// Fills `bytes` from the system's generator; fails with errSecNotAvailable when that has none to give.
+/// Fills `bytes` with random bytes; fails with errSecNotAvailable if the system has none.
 void secFillRandom(std::span<std::byte> bytes);
 
 template <std::size_t size>
@@ -18,36 +19,39 @@ std::array<std::byte, size> secRandomBytes() {
   return bytes;
 }
 
-/// SHA-256 (FIPS 180-4).
+/// Returns the SHA-256 digest (FIPS 180-4).
 SecDigest secHash(SecView message);
 
-/// HMAC-SHA-256 (RFC 2104), whole and cut to its first half.
+/// Returns the HMAC-SHA-256 (RFC 2104), whole or cut to its first half.
+///@{
 SecDigest secAuthenticate(SecView key, SecView message);
 SecTag secAuthenticateShort(SecView key, SecView message);
+///@}
 
-/// Whether two values are equal, in a time that does not tell where they differ.
+/// Returns whether two values are equal, in a time that does not depend on where they differ.
 bool secSame(SecView left, SecView right);
 
 constexpr std::size_t secKeySize = 32;
 
-/// A key for one purpose from another key: HKDF-SHA-256 (RFC 5869).
-SecSecret secDeriveKey(SecView key, SecView salt, std::string_view purpose);
+/// Derives one or several keys for one purpose from another key: HKDF-SHA-256 (RFC 5869).
+SecSecret secDeriveKey(SecView key, SecView salt, std::string_view purpose, std::size_t size = secKeySize);
 
-/// What scrypt (RFC 7914) asks of time and memory: N is 2 to the power of logN.
+/// The cost of scrypt (RFC 7914) in time and memory: N is 2 to the power of logN.
 struct SecCost {
   std::uint8_t logN = 17;
   std::uint8_t r = 8;
   std::uint8_t p = 1;
 };
 
-/// A key from a passphrase: scrypt (RFC 7914). Takes 128 * N * r bytes of memory for a while.
+/// Derives a key from a passphrase: scrypt (RFC 7914). Needs 128 * N * r bytes of memory in the meantime.
 SecSecret secStretch(SecView passphrase, SecView salt, SecCost cost);
 
 constexpr std::size_t secNonceSize = 12;
 constexpr std::size_t secBoxOverhead = secNonceSize + sizeof(SecTag);
 
-/// AES-256-GCM (NIST SP 800-38D) under a fresh random nonce: nonce, ciphertext, tag.
+/// Encrypts with AES-256-GCM (NIST SP 800-38D) under a new random nonce. Returns the box: nonce, ciphertext,
+/// tag.
 SecBytes secSeal(SecView key, SecView associated, SecView plaintext);
 
-/// The plaintext of a box, once its tag was verified; fails with errSecDecode when it does not hold.
+/// Returns the plaintext of a box after its tag was verified; fails with errSecDecode if the tag is wrong.
 SecSecret secOpen(SecView key, SecView associated, SecView box);
