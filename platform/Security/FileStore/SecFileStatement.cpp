@@ -26,7 +26,8 @@ OSStatus statusOf(int code, int systemError) {
     case SQLITE_LOCKED:
       return errSecBusy;
     case SQLITE_READONLY:
-      return errSecReadOnly;
+      // While a change is half undone, the store cannot even be read.
+      return code == SQLITE_READONLY_ROLLBACK ? errSecIO : errSecReadOnly;
     case SQLITE_TOOBIG:
       return errSecDataTooLarge;
     case SQLITE_CANTOPEN:
