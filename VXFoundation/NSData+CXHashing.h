@@ -2,7 +2,8 @@
 
 #include <Foundation/NSData.h>
 
-/// NSData(CXHashing): message digests of bytes, as raw bytes. All functions are thread-safe.
+/// NSData(CXHashing): message digests of bytes, as raw bytes. All functions are thread-safe. If libcrypto
+/// does not offer the algorithm, the process ends with a message on standard error.
 namespace CXHashing {
 
 /// Returns the 16 bytes of the MD5 digest (RFC 1321).

@@ -18,7 +18,6 @@
 #include <VXFoundation/VXEncoder.h>
 #include <VXFoundation/VXErrorRecoveryAttempter.h>
 #include <VXFoundation/VXFoundationConstants.h>
-#include <VXFoundation/VXKeychainErrorExplanation.h>
 #include <VXFoundation/VXKeychainItem.h>
 #include <VXFoundation/VXNotation.h>
 #include <VXFoundation/VXTreeUnion.h>

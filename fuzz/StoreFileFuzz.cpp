@@ -62,7 +62,10 @@ void read(Passwords& passwords) {
     readable = readable && looked;
   }
   fuzzRequire(readable || passwords.storage->verify() != errSecSuccess, "a store that verifies can be read");
-  passwords.storage->salvage([](const SecEntry& entry) {
+}
+
+void salvage(const SecFilePlace& place) {
+  SecFileStorage::salvage(place, {}, [](const SecEntry& entry) {
     const SecText& account = *entry.attributes.account;
     fuzzRequire(keptFor({account.begin(), account.end()}) == textFrom(entry.secret),
                 "only what was kept is salvaged");
@@ -82,6 +85,13 @@ void addTo(Passwords& passwords, const std::string& path, const std::string& bef
   fuzzRequire(held.extract("fourth").mapped() == "four" && held == kept, "a change loses nothing");
 }
 
+/// Opens the store, which may be older than the one that an earlier input made of it.
+bool open(Passwords& passwords) {
+  if (passwords.open(original().files.place, Passwords::refuse) != errSecSuccess) return false;
+  static_cast<void>(passwords.storage->accept());
+  return true;
+}
+
 }  // namespace
 
 std::size_t fuzzedStoreFileSize() { return original().content.size(); }
@@ -94,14 +104,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const SecFilePlace& place = original().files.place;
   writeFile(place.store, content);
   Passwords passwords;
-  if (passwords.open(place, Passwords::refuse) == errSecSuccess) {
+  if (open(passwords)) {
     read(passwords);
     unlock(*passwords.storage);
   }
+  salvage(place);
   fuzzRequire(readFile(place.store) == content, "reading leaves the file as it is");
   fuzzRequire(namesIn(original().files.root / "data") == 1, "reading makes no file");
-  if (flags & change && passwords.open(place, Passwords::refuse) == errSecSuccess)
-    addTo(passwords, place.store, content);
+  if (flags & change && open(passwords)) addTo(passwords, place.store, content);
   std::filesystem::remove(place.store + "-journal");
   return 0;
 }

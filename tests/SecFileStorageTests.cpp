@@ -28,11 +28,11 @@ void runSQL(const fs::path& path, const std::string& sql) {
   sqlite3_close(database);
 }
 
-/// Writes a slot as docs/credential-store.md describes it, with the hash that makes it valid.
+/// Writes the parameters of a slot into every header, with the hash that makes it valid.
 void writeSlot(const fs::path& store, const std::string& parameters) {
-  const std::string content = "x'" + parameters + "'||substr(slot,5,76)";
-  runSQL(store, "UPDATE store SET slot=CAST(" + content +
-                    "||sha256(CAST('VXFoundation slot'||x'00000001'||id||" + content + " AS BLOB)) AS BLOB)");
+  const std::string content = "CAST(substr(body,21,56)||x'" + parameters + "'||substr(body,81,2908) AS BLOB)";
+  runSQL(store, "UPDATE record SET body=CAST(substr(body,1,20)||" + content + "||sha256(" + content +
+                    ") AS BLOB) WHERE number<0");
 }
 
 /// Returns every path below a folder, with its mode and, for a file, its content.
@@ -47,9 +47,11 @@ std::set<std::string> snapshot(const fs::path& folder) {
   return seen;
 }
 
-fs::path onlyFileIn(const fs::path& folder) {
-  EXPECT_EQ(namesIn(folder), 1u) << folder;
-  return fs::directory_iterator(folder)->path();
+fs::path keyFileIn(const fs::path& folder) {
+  for (const auto& item : fs::directory_iterator(folder))
+    if (item.path().extension() == ".key") return item.path();
+  ADD_FAILURE() << "no key file in " << folder;
+  return folder;
 }
 
 /// A closed store with three passwords, and the paths of its files and folders.
@@ -64,7 +66,7 @@ struct ClosedStore {
     if (name == "store") return temporary.place.store;
     if (name == "journal") return temporary.place.store + "-journal";
     if (name == "store folder") return fs::path(temporary.place.store).parent_path();
-    return name == "key folder" ? fs::path(temporary.place.keyFolder) : onlyFileIn(temporary.place.keyFolder);
+    return name == "key folder" ? fs::path(temporary.place.keyFolder) : keyFileIn(temporary.place.keyFolder);
   }
   TemporaryPlace temporary;
 };
@@ -100,7 +102,7 @@ class StoreSteps {
     if (operation == "add") return host.add(word, "x");
     if (operation == "look") return look(host, word, given);
     if (operation == "verify") return host.storage->verify();
-    if (operation == "salvage") return salvage(*host.storage, given);
+    if (operation == "salvage") return salvage(secret.bytes(), given);
     if (operation == "passphrase") return host.storage->setPassphrase(secret.bytes());
     if (operation == "no-passphrase") return host.storage->removePassphrase();
     if (operation == "unlock")
@@ -117,10 +119,11 @@ class StoreSteps {
     return status;
   }
 
-  static OSStatus salvage(SecFileStorage& storage, std::string& given) {
+  OSStatus salvage(SecFileStorage::Bytes passphrase, std::string& given) const {
     std::set<std::string> left;
     const OSStatus status =
-        storage.salvage([&](const SecEntry& entry) { left.insert(textFrom(entry.secret)); });
+        SecFileStorage::salvage(closed_.temporary.place, passphrase,
+                                [&](const SecEntry& entry) { left.insert(textFrom(entry.secret)); });
     for (const std::string& password : left) given += (given.empty() ? " " : ", ") + password;
     return status;
   }
@@ -189,8 +192,11 @@ TEST(SecFileStorage, DetectsChangesMadeBehindItsBack) {
     EXPECT_EQ(passwords.update("ann", "new"), errSecSuccess);
     EXPECT_EQ(passwords.remove("cy"), errSecSuccess);
     passwords.storage.reset();
-    runSQL(path, "ATTACH '" + path + ".old' AS old;ATTACH '" + other.path("store").string() +
-                     "' AS other;BEGIN;" + row[1] + ";COMMIT");
+    runSQL(path,
+           "ATTACH '" + path + ".old' AS old;ATTACH '" + other.path("store").string() +
+               "' AS other;BEGIN;CREATE TEMP TABLE entry AS SELECT number,body,row_number() OVER () AS place"
+               " FROM main.record WHERE number>240;" +
+               row[1] + ";COMMIT");
     if (passwords.open(closed.temporary.place) == errSecDecode) continue;
     const std::map<std::string, Passwords::Found> truth = {
         {"ann", "new"}, {"bob", "password of bob"}, {"cy", std::nullopt}, {"nobody", std::nullopt}};
@@ -201,7 +207,7 @@ TEST(SecFileStorage, DetectsChangesMadeBehindItsBack) {
     }
     EXPECT_EQ(passwords.storage->verify(), errSecDecode);
     EXPECT_EQ(passwords.add("dee", "x"), errSecDecode) << "a change to a store that is known to be damaged";
-    EXPECT_EQ(passwords.storage->salvage([](const SecEntry&) {}), errSecSuccess);
+    EXPECT_EQ(SecFileStorage::salvage(closed.temporary.place, {}, [](const SecEntry&) {}), errSecSuccess);
   }
 }
 

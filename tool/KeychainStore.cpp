@@ -5,6 +5,8 @@
 #include <Security/SecFileStorage.h>
 #include <Security/SecMemoryStorage.h>
 
+#include <algorithm>
+
 #include "tool/Failure.h"
 #include "tool/KeychainEntry.h"
 #include "tool/StandardStreams.h"
@@ -51,9 +53,15 @@ SecFileInfo infoOf(SecFileStorage& file) {
   return info;
 }
 
+bool hasPassphrase(const SecFileInfo& info) {
+  return std::any_of(info.slots.begin(), info.slots.end(), [](const SecFileSlotInfo& slot) {
+    return slot.protection == SecFileProtection::passphrase;
+  });
+}
+
 void unlock(SecFileStorage& file, const KeychainStore& store) {
   const SecFileInfo info = infoOf(file);
-  if (!info.locked || info.protection != SecFileProtection::passphrase) return;
+  if (!info.locked || !hasPassphrase(info)) return;
   const NSRefPtr<NSData> entered = passphrase(store, "Passphrase of " + info.path);
   if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain cannot be unlocked");
 }

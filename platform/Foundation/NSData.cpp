@@ -3,7 +3,6 @@
 #include <cstring>
 #include <string_view>
 
-#include <Foundation/Internal/NSKeyedHash.h>
 #include <Foundation/NSString.h>
 
 namespace {
@@ -36,7 +35,7 @@ bool NSData::isEqual(const NSRefPtr<NSObject>& other) const {
   return data && asText(bytes()) == asText(data->bytes());
 }
 
-std::size_t NSData::hash() const { return NSKeyedHashOf(bytes()); }
+std::size_t NSData::hash() const { return std::hash<std::string_view>{}(asText(bytes())); }
 
 NSRef<NSString> NSData::description() const { return NSString::stringWithFormat("<%lu bytes>", length()); }
 

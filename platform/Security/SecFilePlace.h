@@ -9,9 +9,10 @@
 
 /// Where the files of a store are.
 struct SecFilePlace {
-  std::string store;        ///< the store file
-  std::string keyFolder;    ///< where key files are, each named by the id of its store
-  bool ownsFolder = false;  ///< whether the store makes its folder and insists that it is private
+  std::string store;               ///< the store file
+  std::string keyFolder;           ///< where key files are, each named by a number in its store
+  bool ownsFolder = false;         ///< whether the store makes its folder and insists that it is private
+  bool allowSharedFolder = false;  ///< whether others may write to the folder of the store
 };
 
 /// Sets `place` to the user's own store: VXFoundation/credentials.store in $XDG_DATA_HOME or ~/.local/share,
@@ -21,6 +22,5 @@ struct SecFilePlace {
 NS_EXPORT OSStatus secDefaultFilePlace(SecFilePlace& place);
 
 /// Sets `place` to a store file of the host's choice, in an existing folder; its key is kept where the
-/// default store's key is. Returns errSecParam for an empty path, and for a file name of more than 247 bytes:
-/// with the name of its journal, such a store could not be opened.
+/// default store's key is. Returns errSecParam for an empty path.
 NS_EXPORT OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place);

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-/// What opens a store file. The numbers are kept in stores and never change.
+/// A way to open a store file. The numbers are kept in stores and never change.
 enum class SecFileProtection : std::uint8_t {
   keyFile = 1,     ///< a file in the key folder
   passphrase = 2,  ///< a secret that a person knows
+  desktop = 3,     ///< an item of the desktop's credential service; kept, but not used by this version
 };

@@ -4,13 +4,14 @@
 #include <utility>
 
 #include <Security/FileStore/SecFileCreation.h>
-#include <Security/FileStore/SecFileKeyFile.h>
-#include <Security/FileStore/SecFileSession.h>
-#include <Security/FileStore/SecFileTransaction.h>
+#include <Security/FileStore/SecFileMigration.h>
+#include <Security/FileStore/SecFileOperations.h>
+#include <Security/FileStore/SecFileProtecting.h>
+#include <Security/FileStore/SecFileSalvage.h>
 
 class SecFileStorage::Implementation {
  public:
-  Implementation(std::string path, std::string keyFolder) : session_(std::move(path), std::move(keyFolder)) {}
+  explicit Implementation(SecFileOpenSite site) : session_(std::move(site)) {}
 
   /// Runs `action` with exclusive use of the session.
   template <class Action>
@@ -21,6 +22,15 @@ class SecFileStorage::Implementation {
     return status;
   }
 
+  /// Does the same for an action that needs a store of this format.
+  template <class Action>
+  OSStatus aloneMigrated(Action&& action) {
+    return alone([&](SecFileSession& session) {
+      secMigrate(session);
+      action(session);
+    });
+  }
+
  private:
   std::mutex mutex_;
   SecFileSession session_;
@@ -28,77 +38,15 @@ class SecFileStorage::Implementation {
 
 namespace {
 
-/// Returns the store's path with links in its folder resolved. Makes a missing folder if the place allows it.
-std::string resolve(const SecFilePlace& place, SecFileStorage::Missing missing) {
-  const std::size_t slash = place.store.rfind('/');
-  const std::string folder = slash == place.store.npos ? "." : place.store.substr(0, slash + 1);
-  const std::string name = slash == place.store.npos ? place.store : place.store.substr(slash + 1);
-  secRequire(!name.empty(), errSecParam);
-  auto resolved = secResolveFolder(folder);
-  if (!resolved && place.ownsFolder && missing == SecFileStorage::Missing::make) {
-    secMakePrivateFolder(folder.substr(0, folder.size() - 1));
-    resolved = secResolveFolder(folder);
-  }
-  secRequire(resolved && (!place.ownsFolder || secJudgeFolder(*resolved)), errSecNoSuchKeychain);
-  return *resolved + "/" + name;
-}
-
 std::string describe(const SecFileInfo& info) {
-  const bool byKeyFile = info.protection == SecFileProtection::keyFile;
-  return (byKeyFile ? "key file " + info.keyFile : "passphrase") + (info.locked ? ", locked" : ", unlocked");
-}
-
-/// Runs `action` on a part of a damaged store and returns whether that part is intact.
-template <class Action>
-bool holds(Action&& action) {
-  const OSStatus status = secStatusOf(action);
-  secRequire(status == errSecSuccess || status == errSecDecode, status);
-  return status == errSecSuccess;
-}
-
-void transactIn(SecFileSession& session, SecStorage::Access access, const SecStorage::Work& work) {
-  const SecFileContext store = session.context();
-  if (access == SecStorage::Access::change) session.requireChangeable();
-  SecFileUnitOfWork unit(store.database, access == SecStorage::Access::change);
-  store.database.checkSchema();
-  SecFileTransaction transaction(store, access);
-  work(transaction);
-  transaction.finish();
-  if (access == SecStorage::Access::change) unit.commit();
-}
-
-void readInfo(SecFileSession& session, SecFileInfo& info) {
-  SecFileConnection& connection = session.connection();
-  const SecFileUnitOfWork reading(connection.database(), false);
-  connection.database().checkSchema();
-  info.path = session.path();
-  info.protection = connection.readSlot().protection;
-  info.keyFile = info.protection == SecFileProtection::keyFile
-                     ? secKeyFilePath(session.keyFolder(), connection.store())
-                     : "";
-  info.locked = session.isLocked();
-  info.entries = secCountEntries(connection.database());
-}
-
-void verifyAll(SecFileSession& session) {
-  const SecFileContext store = session.context();
-  const SecFileUnitOfWork reading(store.database, false);
-  store.database.checkSchema();
-  SecFileTransaction(store, SecStorage::Access::read).verify();
-}
-
-void salvageFrom(SecFileSession& session, const std::function<void(SecEntry)>& visit) {
-  const SecFileContext store = session.context();
-  const SecFileUnitOfWork reading(store.database, false);
-  auto rows = store.database.use("SELECT lines FROM directory");
-  while (rows.step()) {
-    SecFileBucket lines;
-    static_cast<void>(holds([&] { lines = secDecodeBucket(rows.blob(0)); }));
-    for (const SecFileLine& line : lines) {
-      SecEntry entry;
-      if (holds([&] { entry = secReadEntry(store, line); })) visit(std::move(entry));
-    }
+  std::string all;
+  for (const SecFileSlotInfo& slot : info.slots) {
+    if (!all.empty()) all += " or ";
+    if (slot.protection == SecFileProtection::keyFile) all += "key file " + slot.keyFile;
+    if (slot.protection == SecFileProtection::passphrase) all += "passphrase";
+    if (slot.protection == SecFileProtection::desktop) all += "desktop";
   }
+  return all + (info.locked ? ", locked" : ", unlocked");
 }
 
 }  // namespace
@@ -111,14 +59,28 @@ SecFileStorage::~SecFileStorage() = default;
 OSStatus SecFileStorage::open(const SecFilePlace& place, Missing missing,
                               std::unique_ptr<SecFileStorage>& storage) {
   return secStatusOf([&] {
-    const std::string path = resolve(place, missing);
-    if (missing == Missing::make && !secJudgeFile(path)) secMakeStore(path, place.keyFolder);
-    storage.reset(new SecFileStorage(std::make_unique<Implementation>(path, place.keyFolder)));
+    SecFileOpenSite found = secFindSite(place, missing == Missing::make);
+    if (missing == Missing::make && !found.folder.judge(found.site.name)) secMakeStore(found);
+    storage.reset(new SecFileStorage(std::make_unique<Implementation>(std::move(found))));
+  });
+}
+
+OSStatus SecFileStorage::make(const SecFilePlace& place, Bytes passphrase,
+                              std::unique_ptr<SecFileStorage>& storage) {
+  return secStatusOf([&] {
+    secRequire(!passphrase.empty(), errSecParam);
+    SecFileOpenSite found = secFindSite(place, true);
+    const bool isNew = !found.folder.contains(found.site.name) && secMakeStore(found, passphrase);
+    secRequire(isNew, errSecDuplicateItem);
+    std::unique_ptr<SecFileStorage> made(
+        new SecFileStorage(std::make_unique<Implementation>(std::move(found))));
+    secCheck(made->unlock(passphrase));
+    storage = std::move(made);
   });
 }
 
 OSStatus SecFileStorage::transact(Access access, const Work& work) {
-  return implementation_->alone([&](SecFileSession& session) { transactIn(session, access, work); });
+  return implementation_->alone([&](SecFileSession& session) { secTransact(session, access, work); });
 }
 
 OSStatus SecFileStorage::copyInfo(SecStorageInfo& info) {
@@ -146,19 +108,25 @@ void SecFileStorage::lock() {
 }
 
 OSStatus SecFileStorage::setPassphrase(Bytes passphrase) {
-  return implementation_->alone([&](SecFileSession& session) { session.setPassphrase(passphrase); });
+  return implementation_->aloneMigrated(
+      [&](SecFileSession& session) { secSetPassphrase(session, passphrase); });
 }
 
-OSStatus SecFileStorage::removePassphrase() {
-  return implementation_->alone([](SecFileSession& session) { session.removePassphrase(); });
-}
+OSStatus SecFileStorage::removePassphrase() { return implementation_->aloneMigrated(secRemovePassphrase); }
+
+OSStatus SecFileStorage::rotate() { return implementation_->aloneMigrated(secRotate); }
+
+OSStatus SecFileStorage::accept() { return implementation_->alone(secAccept); }
+
+OSStatus SecFileStorage::eraseFormerCopies() { return implementation_->alone(secEraseFormerCopies); }
 
 OSStatus SecFileStorage::info(SecFileInfo& info) {
-  return implementation_->alone([&](SecFileSession& session) { readInfo(session, info); });
+  return implementation_->alone([&](SecFileSession& session) { info = secInfo(session); });
 }
 
-OSStatus SecFileStorage::verify() { return implementation_->alone(verifyAll); }
+OSStatus SecFileStorage::verify() { return implementation_->alone(secVerify); }
 
-OSStatus SecFileStorage::salvage(const std::function<void(SecEntry)>& visit) {
-  return implementation_->alone([&](SecFileSession& session) { salvageFrom(session, visit); });
+OSStatus SecFileStorage::salvage(const SecFilePlace& place, Bytes passphrase,
+                                 const std::function<void(SecEntry)>& visit) {
+  return secStatusOf([&] { secSalvage(secFindSite(place, false), passphrase, visit); });
 }

@@ -7,23 +7,36 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include <Security/SecFilePlace.h>
 #include <Security/SecFileProtection.h>
 #include <Security/SecStorage.h>
 
+/// One way to open a store.
+struct SecFileSlotInfo {
+  SecFileProtection protection = SecFileProtection::keyFile;  ///< what opens it
+  std::string keyFile;                                        ///< the path of its key file, or empty
+};
+
+/// A copy of a store that was put aside before the store was migrated from an older format.
+struct SecFileFormerCopy {
+  std::string path;     ///< of the copy
+  std::string keyFile;  ///< the path of the key file that opens it, or empty
+};
+
 /// What is known about a store without decrypting any entry.
 struct SecFileInfo {
   /// The path of the store file, with symbolic links in its folder resolved.
   std::string path;
-  /// What opens it.
-  SecFileProtection protection = SecFileProtection::keyFile;
-  /// The path of its key file; empty when a passphrase protects the store.
-  std::string keyFile;
+  /// What opens it; any one of them is enough.
+  std::vector<SecFileSlotInfo> slots;
   /// Whether access to its entries is refused until it is unlocked.
   bool locked = false;
   /// The number of entries, which a locked store reports too.
   std::uint64_t entries = 0;
+  /// Copies of the store in an older format, next to it.
+  std::vector<SecFileFormerCopy> formerCopies;
 };
 
 /// The credential store in one encrypted file. Every change is one transaction, which is on the disk when the
@@ -32,8 +45,9 @@ struct SecFileInfo {
 /// file; a fork while another thread is in a transaction is not supported.
 /// In addition to the statuses of each operation: errSecInteractionNotAllowed when locked, errSecBusy after
 /// waiting for other processes (see setWaitLimit), errSecDecode for damage (then also for every later
-/// change), errSecInvalidKeychain, errSecWrongSecVersion, errSecNotPrivate, errSecNoSuchKeychain when the
-/// file is gone, errSecReadOnly, errSecDiskFull, errSecIO.
+/// change), errSecRolledBack for a store that went back to a former state, errSecForeignJournal for one with
+/// the journal of another, errSecInvalidKeychain, errSecWrongSecVersion, errSecNotPrivate,
+/// errSecNoSuchKeychain when the file is gone, errSecReadOnly, errSecDiskFull, errSecIO.
 class NS_EXPORT SecFileStorage final : public SecStorage {
  public:
   /// What opening does when the store does not exist.
@@ -46,35 +60,57 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
 
   /// Opens the store at `place`; a missing one is made, under a new key file, or refused with
   /// errSecNoSuchKeychain. A store under a key file is unlocked: errSecDataNotAvailable if its key file is
-  /// missing, errSecAuthFailed if the key file is another store's. A store under a passphrase stays locked.
+  /// missing, errSecAuthFailed if the key file is another store's. A store under a passphrase stays locked. A
+  /// store of an older format is opened as it is; its first change makes a copy of it and then migrates it.
   static OSStatus open(const SecFilePlace& place, Missing missing, std::unique_ptr<SecFileStorage>& storage);
+  /// Makes a store that only the passphrase opens, and opens it; errSecDuplicateItem if there is a file at
+  /// `place`, errSecParam for an empty passphrase.
+  static OSStatus make(const SecFilePlace& place, Bytes passphrase, std::unique_ptr<SecFileStorage>& storage);
   ~SecFileStorage() override;
 
   OSStatus transact(Access access, const Work& work) override;
   OSStatus copyInfo(SecStorageInfo& info) override;
   void setWaitLimit(std::chrono::milliseconds limit) override;
 
-  /// Unlocks with the key file; errSecInteractionNotAllowed if the store has a passphrase.
+  /// Unlocks with the key file; errSecInteractionNotAllowed if the store has none.
   OSStatus unlock();
   /// Unlocks with the passphrase; errSecAuthFailed if the passphrase is wrong or the store has none.
   OSStatus unlock(Bytes passphrase);
   /// Forgets all keys. Access to the entries is refused from then on, until the store is unlocked.
   void lock();
 
-  /// Protects the unlocked store with a passphrase in place of its key file or former passphrase; errSecParam
-  /// for an empty one. Takes about half a second and 128 MiB of memory.
+  /// Changes who can open the unlocked store, gives it new keys, and encrypts every entry anew, in one
+  /// transaction: a key file or passphrase that opened it before opens nothing that is written later. A key
+  /// file that is replaced is overwritten and removed, if it was made for this very file.
+  ///@{
+  /// Has the passphrase open it, in place of its key file or former passphrase; errSecParam for an empty one.
+  /// Takes half a second and 128 MiB of memory.
   OSStatus setPassphrase(Bytes passphrase);
-  /// Protects the unlocked store with a new key file in place of its passphrase; errSecParam if it has none.
+  /// Has a new key file open it, in place of its passphrase; errSecParam if it has none.
   OSStatus removePassphrase();
+  /// Leaves who can open it; a key file is replaced by a new one.
+  OSStatus rotate();
+  ///@}
+
+  /// Accepts a store that went back to a former state, such as a backup that was restored. Until then its
+  /// entries cannot be read or changed: errSecRolledBack.
+  OSStatus accept();
 
   /// Describes what the store is and how it is protected; works on a locked store.
   OSStatus info(SecFileInfo& info);
   /// Reads and checks every entry and every page of the file; errSecDecode if any check fails.
   OSStatus verify();
-  /// Passes `visit` every entry that still authenticates by itself, to rescue what is left of a damaged
-  /// store. An older state that was put back behind the store's back is not distinguished from a current one
-  /// here.
-  OSStatus salvage(const std::function<void(SecEntry)>& visit);
+  /// Erases the copies in an older format that were put next to the store, with their key files. Other copies
+  /// of the former store cannot be opened after that.
+  OSStatus eraseFormerCopies();
+
+  /// Passes `visit` every entry that can still be decrypted, oldest first, of the store at `place`, however
+  /// damaged its file is. It is opened with its key file or, failing that, with the passphrase, which may be
+  /// empty. One damaged page costs at most the entries that are on it. If the damage hides which state of an
+  /// entry is the last, the newest that is left is passed on. Returns errSecDecode if no key can open
+  /// anything.
+  static OSStatus salvage(const SecFilePlace& place, Bytes passphrase,
+                          const std::function<void(SecEntry)>& visit);
 
  private:
   class Implementation;

@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr std::size_t arenaSize = std::size_t{64} << 10;
+constexpr std::size_t arenaSize = std::size_t{128} << 10;
 constexpr std::size_t arenaBlock = 32;
-constexpr std::size_t largestInArena = 1024;
+constexpr std::size_t largestInArena = 4096;
 
 /// A process has one arena; if the host has set it up first, that one is used. A block of it is never freed,
 /// so that libcrypto's exit handler does not remove it while a host's exit handlers still need it.

@@ -9,8 +9,7 @@ const char* secStatusMessage(OSStatus status) noexcept {
     case errSecDiskFull:
       return "The disk is full; nothing was changed.";
     case errSecIO:
-      return "Reading or writing the credential store failed, or a change that was interrupted could not be "
-             "undone on a read-only disk; check whether a change was made.";
+      return "Reading or writing the credential store failed; check whether a change was made.";
     case errSecBusy:
       return "The credential store is in use by another program; try again.";
     case errSecParam:
@@ -49,6 +48,10 @@ const char* secStatusMessage(OSStatus status) noexcept {
       return "The credential store needs to ask the user, which is not allowed here.";
     case errSecDataNotAvailable:
       return "The key file of the credential store is missing.";
+    case errSecRolledBack:
+      return "The credential store went back to a former state; accept it if that was intended.";
+    case errSecForeignJournal:
+      return "The journal next to the credential store does not belong to it; both were left as they are.";
     case errSecDecode:
       return "The credential store is damaged or gave a malformed reply; it was left as it is.";
     case errSecNoSessionBus:

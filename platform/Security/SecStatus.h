@@ -33,6 +33,8 @@ enum SecStatus : OSStatus {
   errSecNoService = -25312,              ///< no program on the session bus keeps credentials
   errSecInteractionRequired = -25315,    ///< a prompt is needed, and prompts are not allowed
   errSecDataNotAvailable = -25316,       ///< the key file is missing
+  errSecRolledBack = -25391,             ///< the store went back to a former state, which nobody has accepted
+  errSecForeignJournal = -25392,         ///< there is a journal of another store, or of another state of it
   errSecDecode = -26275,                 ///< the stored data is damaged, or a reply malformed
   errSecNoSessionBus = -67585,           ///< there is no session bus
   errSecServiceReplaced = -67587,        ///< the service that was in use has ended or was replaced

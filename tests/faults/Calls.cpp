@@ -66,8 +66,12 @@ PASS_ON(syncing, -1, int, fsync, (int file), (file))
 PASS_ON(syncing, -1, int, fdatasync, (int file), (file))
 PASS_ON(naming, -1, int, linkat, (int from, const char* old, int to, const char* path, int flags) noexcept,
         (from, old, to, path, flags))
-PASS_ON(naming, -1, int, unlink, (const char* path) noexcept, (path))
-PASS_ON(naming, -1, int, mkdir, (const char* path, mode_t mode) noexcept, (path, mode))
+PASS_ON(naming, -1, int, renameat2,
+        (int from, const char* old, int to, const char* path, unsigned flags) noexcept,
+        (from, old, to, path, flags))
+PASS_ON(naming, -1, int, unlinkat, (int folder, const char* path, int flags) noexcept, (folder, path, flags))
+PASS_ON(naming, -1, int, mkdirat, (int folder, const char* path, mode_t mode) noexcept, (folder, path, mode))
+PASS_ON(opening, -1, int, fchmod, (int file, mode_t mode) noexcept, (file, mode))
 PASS_ON(randomness, 0, int, RAND_priv_bytes_ex,
         (OSSL_LIB_CTX * context, unsigned char* to, size_t size, unsigned strength),
         (context, to, size, strength))
@@ -84,6 +88,15 @@ PASS_ON(randomness, 0, int, RAND_priv_bytes_ex,
 
 OPEN(open)
 OPEN(open64)
+
+int openat(int folder, const char* path, int flags, ...) {
+  static const auto real = next<int (*)(int, const char*, int, ...)>("openat");
+  va_list rest;
+  va_start(rest, flags);
+  const auto mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(rest, mode_t) : 0;
+  va_end(rest);
+  return Calls::fails(Calls::opening) ? -1 : real(folder, path, flags, mode);
+}
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 void* __libc_malloc(size_t size);

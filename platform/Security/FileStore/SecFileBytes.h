@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -20,7 +21,17 @@ using SecDigest = std::array<std::byte, 32>;
 
 inline SecView secBytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
 
-/// Puts values one after another, numbers with the most significant byte first.
+inline std::string secHexadecimal(SecView bytes) {
+  constexpr char digits[] = "0123456789abcdef";
+  std::string text;
+  for (const std::byte byte : bytes) {
+    text += digits[std::to_integer<unsigned>(byte >> 4)];
+    text += digits[std::to_integer<unsigned>(byte & std::byte{15})];
+  }
+  return text;
+}
+
+/// Writes values one after another, numbers with the most significant byte first.
 template <class Bytes>
 class SecWriter {
  public:
@@ -31,7 +42,7 @@ class SecWriter {
       bytes_.push_back(static_cast<std::byte>(bits >> (shift - 8)));
     return *this;
   }
-  /// Not inlined: where it is, g++ 12 warns of an overflow that cannot be.
+  /// Not inlined: otherwise g++ 12 warns of an overflow that cannot happen.
   [[gnu::noinline]] SecWriter& raw(SecView bytes) {
     bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
     return *this;
@@ -63,7 +74,7 @@ class SecWriter {
 using SecByteWriter = SecWriter<SecBytes>;
 using SecSecretWriter = SecWriter<std::vector<std::byte, SecSecretAllocator<std::byte>>>;
 
-/// Takes apart what SecWriter put together; fails with errSecDecode where the bytes end too soon.
+/// Reads what SecWriter wrote; fails with errSecDecode if the bytes end too soon.
 class SecByteReader {
  public:
   explicit SecByteReader(SecView bytes) : bytes_(bytes) {}

@@ -1,55 +1,42 @@
 #include <Security/FileStore/SecFileConnection.h>
 
-#include <unistd.h>
+#include <cerrno>
 
-namespace {
+#include <Security/FileStore/SecFileSchema.h>
 
-SecFileNumber judge(const std::string& path) {
-  // A journal that is not ours must not be played back into the store.
-  secJudgeFile(path + "-journal");
-  const auto file = secJudgeFile(path);
-  secRequire(file.has_value(), errSecNoSuchKeychain);
-  return *file;
-}
-
-SecStoreID decodeID(SecView bytes) {
-  secRequire(bytes.size() == sizeof(SecStoreID), errSecDecode);
-  return SecByteReader(bytes).array<sizeof(SecStoreID)>();
-}
-
-}  // namespace
-
-SecFileConnection::SecFileConnection(std::string path, std::chrono::milliseconds waitLimit)
-    : path_(std::move(path)),
-      process_(::getpid()),
-      file_(judge(path_)),
-      database_(path_, waitLimit),
-      content_(readContent()) {
-  secRequire(isCurrent(), errSecBusy);
-}
+SecFileConnection::SecFileConnection(SecFileFolder folder, const std::string& name,
+                                     std::chrono::milliseconds waitLimit)
+    : folder_(std::move(folder)), name_(name), process_(::getpid()), database_(folder_, name_, waitLimit) {}
 
 bool SecFileConnection::isOurs() const { return process_ == ::getpid(); }
 
-bool SecFileConnection::isCurrent() const { return judge(path_) == file_; }
-
-SecFileConnection::Content SecFileConnection::readContent() {
-  const SecFileUnitOfWork reading(database_, false);
-  database_.checkSchema();
-  auto row = database_.storeRow();
-  row.requireRow();
-  const SecStoreID store = decodeID(row.blob(0));
-  const SecFileSlot slot = secDecodeSlot(row.blob(1), store);
-  secRequire(!row.step(), errSecDecode);
-  return {store, slot};
+bool SecFileConnection::isCurrent() const {
+  struct stat status {};
+  if (::lstat(folder_.pathOf(name_).c_str(), &status) == 0)
+    return secRequirePrivateFile(status) == database_.fileNumber();
+  if (errno != ENOENT) secFailByErrno();
+  return false;
 }
 
-SecFileSlot SecFileConnection::readSlot() {
-  auto row = database_.storeRow();
-  row.requireRow();
-  return secDecodeSlot(row.blob(1), store());
+const SecFileHeader& SecFileConnection::header() {
+  if (version_ != database_.dataVersion()) readAgain();
+  return header_;
 }
 
-void SecFileConnection::writeSlot(const SecFileSlot& slot) {
-  const SecBytes wrapped = secEncodeSlot(slot, store());
-  database_.use("UPDATE store SET slot=?").bind(wrapped).run();
+void SecFileConnection::readAgain() {
+  version_.reset();
+  seal_.reset();
+  const SecBytes content = secReadRecord(database_, {SecFileRecordKind::header, secHeaderNumbers[0]});
+  header_ = secDecodeHeader(content);
+  headerDigest_ = secHeaderDigest(content);
+  secCheckTables(database_, header_.fileNumber);
+  version_ = database_.dataVersion();
+}
+
+SecFileSeal& SecFileConnection::seal(const SecFileKeys& keys) {
+  const SecFileHeader& current = header();
+  if (seal_) return *seal_;
+  SecFileSeal read = secReadSeal({database_, keys, current.store});
+  secRequire(secSame(read.header, headerDigest_), errSecDecode);
+  return seal_.emplace(std::move(read));
 }

@@ -1,52 +1,54 @@
 #include <Security/FileStore/SecFileCreation.h>
 
-#include <unistd.h>
-
-#include <Security/FileStore/SecFileDatabase.h>
-#include <Security/FileStore/SecFileIndex.h>
+#include <Security/FileStore/SecFileDraft.h>
+#include <Security/FileStore/SecFileHeader.h>
 #include <Security/FileStore/SecFileKeyFile.h>
-#include <Security/FileStore/SecFileSystem.h>
+#include <Security/FileStore/SecFileSchema.h>
+#include <Security/FileStore/SecFileSeal.h>
 
 namespace {
 
-SecBytes emptyStore(const SecStoreID& store, const SecFileSlot& slot, const SecFileKeys& keys) {
+SecBytes emptyStore(SecFileSlot slot, SecView slotKey) {
+  const SecFileKeys keys;
+  secRenewSlot(slot, slotKey, keys);
+  SecFileHeader header;
+  header.store = secRandomBytes<sizeof(SecStoreID)>();
+  header.keyID = keys.id();
+  header.fileNumber = secRandomBytes<sizeof(SecTag)>();
+  header.slots.push_back(std::move(slot));
   SecFileDatabase database;
-  const SecBytes wrapped = secEncodeSlot(slot, store);
-  const SecBytes seal = secEncodeSeal({}, keys.seal(), store);
-  database.use("INSERT INTO store VALUES(1,?,?,?)").bind(store).bind(wrapped).bind(seal).run();
+  secMakeTables(database, header.fileNumber);
+  SecFileSeal seal;
+  seal.noteKey = secRandomSecret(secKeySize);
+  seal.header = secWriteHeader(database, header);
+  secWriteSeal({database, keys, header.store}, seal);
   return database.image();
 }
 
-/// Takes back the key of a store that did not come to be.
-class KeyFileGuard {
- public:
-  KeyFileGuard(const std::string& keyFile, const std::string& store) : keyFile_(keyFile), store_(store) {}
-  KeyFileGuard(const KeyFileGuard&) = delete;
-  KeyFileGuard& operator=(const KeyFileGuard&) = delete;
-  ~KeyFileGuard() {
-    // After an error the file may be there all the same: then its key has to stay.
-    if (!published && (lost || ::access(store_.c_str(), F_OK) != 0)) ::unlink(keyFile_.c_str());
-  }
-
-  bool published = false;
-  bool lost = false;
-
- private:
-  const std::string& keyFile_;
-  const std::string& store_;
-};
+bool publish(SecFileDraft& draft, SecFileSlot slot, SecView slotKey) {
+  draft.write(emptyStore(std::move(slot), slotKey));
+  return draft.publish();
+}
 
 }  // namespace
 
-void secMakeStore(const std::string& path, const std::string& keyFolder) {
-  const auto store = secRandomBytes<sizeof(SecStoreID)>();
-  SecSecret dataKey(secKeySize);
-  secFillRandom(dataKey.writableBytes());
-  const SecFileKeys keys(std::move(dataKey), store);
-  const std::string keyFile = secKeyFilePath(keyFolder, store);
-  KeyFileGuard guard(keyFile, path);
-  const SecSecret key = secMakeKeyFile(keyFolder, store);
-  const SecFileSlot slot = secWrapKey(SecFileProtection::keyFile, key.bytes(), store, keys.data());
-  guard.published = secPublishFile(path, emptyStore(store, slot, keys));
-  guard.lost = !guard.published;
+bool secMakeStore(const SecFileOpenSite& open) {
+  const auto& [site, folder] = open;
+  const SecFileFolder keyFolder = site.makeKeyFolder();
+  SecFileDraft draft(folder, site.name);
+  SecFileNewKeyFile keyFile(keyFolder, {folder.pathOf(site.name), draft.number()});
+  bool published = false;
+  const OSStatus status =
+      secStatusOf([&] { published = publish(draft, keyFile.slot(), keyFile.slotKey().bytes()); });
+  // A failure may come after the store got its name; then its key has to stay.
+  if (published || folder.judge(site.name) == draft.number()) keyFile.keep();
+  secCheck(status);
+  return published;
+}
+
+bool secMakeStore(const SecFileOpenSite& open, SecView passphrase) {
+  const auto& [site, folder] = open;
+  SecFileDraft draft(folder, site.name);
+  const SecFileSlot slot = secMakeSlot(SecFileProtection::passphrase);
+  return publish(draft, slot, secDeriveSlotKey(slot, passphrase).bytes());
 }

@@ -1,7 +1,10 @@
 #pragma once
 
-#include <string>
+#include <Security/FileStore/SecFileSite.h>
+#include <Security/FileStore/SecFileSlot.h>
 
-/// Makes an empty store at `path` under a new key file. When another process has made one meanwhile, that
-/// one stands, and nothing of this one remains.
-void secMakeStore(const std::string& path, const std::string& keyFolder);
+/// Makes an empty store under a new key file. If another process makes one at the same time, that one stays,
+/// and nothing of this one remains; then false is returned.
+bool secMakeStore(const SecFileOpenSite& open);
+/// Makes one under a passphrase.
+bool secMakeStore(const SecFileOpenSite& open, SecView passphrase);

@@ -60,7 +60,6 @@ SecSecret derive(EVP_KDF* kdf, const OSSL_PARAM* parameters, std::size_t size) {
 }
 
 SecView nonceOf(SecView box) { return box.first(secNonceSize); }
-SecView tagOf(SecView box) { return box.last(sizeof(SecTag)); }
 SecView textOf(SecView box) { return box.subspan(secNonceSize, box.size() - secBoxOverhead); }
 
 }  // namespace
@@ -68,6 +67,12 @@ SecView textOf(SecView box) { return box.subspan(secNonceSize, box.size() - secB
 void secFillRandom(std::span<std::byte> bytes) {
   const int result = RAND_priv_bytes_ex(secLibraryContext(), secOut(bytes), bytes.size(), 0);
   secRequire(result == 1, errSecNotAvailable);
+}
+
+SecSecret secRandomSecret(std::size_t size) {
+  SecSecret secret(size);
+  secFillRandom(secret.writableBytes());
+  return secret;
 }
 
 SecDigest secHash(SecView message) {
@@ -101,6 +106,16 @@ SecSecret secDeriveKey(SecView key, SecView salt, std::string_view purpose, std:
       digestName(), secOctets(OSSL_KDF_PARAM_KEY, key), secOctets(OSSL_KDF_PARAM_SALT, salt),
       secOctets(OSSL_KDF_PARAM_INFO, secBytesOf(purpose)), OSSL_PARAM_construct_end()};
   return derive(hkdf(), parameters, size);
+}
+
+bool secIsReasonable(SecCost cost) {
+  constexpr SecCost least{14, 8, 1};
+  constexpr SecCost most{18, 8, 4};
+  const auto within = [](std::uint8_t lower, std::uint8_t value, std::uint8_t upper) {
+    return lower <= value && value <= upper;
+  };
+  return within(least.logN, cost.logN, most.logN) && within(least.r, cost.r, most.r) &&
+         within(least.p, cost.p, most.p);
 }
 
 SecSecret secStretch(SecView passphrase, SecView salt, SecCost cost) {
@@ -138,10 +153,8 @@ SecBytes secSeal(SecView key, SecView associated, SecView plaintext) {
 }
 
 SecSecret secOpen(SecView key, SecView associated, SecView box) {
-  secRequire(box.size() >= secBoxOverhead, errSecDecode);
+  SecTag tag = secBoxTag(box);
   const SecView text = textOf(box);
-  SecTag tag;
-  std::copy_n(tagOf(box).begin(), tag.size(), tag.begin());
   SecSecret plaintext(text.size());
   const auto context = secOwn(EVP_CIPHER_CTX_new());
   int written = 0;
@@ -154,4 +167,9 @@ SecSecret secOpen(SecView key, SecView associated, SecView box) {
       EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, static_cast<int>(tag.size()), secOut(tag)));
   secRequire(EVP_DecryptFinal_ex(context.get(), secOut(tag), &written) == 1, errSecDecode);
   return plaintext;
+}
+
+SecTag secBoxTag(SecView box) {
+  secRequire(box.size() >= secBoxOverhead, errSecDecode);
+  return SecByteReader(box.last(sizeof(SecTag))).array<sizeof(SecTag)>();
 }

@@ -19,6 +19,8 @@ std::array<std::byte, size> secRandomBytes() {
   return bytes;
 }
 
+SecSecret secRandomSecret(std::size_t size);
+
 /// Returns the SHA-256 digest (FIPS 180-4).
 SecDigest secHash(SecView message);
 
@@ -43,6 +45,10 @@ struct SecCost {
   std::uint8_t p = 1;
 };
 
+/// Returns whether the cost is one that a version of this library may have chosen. A file that asks for more
+/// or less is refused before anything is derived.
+bool secIsReasonable(SecCost cost);
+
 /// Derives a key from a passphrase: scrypt (RFC 7914). Needs 128 * N * r bytes of memory in the meantime.
 SecSecret secStretch(SecView passphrase, SecView salt, SecCost cost);
 
@@ -55,3 +61,6 @@ SecBytes secSeal(SecView key, SecView associated, SecView plaintext);
 
 /// Returns the plaintext of a box after its tag was verified; fails with errSecDecode if the tag is wrong.
 SecSecret secOpen(SecView key, SecView associated, SecView box);
+
+/// Returns the tag at the end of a box; fails with errSecDecode if the bytes are too short for one.
+SecTag secBoxTag(SecView box);

@@ -3,31 +3,20 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <thread>
 
 #include <Security/FileStore/SecFileFormat.h>
+#include <Security/FileStore/SecFileSQLite.h>
 
 namespace {
 
 using namespace std::chrono_literals;
 
 constexpr std::size_t reserve = std::size_t{256} << 10;
-constexpr std::size_t pageSize = 4096;
 constexpr std::size_t headerSize = 100;
-
-/// Reads the first bytes through SQLite: opening and closing the file here would drop the locks that other
-/// connections of this process hold on it.
-std::array<std::byte, headerSize> readHeader(sqlite3* connection) {
-  sqlite3_file* file = nullptr;
-  secCheckSQLite(sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file));
-  std::array<std::byte, headerSize> header{};
-  const int code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
-  if (code == SQLITE_IOERR_SHORT_READ) throw SecFailure{errSecInvalidKeychain};
-  secCheckSQLite(code);
-  return header;
-}
 
 template <class Integer>
 Integer headerField(SecView header, std::size_t offset) {
@@ -40,59 +29,82 @@ void set(sqlite3* connection, int option, int value) {
 
 }  // namespace
 
-SecFileDatabase::SecFileDatabase(const std::string& path, std::chrono::milliseconds waitLimit)
-    : waitLimit_(waitLimit) {
-  open(path.c_str(), SQLITE_OPEN_NOFOLLOW);
-  checkMode(path);
+SecFileDatabase::SecFileDatabase(const SecFileFolder& folder, const std::string& name,
+                                 std::chrono::milliseconds waitLimit)
+    : folder_(&folder), vfs_(std::make_unique<SecFileVFS>(folder, name)), waitLimit_(waitLimit) {
+  open(vfs_->path().c_str(), 0, vfs_->name());
+  checkMode();
   checkHeader();
   configure();
 }
 
 SecFileDatabase::SecFileDatabase() {
-  open(":memory:", SQLITE_OPEN_MEMORY);
-  run("PRAGMA page_size=4096");
-  const std::string numbers = "PRAGMA application_id=" + std::to_string(secFileApplication) +
-                              ";PRAGMA user_version=" + std::to_string(secFileFormat);
-  secCheckSQLite(sqlite3_exec(connection_.get(), numbers.c_str(), nullptr, nullptr, nullptr));
-  for (const char* statement : secFileSchema) run(statement);
+  open(":memory:", SQLITE_OPEN_MEMORY, nullptr);
+  runOnce("PRAGMA page_size=" + std::to_string(secFilePageSize) +
+          ";PRAGMA application_id=" + std::to_string(secFileApplication));
+  setFormat(secFileFormat);
 }
 
-void SecFileDatabase::open(const char* path, int flags) {
+void SecFileDatabase::open(const char* path, int flags, const char* vfs) {
   sqlite3* connection = nullptr;
-  const int code =
-      sqlite3_open_v2(path, &connection,
-                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | flags, nullptr);
+  errno = 0;
+  const int code = sqlite3_open_v2(
+      path, &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | flags, vfs);
   connection_.reset(connection);
   secRequire(connection != nullptr, errSecAllocate);
   secCheckSQLite(code);
 }
 
-/// Where the file could not be opened for writing, SQLite opens it for reading only, for whatever reason.
-void SecFileDatabase::checkMode(const std::string& path) {
+/// A file that could not be opened for writing, whatever the reason, SQLite opens for reading only.
+void SecFileDatabase::checkMode() {
   const bool readOnly = sqlite3_db_readonly(connection_.get(), "main") == 1;
-  secRequire(!readOnly || ::access(path.c_str(), W_OK) != 0, errSecIO);
+  secRequire(!readOnly || ::access(vfs_->path().c_str(), W_OK) != 0, errSecIO);
 }
 
 /// Pages that the file no longer uses are as good as room on the disk.
 void SecFileDatabase::requireRoom(std::size_t size) {
   struct statvfs room {};
-  const std::string path = sqlite3_db_filename(connection_.get(), "main");
-  if (::statvfs(path.c_str(), &room) != 0) return;
+  if (::fstatvfs(folder_->descriptor(), &room) != 0) return;
   if (room.f_bavail >= (reserve + 2 * size) / room.f_frsize) return;
-  auto unused = use("PRAGMA freelist_count");
-  secRequire(unused.step() && static_cast<std::size_t>(unused.integer(0)) > 4 + 2 * size / pageSize,
-             errSecDiskFull);
+  secRequire(unusedPages() > 4 + 2 * size / secFilePageSize, errSecDiskFull);
+}
+
+/// The file is read through SQLite: opening and closing it here would drop the locks that other connections
+/// of this process hold on it.
+sqlite3_file& SecFileDatabase::file() {
+  sqlite3_file* file = nullptr;
+  secCheckSQLite(sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file));
+  return *file;
+}
+
+SecBytes SecFileDatabase::fileContent() {
+  sqlite3_file& source = file();
+  sqlite3_int64 size = 0;
+  errno = 0;
+  secCheckSQLite(source.pMethods->xFileSize(&source, &size));
+  SecBytes content(static_cast<std::size_t>(size));
+  for (std::size_t at = 0; at < content.size(); at += secFilePageSize) {
+    const std::size_t count = std::min(secFilePageSize, content.size() - at);
+    secCheckSQLite(source.pMethods->xRead(&source, content.data() + at, static_cast<int>(count),
+                                          static_cast<sqlite3_int64>(at)));
+  }
+  return content;
 }
 
 void SecFileDatabase::checkHeader() {
-  const auto header = readHeader(connection_.get());
+  sqlite3_file& source = file();
+  std::array<std::byte, headerSize> header{};
+  errno = 0;
+  const int code = source.pMethods->xRead(&source, header.data(), static_cast<int>(header.size()), 0);
+  if (code == SQLITE_IOERR_SHORT_READ) throw SecFailure{errSecInvalidKeychain};
+  secCheckSQLite(code);
   const SecView bytes(header);
   constexpr char magic[] = "SQLite format 3";
   secRequire(std::memcmp(header.data(), magic, sizeof magic) == 0, errSecInvalidKeychain);
   secRequire(headerField<std::uint32_t>(bytes, 68) == secFileApplication, errSecInvalidKeychain);
-  secRequire(headerField<std::uint32_t>(bytes, 60) <= secFileFormat, errSecWrongSecVersion);
-  secRequire(headerField<std::uint32_t>(bytes, 60) == secFileFormat, errSecDecode);
-  // A store keeps a rollback journal; anything else here would make SQLite lay further files beside it.
+  takeFormat(headerField<std::uint32_t>(bytes, 60));
+  secRequire(headerField<std::uint16_t>(bytes, 16) == secFilePageSize, errSecDecode);
+  // A store keeps a rollback journal; with anything else here, SQLite would keep other files next to it.
   secRequire(headerField<std::uint16_t>(bytes, 18) == 0x0101, errSecDecode);
 }
 
@@ -110,22 +122,42 @@ void SecFileDatabase::configure() {
 
 void SecFileDatabase::beginReading() {
   run("BEGIN");
-  // What reads the file takes the lock. This needs no table: the first statement that does reads the schema,
-  // and would take and leave a lock for that alone.
-  run("PRAGMA user_version");
+  // Reading the file takes the lock. This needs no table: the first statement with a table reads the schema,
+  // and would take and release a lock only for that.
+  takeFormat(static_cast<std::uint32_t>(count("PRAGMA user_version")));
 }
 
 void SecFileDatabase::beginWriting() {
   if (!writes_) {
     run("PRAGMA synchronous=EXTRA");
     run("PRAGMA secure_delete=ON");
+    run("PRAGMA temp_store=MEMORY");
   }
   writes_ = true;
   run("BEGIN IMMEDIATE");
+  takeFormat(static_cast<std::uint32_t>(count("PRAGMA user_version")));
+  setFormat(format_);
 }
 
-/// Asks again every few milliseconds: SQLite's own waits grow so long that one of several busy writers
-/// may never meet the moment between two others.
+void SecFileDatabase::takeFormat(std::uint32_t format) {
+  secRequire(format <= secFileFormat, errSecWrongSecVersion);
+  secRequire(format == secFileFormat || format == secFileFormat1, errSecDecode);
+  format_ = format;
+}
+
+void SecFileDatabase::setFormat(std::uint32_t format) {
+  run(format == secFileFormat ? "PRAGMA user_version=2" : "PRAGMA user_version=1");
+  format_ = format;
+}
+
+std::size_t SecFileDatabase::count(const char* pragma) {
+  auto row = use(pragma);
+  row.requireRow();
+  return static_cast<std::size_t>(row.integer(0));
+}
+
+/// Tries again every few milliseconds: SQLite's own waits grow so long that one of several busy writers may
+/// never find the moment between two others.
 int SecFileDatabase::wait(void* database, int tries) {
   auto& self = *static_cast<SecFileDatabase*>(database);
   const auto now = std::chrono::steady_clock::now();
@@ -148,15 +180,9 @@ SecFileStatement SecFileDatabase::use(const char* sql) {
   return SecFileStatement(statement.get());
 }
 
-SecFileStatement SecFileDatabase::storeRow() { return use("SELECT id,slot,seal FROM store"); }
-
-void SecFileDatabase::checkSchema() {
-  if (checkedVersion_ == dataVersion()) return;
-  SecFileStatement rows = use("SELECT sql FROM sqlite_schema");
-  for (const char* expected : secFileSchema)
-    secRequire(rows.step() && rows.text(0) == expected, errSecDecode);
-  secRequire(!rows.step(), errSecDecode);
-  checkedVersion_ = dataVersion();
+void SecFileDatabase::runOnce(const std::string& sql) {
+  errno = 0;
+  secCheckSQLite(sqlite3_exec(connection_.get(), sql.c_str(), nullptr, nullptr, nullptr));
 }
 
 unsigned SecFileDatabase::dataVersion() {
@@ -175,8 +201,8 @@ SecBytes SecFileDatabase::image() const {
 }
 
 SecFileUnitOfWork::SecFileUnitOfWork(SecFileDatabase& database, bool writing) : SecFileUnitOfWork(database) {
-  // From here on the destructor ends what was begun, should the rest of it fail. Prepared ahead, so that want
-  // of memory cannot keep a transaction from being ended.
+  // From here on the destructor ends the transaction if the rest fails. Prepared ahead, so that a lack of
+  // memory cannot keep a transaction from being ended.
   static_cast<void>(database.use("ROLLBACK"));
   writing ? database.beginWriting() : database.beginReading();
 }
@@ -186,7 +212,7 @@ SecFileUnitOfWork::~SecFileUnitOfWork() {
   try {
     database_.run("ROLLBACK");
   } catch (const SecFailure&) {
-    // What could not be rolled back now is, from the journal, by whoever opens the store next.
+    // Whoever opens the store next rolls it back, from the journal.
   } catch (const std::bad_alloc&) {
   }
 }

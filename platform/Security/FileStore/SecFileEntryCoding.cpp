@@ -42,7 +42,48 @@ void putAttributes(SecSecretWriter& writer, const SecAttributes& attributes) {
   if (attributes.port) writer.number(*attributes.port);
 }
 
-SecAttributes takeAttributes(SecByteReader& reader) {
+bool isPadding(SecView bytes) {
+  return bytes.size() < paddingStep &&
+         std::all_of(bytes.begin(), bytes.end(), [](std::byte byte) { return byte == std::byte{0}; });
+}
+
+}  // namespace
+
+SecSecretWriter secEncodeHead(const SecFileEntryHead& head) {
+  SecSecretWriter writer;
+  writer.reserve(4 * paddingStep);
+  writer.number(head.order).number(head.change).raw(head.secret);
+  putAttributes(writer, head.attributes);
+  writer.padTo(paddingStep);
+  return writer;
+}
+
+SecFileEntryHead secDecodeHead(SecView bytes) {
+  SecByteReader reader(bytes);
+  SecFileEntryHead head;
+  head.order = reader.number<std::int64_t>();
+  head.change = reader.number<std::uint64_t>();
+  head.secret = reader.array<sizeof(SecTag)>();
+  head.attributes = secTakeAttributes(reader);
+  secRequirePadding(reader);
+  return head;
+}
+
+SecSecretWriter secEncodeSecret(SecView secret) {
+  SecSecretWriter writer;
+  writer.reserve(secret.size() + 2 * paddingStep);
+  writer.number(static_cast<std::uint32_t>(secret.size())).raw(secret).padTo(paddingStep);
+  return writer;
+}
+
+SecSecret secDecodeSecret(SecView bytes) {
+  SecByteReader reader(bytes);
+  SecSecret secret = secTakeSecret(reader);
+  secRequirePadding(reader);
+  return secret;
+}
+
+SecAttributes secTakeAttributes(SecByteReader& reader) {
   SecAttributes attributes;
   attributes.itemClass = takeClass(reader);
   for (auto* text : {&attributes.account, &attributes.service, &attributes.server, &attributes.path,
@@ -52,29 +93,8 @@ SecAttributes takeAttributes(SecByteReader& reader) {
   return attributes;
 }
 
-SecSecret takeSecret(SecByteReader& reader) { return SecSecret(reader.raw(reader.number<std::uint32_t>())); }
-
-bool isPadding(SecView bytes) {
-  return bytes.size() < paddingStep &&
-         std::all_of(bytes.begin(), bytes.end(), [](std::byte byte) { return byte == std::byte{0}; });
+SecSecret secTakeSecret(SecByteReader& reader) {
+  return SecSecret(reader.raw(reader.number<std::uint32_t>()));
 }
 
-}  // namespace
-
-SecSecretWriter secEncodeEntry(const SecEntry& entry) {
-  const SecView secret = entry.secret.bytes();
-  SecSecretWriter writer;
-  writer.reserve(secret.size() + 4 * paddingStep);
-  putAttributes(writer, entry.attributes);
-  writer.number(static_cast<std::uint32_t>(secret.size())).raw(secret).padTo(paddingStep);
-  return writer;
-}
-
-SecEntry secDecodeEntry(SecView bytes) {
-  SecByteReader reader(bytes);
-  SecEntry entry;
-  entry.attributes = takeAttributes(reader);
-  entry.secret = takeSecret(reader);
-  secRequire(isPadding(reader.rest()), errSecDecode);
-  return entry;
-}
+void secRequirePadding(const SecByteReader& reader) { secRequire(isPadding(reader.rest()), errSecDecode); }

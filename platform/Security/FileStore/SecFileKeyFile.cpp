@@ -1,32 +1,72 @@
 #include <Security/FileStore/SecFileKeyFile.h>
 
-#include <Security/FileStore/SecFileSystem.h>
+#include <fcntl.h>
+#include <sys/file.h>
 
-std::string secKeyFilePath(const std::string& keyFolder, const SecStoreID& store) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string name;
-  for (const std::byte byte : store) {
-    name += digits[std::to_integer<unsigned>(byte >> 4)];
-    name += digits[std::to_integer<unsigned>(byte & std::byte{15})];
-  }
-  return keyFolder + "/" + name + ".key";
+#include <cerrno>
+#include <climits>
+
+#include <Security/FileStore/SecFileDraft.h>
+
+namespace {
+
+constexpr std::string_view magic = "VXFoundation key file 2\n";
+constexpr std::size_t largestFile = PATH_MAX + 256;
+
+SecSecretWriter encode(SecView secret, const SecFileOwner& owner) {
+  SecSecretWriter writer;
+  writer.reserve(largestFile);
+  writer.raw(magic).raw(secret);
+  writer.number(std::uint64_t{owner.file.device}).number(std::uint64_t{owner.file.inode});
+  writer.number(static_cast<std::uint32_t>(owner.path.size())).raw(owner.path);
+  writer.raw(secHash(writer.bytes()));
+  return writer;
 }
 
-SecSecret secReadKeyFile(const std::string& keyFolder, const SecStoreID& store) {
-  secRequire(secJudgeFolder(keyFolder), errSecDataNotAvailable);
-  auto key = secReadPrivateFile(secKeyFilePath(keyFolder, store), secKeySize + 1);
-  secRequire(key.has_value(), errSecDataNotAvailable);
-  secRequire(key->bytes().size() == secKeySize, errSecAuthFailed);
-  return std::move(*key);
-}
-
-SecSecret secMakeKeyFile(const std::string& keyFolder, const SecStoreID& store) {
-  SecSecret key(secKeySize);
-  secFillRandom(key.writableBytes());
-  secMakePrivateFolder(keyFolder);
-  secRequire(secJudgeFolder(keyFolder), errSecIO);
-  const std::string path = secKeyFilePath(keyFolder, store);
-  secRemoveFile(path);
-  secRequire(secPublishFile(path, key.bytes()), errSecBusy);
+SecFileKey decode(SecView content) {
+  secRequire(content.size() > sizeof(SecDigest), errSecDecode);
+  const SecView body = content.first(content.size() - sizeof(SecDigest));
+  secRequire(secSame(secHash(body), content.last(sizeof(SecDigest))), errSecDecode);
+  SecByteReader reader(body);
+  secRequire(secSame(reader.raw(magic.size()), secBytesOf(magic)), errSecDecode);
+  SecFileKey key{SecSecret(reader.raw(secKeySize)), {}};
+  key.owner.file.device = reader.number<std::uint64_t>();
+  key.owner.file.inode = reader.number<std::uint64_t>();
+  const SecView path = reader.raw(reader.number<std::uint32_t>());
+  key.owner.path.assign(reinterpret_cast<const char*>(path.data()), path.size());
   return key;
+}
+
+}  // namespace
+
+std::string secKeyFileName(const SecTag& slot) { return secHexadecimal(slot) + ".key"; }
+
+std::optional<SecFileKey> secReadKeyFile(const SecFileFolder& folder, const std::string& name) {
+  const auto content = folder.read(name, largestFile);
+  if (!content) return std::nullopt;
+  try {
+    return decode(content->bytes());
+  } catch (const SecFailure& failure) {
+    throw SecFailure{failure.status == errSecDecode ? errSecAuthFailed : failure.status};
+  }
+}
+
+SecFileKeyLock::SecFileKeyLock(const SecFileFolder& folder, Purpose purpose)
+    : folder_(::openat(folder.descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  secCall(folder_.number());
+  const int operation = purpose == Purpose::make ? LOCK_SH : LOCK_EX | LOCK_NB;
+  const bool locked = ::flock(folder_.number(), operation) == 0;
+  secRequire(locked || errno != EWOULDBLOCK, errSecBusy);
+}
+
+SecFileNewKeyFile::SecFileNewKeyFile(const SecFileFolder& folder, const SecFileOwner& owner)
+    : folder_(folder), lock_(folder, SecFileKeyLock::Purpose::make) {
+  const SecSecret secret = secRandomSecret(secKeySize);
+  slotKey_ = secDeriveSlotKey(slot_, secret.bytes());
+  const SecSecretWriter content = encode(secret.bytes(), owner);
+  secRequire(secPublishFile(folder, secKeyFileName(slot_.number), content.bytes()), errSecIO);
+}
+
+SecFileNewKeyFile::~SecFileNewKeyFile() {
+  if (!kept_) static_cast<void>(secStatusOf([&] { folder_.erase(secKeyFileName(slot_.number)); }));
 }

@@ -1,12 +1,58 @@
 #pragma once
 
-#include <string>
+#include <optional>
 
-#include <Security/FileStore/SecFileKeys.h>
+#include <Security/FileStore/SecFileFolder.h>
+#include <Security/FileStore/SecFileSlot.h>
 
-/// The path of a store's key file in `keyFolder`.
-std::string secKeyFilePath(const std::string& keyFolder, const SecStoreID& store);
-/// Reads the key file: errSecDataNotAvailable when it is missing, errSecAuthFailed when it is none.
-SecSecret secReadKeyFile(const std::string& keyFolder, const SecStoreID& store);
-/// Makes a new key and its file, in place of one that is there.
-SecSecret secMakeKeyFile(const std::string& keyFolder, const SecStoreID& store);
+/// Which store a key file was made for. Copying or moving a store changes one of the three.
+struct SecFileOwner {
+  std::string path;
+  SecFileNumber file;
+  friend bool operator==(const SecFileOwner&, const SecFileOwner&) = default;
+};
+
+/// The content of a key file: the secret of a slot, and the store that the file was made for.
+struct SecFileKey {
+  SecSecret secret;
+  SecFileOwner owner;
+};
+
+/// Returns the name of a slot's key file.
+std::string secKeyFileName(const SecTag& slot);
+
+/// Reads a key file: no value if there is none, errSecAuthFailed if it is not a key file.
+std::optional<SecFileKey> secReadKeyFile(const SecFileFolder& folder, const std::string& name);
+
+/// A lock on a key folder: shared while a key file exists that no store names yet, exclusive while files are
+/// judged and erased. Where the file system has no such locks, there is none.
+class SecFileKeyLock {
+ public:
+  enum class Purpose { make, erase };
+  /// Fails with errSecBusy where erasing would have to wait.
+  SecFileKeyLock(const SecFileFolder& folder, Purpose purpose);
+
+ private:
+  SecFileDescriptor folder_;
+};
+
+/// A slot with a new number and a key file with a new secret. The file is erased again unless it is kept.
+class SecFileNewKeyFile {
+ public:
+  /// `folder` has to outlive it.
+  SecFileNewKeyFile(const SecFileFolder& folder, const SecFileOwner& owner);
+  SecFileNewKeyFile(const SecFileNewKeyFile&) = delete;
+  SecFileNewKeyFile& operator=(const SecFileNewKeyFile&) = delete;
+  ~SecFileNewKeyFile();
+
+  const SecFileSlot& slot() const { return slot_; }
+  const SecSecret& slotKey() const { return slotKey_; }
+  void keep() { kept_ = true; }
+
+ private:
+  const SecFileFolder& folder_;
+  SecFileKeyLock lock_;
+  SecFileSlot slot_ = secMakeSlot(SecFileProtection::keyFile);
+  SecSecret slotKey_;
+  bool kept_ = false;
+};

@@ -1,25 +1,37 @@
 #include <Security/FileStore/SecFileSession.h>
 
+#include <algorithm>
 #include <utility>
 
-#include <Security/FileStore/SecFileKeyFile.h>
+#include <Security/FileStore/SecFileFormat.h>
 
-SecFileSession::SecFileSession(std::string path, std::string keyFolder)
-    : path_(std::move(path)), keyFolder_(std::move(keyFolder)) {
-  static_cast<void>(connection());
-  unlockWhereNothingIsAsked();
+namespace {
+
+bool hasKeyFile(const SecFileHeader& header) {
+  return std::any_of(header.slots.begin(), header.slots.end(),
+                     [](const SecFileSlot& slot) { return slot.protection == SecFileProtection::keyFile; });
+}
+
+}  // namespace
+
+SecFileSession::SecFileSession(SecFileOpenSite site)
+    : site_(std::move(site.site)),
+      connection_(std::make_unique<SecFileConnection>(std::move(site.folder), site_.name, waitLimit_)),
+      watch_(site_.folder + '/' + site_.name) {
+  SecFileWork work(*this, false, SecFileWork::Trust::nothing);
+  const auto* former = work.former();
+  if (former ? former->protection() == SecFileProtection::keyFile : hasKeyFile(work.header()))
+    openByKeyFile(work);
 }
 
 SecFileConnection& SecFileSession::connection() {
-  // What was opened before a fork belongs to the parent: it is not even closed, for that touches the file.
+  // What was opened before a fork belongs to the parent: not even closing it is safe, as that touches the
+  // file.
   if (connection_ && !connection_->isOurs()) static_cast<void>(connection_.release());
   if (connection_ && !connection_->isCurrent()) connection_.reset();
   if (connection_) return *connection_;
-  connection_ = std::make_unique<SecFileConnection>(path_, waitLimit_);
+  connection_ = std::make_unique<SecFileConnection>(site_.openFolder(), site_.name, waitLimit_);
   damaged_ = false;
-  if (!keys_ || keysFor_ == connection_->store()) return *connection_;
-  keys_.reset();
-  unlockWhereNothingIsAsked();
   return *connection_;
 }
 
@@ -28,74 +40,114 @@ void SecFileSession::setWaitLimit(std::chrono::milliseconds limit) {
   if (connection_) connection_->database().setWaitLimit(limit);
 }
 
-SecFileContext SecFileSession::context() {
-  SecFileConnection& current = connection();
-  secRequire(keys_ != nullptr, errSecInteractionNotAllowed);
-  return {current.database(), *keys_, current.store()};
-}
-
-void SecFileSession::unlockWhereNothingIsAsked() {
-  const SecFileSlot& slot = connection_->slotAtOpening();
-  if (slot.protection == SecFileProtection::keyFile)
-    unwrap(slot, secReadKeyFile(keyFolder_, connection_->store()).bytes());
-}
-
-SecFileSlot SecFileSession::currentSlot() {
-  SecFileConnection& current = connection();
-  const SecFileUnitOfWork reading(current.database(), false);
-  current.database().checkSchema();
-  return current.readSlot();
+const SecFileFolder* SecFileSession::keyFolder(bool makes) {
+  const auto open = [&] {
+    if (!keyFolder_) keyFolder_ = site_.openKeyFolder();
+    if (!keyFolder_ && makes) keyFolder_.emplace(site_.makeKeyFolder());
+  };
+  static_cast<void>(secStatusOf(open));
+  return keyFolder_ ? &*keyFolder_ : nullptr;
 }
 
 void SecFileSession::unlockByKeyFile() {
-  const SecFileSlot slot = currentSlot();
-  secRequire(slot.protection == SecFileProtection::keyFile, errSecInteractionNotAllowed);
-  unwrap(slot, secReadKeyFile(keyFolder_, connection_->store()).bytes());
+  SecFileWork work(*this, false, SecFileWork::Trust::nothing);
+  openByKeyFile(work);
+}
+
+void SecFileSession::openByKeyFile(SecFileWork& work) {
+  keyFolder_ = site_.openKeyFolder();
+  const SecFileFolder* const folder = keyFolder_ ? &*keyFolder_ : nullptr;
+  if (work.former()) return openFormerByKeyFile(folder);
+  keyring_.openByKeyFile(work.header(), folder);
+  verifySeal(work);
+}
+
+void SecFileSession::openFormerByKeyFile(const SecFileFolder* folder) {
+  secRequire(former_->protection() == SecFileProtection::keyFile, errSecInteractionNotAllowed);
+  secRequire(folder != nullptr, errSecDataNotAvailable);
+  auto key = folder->read(former_->keyFileName(), secKeySize + 1);
+  secRequire(key.has_value(), errSecDataNotAvailable);
+  secRequire(key->bytes().size() == secKeySize, errSecAuthFailed);
+  former_->unlock(std::move(*key));
 }
 
 void SecFileSession::unlockByPassphrase(SecView passphrase) {
-  const SecFileSlot slot = currentSlot();
-  secRequire(slot.protection == SecFileProtection::passphrase, errSecAuthFailed);
-  unwrap(slot, passphrase);
+  SecFileHeader header;
+  {
+    SecFileWork work(*this, false, SecFileWork::Trust::nothing);
+    if (auto* former = work.former()) {
+      secRequire(former->protection() == SecFileProtection::passphrase, errSecAuthFailed);
+      return former->unlock(SecSecret(passphrase));
+    }
+    header = work.header();
+  }
+  // Outside of the transaction, as it takes long.
+  keyring_.openByPassphrase(header, passphrase);
+  SecFileWork work(*this, false, SecFileWork::Trust::nothing);
+  verifySeal(work);
 }
 
-void SecFileSession::unwrap(const SecFileSlot& slot, SecView credential) {
-  keysFor_ = connection_->store();
-  keys_ = std::make_unique<SecFileKeys>(secUnwrapKey(slot, credential, keysFor_), keysFor_);
+/// Only a seal that holds shows that the store's owner wrote what was opened.
+void SecFileSession::verifySeal(SecFileWork& work) {
+  try {
+    static_cast<void>(work.seal());
+  } catch (const SecFailure&) {
+    keyring_.lock();
+    throw;
+  }
 }
 
-void SecFileSession::setPassphrase(SecView passphrase) {
-  secRequire(!passphrase.empty(), errSecParam);
-  const SecFileContext context = this->context();
-  const SecStoreID store = context.store;
-  const SecFileSlot slot = secWrapKey(SecFileProtection::passphrase, passphrase, store, context.keys.data());
-  SecFileUnitOfWork unit = changeProtection(store);
-  connection_->writeSlot(slot);
-  unit.commit();
-  // The key file opens nothing any more; one that cannot be removed does no harm.
-  static_cast<void>(secStatusOf([&] { removeIdleKeyFile(store); }));
+void SecFileSession::lock() {
+  keyring_.lock();
+  former_.reset();
+  if (connection_) connection_->forgetSeal();
 }
 
-void SecFileSession::removePassphrase() {
-  const SecStoreID store = context().store;
-  SecFileUnitOfWork unit = changeProtection(store);
-  secRequire(connection_->readSlot().protection == SecFileProtection::passphrase, errSecParam);
-  const SecSecret key = secMakeKeyFile(keyFolder_, store);
-  connection_->writeSlot(secWrapKey(SecFileProtection::keyFile, key.bytes(), store, keys_->data()));
-  unit.commit();
+/// Reads who can open the store, which other processes may have changed, and brings the keys up to date.
+void SecFileSession::load(SecFileWork& work) {
+  if (work.database().format() == secFileFormat1) {
+    const auto before = std::exchange(former_, std::make_unique<SecFormat1Store>(work.database()));
+    if (!before || before->isLocked()) return;
+    former_->unlockLike(*before);
+    if (former_->isLocked() && former_->protection() == SecFileProtection::keyFile) openByKeyFile(work);
+    return;
+  }
+  const auto before = std::exchange(former_, nullptr);
+  if (before && !before->isLocked()) return openMigrated(*before, work);
+  if (keyring_.isLocked() || keyring_.keys().id() == work.header().keyID) return;
+  keyFolder_ = site_.openKeyFolder();
+  keyring_.follow(work.header(), keyFolder());
 }
 
-/// Begins a transaction in which the slot, and with it what key file is in use, is not changed by others.
-SecFileUnitOfWork SecFileSession::changeProtection(const SecStoreID& store) {
-  SecFileConnection& current = connection();
-  // Another store may have been put in place while a key was derived: that one has another data key.
-  secRequire(current.store() == store && keysFor_ == store, errSecBusy);
-  requireChangeable();
-  return SecFileUnitOfWork(current.database(), true);
+/// Another process has migrated the store.
+void SecFileSession::openMigrated(const SecFormat1Store& before, SecFileWork& work) {
+  if (before.protection() == SecFileProtection::keyFile) return openByKeyFile(work);
+  keyring_.openByPassphrase(work.header(), before.secret().bytes());
+  verifySeal(work);
 }
 
-void SecFileSession::removeIdleKeyFile(const SecStoreID& store) {
-  const SecFileUnitOfWork unit = changeProtection(store);
-  if (connection_->readSlot().protection == SecFileProtection::passphrase)
-    secRemoveFile(secKeyFilePath(keyFolder_, store));
+SecFileWork::SecFileWork(SecFileSession& session, bool writing, Trust trust)
+    : session_(session),
+      connection_(session.connection()),
+      unit_(connection_.database(), writing),
+      writing_(writing) {
+  session_.load(*this);
+  if (trust != Trust::nothing && !former()) believe(trust);
+}
+
+SecFileWork::~SecFileWork() {
+  if (writing_) connection_.forgetSeal();
+}
+
+void SecFileWork::believe(Trust trust) {
+  const SecFileSeal& verified = seal();
+  if (trust != Trust::all) return;
+  const SecFileFolder* const folder = session_.keyFolder();
+  secRequire(!session_.watch_.hasGoneBack(header().store, verified, folder), errSecRolledBack);
+  if (!writing_) session_.watch_.remember(header().store, verified, folder);
+}
+
+void SecFileWork::commit(const SecStoreID& store, const SecFileSeal& committed) {
+  unit_.commit();
+  session_.watch_.remember(store, committed, session_.keyFolder(true));
 }

@@ -2,55 +2,6 @@
 
 #include <cerrno>
 
-namespace {
-
-OSStatus statusOfInputOutput(int code, int systemError) {
-  if (code == SQLITE_IOERR_NOMEM) return errSecAllocate;
-  const bool noRoom = systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
-  return noRoom ? errSecDiskFull : errSecIO;
-}
-
-/// SQLite takes what could not be read for corrupt; the disk may give it the next time.
-OSStatus statusOfCorruption(int systemError) {
-  const bool unread = systemError == EIO || systemError == ENXIO || systemError == ERANGE;
-  return unread ? errSecIO : errSecDecode;
-}
-
-OSStatus statusOf(int code, int systemError) {
-  switch (code & 0xFF) {
-    case SQLITE_NOMEM:
-      return errSecAllocate;
-    case SQLITE_FULL:
-      return errSecDiskFull;
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return errSecBusy;
-    case SQLITE_READONLY:
-      // While a change is half undone, the store cannot even be read.
-      return code == SQLITE_READONLY_ROLLBACK ? errSecIO : errSecReadOnly;
-    case SQLITE_TOOBIG:
-      return errSecDataTooLarge;
-    case SQLITE_CANTOPEN:
-      return code == SQLITE_CANTOPEN_SYMLINK ? errSecNotPrivate : statusOfInputOutput(code, systemError);
-    case SQLITE_CORRUPT:
-      return statusOfCorruption(systemError);
-    case SQLITE_ERROR:
-    case SQLITE_NOTADB:
-    case SQLITE_CONSTRAINT:
-    case SQLITE_SCHEMA:
-      return errSecDecode;  // the tables are not what they were made as
-    default:
-      return statusOfInputOutput(code, systemError);
-  }
-}
-
-}  // namespace
-
-void secCheckSQLite(int code) {
-  if (code == SQLITE_OK || code == SQLITE_ROW || code == SQLITE_DONE) return;
-  throw SecFailure{statusOf(code, errno)};
-}
-
 SecFileStatement::~SecFileStatement() {
   sqlite3_reset(statement_);
   sqlite3_clear_bindings(statement_);
@@ -62,7 +13,7 @@ SecFileStatement& SecFileStatement::bind(std::int64_t value) {
 }
 
 SecFileStatement& SecFileStatement::bind(SecView bytes) {
-  // A null pointer would bind no value, which is another thing than an empty one.
+  // A null pointer would bind NULL, which is not an empty value.
   const void* const start = bytes.empty() ? static_cast<const void*>("") : bytes.data();
   secCheckSQLite(sqlite3_bind_blob64(statement_, ++bound_, start, bytes.size(), SQLITE_STATIC));
   return *this;

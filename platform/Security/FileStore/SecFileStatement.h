@@ -3,12 +3,9 @@
 #include <sqlite3.h>
 
 #include <Security/FileStore/SecFileBytes.h>
+#include <Security/FileStore/SecFileSQLite.h>
 
-/// Throws the status that stands for a result of SQLite, SecFailure, unless it is a success. To be called at
-/// once: some of what went wrong is only in errno.
-void secCheckSQLite(int code);
-
-/// A statement in use: values are bound in order, and it is free again when this goes.
+/// A statement in use: values are bound in order, and it is free for another use when this is destroyed.
 class SecFileStatement {
  public:
   explicit SecFileStatement(sqlite3_stmt* statement) : statement_(statement) {}
@@ -18,9 +15,9 @@ class SecFileStatement {
 
   SecFileStatement& bind(std::int64_t value);
   SecFileStatement& bind(SecView bytes);
-  /// Whether there is a further row.
+  /// Returns whether there is a further row.
   bool step();
-  /// Goes to a row that must be there; fails with errSecDecode when it is not.
+  /// Goes to the next row; fails with errSecDecode if there is none.
   void requireRow() { secRequire(step(), errSecDecode); }
   void run() { static_cast<void>(step()); }
 

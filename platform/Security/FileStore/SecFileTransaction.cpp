@@ -2,34 +2,36 @@
 
 #include <algorithm>
 
+#include <Security/FileStore/SecFileRecord.h>
 #include <Security/SecIdentity.h>
 
 namespace {
 
-bool byNumber(const SecFileLine& left, const SecFileLine& right) { return left.number < right.number; }
+using Lines = std::vector<SecFileLine>;
 
-SecFileBucket::iterator lineOf(SecFileBucket& lines, const SecFileIdentity& identity) {
-  return std::find_if(lines.begin(), lines.end(),
+bool byOrder(const SecFileLine& left, const SecFileLine& right) { return left.order < right.order; }
+
+Lines::iterator lineOf(SecFileBucket& bucket, const SecFileIdentity& identity) {
+  return std::find_if(bucket.lines.begin(), bucket.lines.end(),
                       [&](const SecFileLine& line) { return line.identity == identity; });
-}
-
-SecFileSeal readSeal(const SecFileContext& context) {
-  auto row = context.database.storeRow();
-  row.requireRow();
-  return secDecodeSeal(row.blob(2), context.keys.seal(), context.store);
 }
 
 }  // namespace
 
-SecFileTransaction::SecFileTransaction(const SecFileContext& context, SecStorage::Access access)
-    : context_(context), access_(access), seal_(readSeal(context)) {}
+SecFileTransaction::SecFileTransaction(const SecFileContext& context, SecFileSeal& seal,
+                                       SecStorage::Access access)
+    : context_(context), seal_(seal), access_(access) {}
 
 void SecFileTransaction::find(const SecQuery& query, SecSecrets secrets,
                               const std::function<bool(SecRow)>& visit) {
   for (const SecFileLine& line : candidates(SecFileQuery(context_.keys.index(), query))) {
-    SecRow row{line.number, secReadEntry(context_, line)};
-    if (!secMatches(query, row.entry.attributes)) continue;
-    if (secrets == SecSecrets::skip) row.entry.secret = SecSecret();
+    const SecBytes content = secReadEntry(context_, line);
+    const SecFileEntryBoxes boxes(content);
+    SecFileEntryHead head = secOpenHead(placeOf(line.number), boxes);
+    if (!secMatches(query, head.attributes)) continue;
+    SecRow row{line.number, {}};
+    if (secrets == SecSecrets::read) row.entry.secret = secOpenSecret(placeOf(line.number), head, boxes);
+    row.entry.attributes = std::move(head.attributes);
     known_[line.number] = line;
     if (!visit(std::move(row))) break;
   }
@@ -37,9 +39,10 @@ void SecFileTransaction::find(const SecQuery& query, SecSecrets secrets,
 
 void SecFileTransaction::insert(const SecEntry& entry) {
   change([&] {
-    const SecFileIdentity identity = secFileIdentity(context_.keys.index(), entry.attributes);
-    requireFree(identity);
-    put(identity, seal_.next++, entry);
+    requireFree(secFileIdentity(context_.keys.index(), entry.attributes));
+    const std::int64_t number = secNewEntryNumber();
+    SecFileEntryHead head{seal_.next++, seal_.changes + 1, {}, entry.attributes};
+    put(number, head, secSealEntry(placeOf(number), head, entry.secret.bytes()));
   });
 }
 
@@ -47,18 +50,24 @@ void SecFileTransaction::replace(std::int64_t number, const SecAttributes& attri
                                  const std::optional<SecSecret>& secret) {
   change([&] {
     const SecFileLine before = known(number);
-    const SecFileIdentity after = secFileIdentity(context_.keys.index(), attributes);
-    if (after != before.identity) requireFree(after);
-    const SecEntry entry{attributes, secret ? secret->clone() : secReadEntry(context_, before).secret};
-    drop(before.identity);
-    put(after, number, entry);
+    if (secFileIdentity(context_.keys.index(), attributes) != before.identity)
+      requireFree(secFileIdentity(context_.keys.index(), attributes));
+    const SecBytes content = secReadEntry(context_, before);
+    const SecFileEntryBoxes boxes(content);
+    SecFileEntryHead head{before.order, seal_.changes + 1, secBoxTag(boxes.secret), attributes};
+    unlist(before);
+    seal_.size -= secRecordOverhead + content.size();
+    put(number, head,
+        secret ? secSealEntry(placeOf(number), head, secret->bytes())
+               : secSealHead(placeOf(number), head, boxes.secret));
     known_[number] = put_[number];
   });
 }
 
 void SecFileTransaction::remove(std::int64_t number) {
   change([&] {
-    drop(known(number).identity);
+    unlist(known(number));
+    seal_.size -= secRemoveEntry(context_, number);
     known_.erase(number);
   });
 }
@@ -71,103 +80,81 @@ void SecFileTransaction::change(Action&& action) {
   ++done_;
 }
 
-void SecFileTransaction::finish() {
+bool SecFileTransaction::hasChanged() const {
   // Work that went on after a failure would keep half of a change.
   secRequire(begun_ == done_, errSecParam);
-  if (begun_ == 0) return;
-  const SecBytes seal = secEncodeSeal(seal_, context_.keys.seal(), context_.store);
-  context_.database.use("UPDATE store SET seal=?").bind(seal).run();
+  return begun_ > 0;
+}
+
+void SecFileTransaction::finish() {
+  for (const std::uint8_t number : touched_) {
+    secWriteBucket(context_, number, buckets_[number]);
+    seal_.buckets[number] = buckets_[number].tag;
+  }
+  ++seal_.changes;
+  secWriteSeal(context_, seal_);
   readBack();
 }
 
 /// A damaged page can swallow what is written to it; then the change is not kept.
 void SecFileTransaction::readBack() {
-  seal_ = readSeal(context_);
-  for (const std::uint8_t number : written_) believe(number, secReadBucket(context_, number));
+  seal_ = secReadSeal(context_);
+  for (const std::uint8_t number : touched_) secBelieveBucket(context_, seal_, number);
   for (const auto& [number, line] : put_) secReadEntry(context_, line);
 }
 
-SecFileBucket SecFileTransaction::believe(std::uint8_t number, SecView bytes) const {
-  secRequire(secSame(secBucketSum(context_.keys.seal(), number, bytes), seal_.sums[number]), errSecDecode);
-  return secDecodeBucket(bytes);
+SecFileEntryPlace SecFileTransaction::placeOf(std::int64_t number) const {
+  return {context_.keys, context_.store, number};
 }
 
 SecFileBucket& SecFileTransaction::bucket(std::uint8_t number) {
   const auto held = buckets_.find(number);
   if (held != buckets_.end()) return held->second;
-  return buckets_[number] = believe(number, secReadBucket(context_, number));
+  return buckets_[number] = secBelieveBucket(context_, seal_, number);
 }
 
-/// Only now is every bucket read, the absent ones too: one that was taken away would not be missed else.
-void SecFileTransaction::loadAll() {
-  for (std::size_t number = 0; number < secBucketCount; ++number) bucket(static_cast<std::uint8_t>(number));
-}
-
-SecFileBucket SecFileTransaction::candidates(const SecFileQuery& query) {
-  SecFileBucket found;
-  const auto take = [&](const SecFileBucket& lines) {
-    for (const SecFileLine& line : lines)
-      if (query.mayMatch(line.identity)) found.push_back(line);
-  };
-  if (const auto only = query.bucket()) {
-    take(bucket(*only));
-  } else {
-    loadAll();
-    for (const auto& [number, lines] : buckets_) take(lines);
+/// Reads the missing buckets too: one that was removed would not be noticed otherwise.
+Lines SecFileTransaction::lines() {
+  Lines all;
+  for (std::size_t number = 0; number < secBucketCount; ++number) {
+    const Lines& listed = bucket(static_cast<std::uint8_t>(number)).lines;
+    all.insert(all.end(), listed.begin(), listed.end());
   }
-  std::sort(found.begin(), found.end(), byNumber);
+  return all;
+}
+
+Lines SecFileTransaction::candidates(const SecFileQuery& query) {
+  const auto only = query.bucket();
+  Lines found = only ? bucket(*only).lines : lines();
+  std::erase_if(found, [&](const SecFileLine& line) { return !query.mayMatch(line.identity); });
+  std::sort(found.begin(), found.end(), byOrder);
   return found;
 }
 
 void SecFileTransaction::requireFree(const SecFileIdentity& identity) {
-  SecFileBucket& lines = bucket(identity.bucket());
-  secRequire(lineOf(lines, identity) == lines.end(), errSecDuplicateItem);
+  SecFileBucket& listing = bucket(identity.bucket());
+  secRequire(lineOf(listing, identity) == listing.lines.end(), errSecDuplicateItem);
 }
 
-void SecFileTransaction::put(const SecFileIdentity& identity, std::int64_t number, const SecEntry& entry) {
-  const SecFileLine line = secWriteEntry(context_, identity, number, entry);
-  bucket(identity.bucket()).push_back(line);
+void SecFileTransaction::put(std::int64_t number, const SecFileEntryHead& head, SecView content) {
+  const SecFileLine line = secWriteEntry(context_, number, head, content);
+  bucket(line.identity.bucket()).lines.push_back(line);
+  touched_.insert(line.identity.bucket());
   put_[number] = line;
-  ++seal_.count;
-  write(identity.bucket());
+  ++seal_.entries;
+  seal_.size += secRecordOverhead + content.size();
 }
 
-void SecFileTransaction::drop(const SecFileIdentity& identity) {
-  SecFileBucket& lines = bucket(identity.bucket());
-  const auto line = lineOf(lines, identity);
-  secRemoveEntry(context_, line->number);
-  put_.erase(line->number);
-  lines.erase(line);
-  --seal_.count;
-  write(identity.bucket());
-}
-
-void SecFileTransaction::write(std::uint8_t number) {
-  const SecBytes bytes = secEncodeBucket(bucket(number));
-  secWriteBucket(context_, number, bytes);
-  written_.insert(number);
-  seal_.sums[number] = secBucketSum(context_.keys.seal(), number, bytes);
+void SecFileTransaction::unlist(const SecFileLine& line) {
+  SecFileBucket& listing = bucket(line.identity.bucket());
+  listing.lines.erase(lineOf(listing, line.identity));
+  touched_.insert(line.identity.bucket());
+  put_.erase(line.number);
+  --seal_.entries;
 }
 
 SecFileLine SecFileTransaction::known(std::int64_t number) const {
   const auto row = known_.find(number);
   secRequire(row != known_.end(), errSecParam);
   return row->second;
-}
-
-void SecFileTransaction::verify() {
-  loadAll();
-  std::uint64_t count = 0;
-  for (const auto& [number, lines] : buckets_) {
-    for (const SecFileLine& line : lines) {
-      secRequire(
-          secFileIdentity(context_.keys.index(), secReadEntry(context_, line).attributes) == line.identity,
-          errSecDecode);
-      secRequire(line.number < seal_.next && line.identity.bucket() == number, errSecDecode);
-      ++count;
-    }
-  }
-  secRequire(count == seal_.count && count == secCountEntries(context_.database), errSecDecode);
-  auto pages = context_.database.use("PRAGMA integrity_check(1)");
-  secRequire(pages.step() && pages.text(0) == "ok", errSecDecode);
 }

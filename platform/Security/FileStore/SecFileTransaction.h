@@ -3,16 +3,17 @@
 #include <map>
 #include <set>
 
-#include <Security/FileStore/SecFileEntries.h>
+#include <Security/FileStore/SecFileEntry.h>
+#include <Security/FileStore/SecFileSeal.h>
 #include <Security/SecStorage.h>
 
-/// The operations of one transaction on an unlocked store file. Every answer is checked against the seal
-/// first, one bucket of the directory at a time: an entry that was removed, added or put back behind the
-/// store's back gives errSecDecode, whether it was asked for or passed over. Used by one thread.
+/// The operations of one transaction on an unlocked store. Every result is first checked against the seal,
+/// one bucket at a time: an entry that was removed, added or put back behind the store's back fails with
+/// errSecDecode, whether it was asked for or passed over. Used by one thread.
 class SecFileTransaction final : public SecTransaction {
  public:
-  /// Fails with errSecDecode when the seal does not hold.
-  SecFileTransaction(const SecFileContext& context, SecStorage::Access access);
+  /// `seal` was verified in the same transaction of the database, and is changed by changes.
+  SecFileTransaction(const SecFileContext& context, SecFileSeal& seal, SecStorage::Access access);
 
   void find(const SecQuery& query, SecSecrets secrets, const std::function<bool(SecRow)>& visit) override;
   void insert(const SecEntry& entry) override;
@@ -20,33 +21,32 @@ class SecFileTransaction final : public SecTransaction {
                const std::optional<SecSecret>& secret) override;
   void remove(std::int64_t number) override;
 
-  /// Brings the seal up to date; the last thing to do before the transaction is committed. Fails with
-  /// errSecParam when a change was begun that did not end.
+  /// Returns whether there is anything to write; fails with errSecParam if a change was begun that did not
+  /// end.
+  bool hasChanged() const;
+  /// Writes the seal and reads everything that was written again; to be called once, before the commit.
   void finish();
-  /// Checks every entry and all that the file holds; fails with errSecDecode.
-  void verify();
 
  private:
   template <class Action>
   void change(Action&& action);
   SecFileBucket& bucket(std::uint8_t number);
-  void loadAll();
-  SecFileBucket candidates(const SecFileQuery& query);
+  std::vector<SecFileLine> lines();
+  std::vector<SecFileLine> candidates(const SecFileQuery& query);
+  SecFileEntryPlace placeOf(std::int64_t number) const;
   void requireFree(const SecFileIdentity& identity);
-  void put(const SecFileIdentity& identity, std::int64_t number, const SecEntry& entry);
-  void drop(const SecFileIdentity& identity);
-  void write(std::uint8_t number);
+  void put(std::int64_t number, const SecFileEntryHead& head, SecView content);
+  void unlist(const SecFileLine& line);
   void readBack();
-  SecFileBucket believe(std::uint8_t number, SecView bytes) const;
   SecFileLine known(std::int64_t number) const;
 
-  const SecFileContext& context_;
+  const SecFileContext context_;
+  SecFileSeal& seal_;
   SecStorage::Access access_;
-  SecFileSeal seal_;
   std::map<std::uint8_t, SecFileBucket> buckets_;  // those that were read and believed
-  std::map<std::int64_t, SecFileLine> known_;      // rows that find gave
+  std::map<std::int64_t, SecFileLine> known_;      // rows that find passed on
   std::map<std::int64_t, SecFileLine> put_;        // rows that this transaction wrote
-  std::set<std::uint8_t> written_;                 // buckets that it wrote
-  int begun_ = 0;                                  // changes, and those that came to their end
+  std::set<std::uint8_t> touched_;                 // buckets that it changed
+  int begun_ = 0;                                  // changes, and those that ended
   int done_ = 0;
 };

@@ -1,0 +1,19 @@
+#include <Security/FileStore/SecFileLibcrypto.h>
+
+#include <openssl/provider.h>
+
+namespace {
+
+OSSL_LIB_CTX* makeContext() {
+  OSSL_LIB_CTX* const context = secRequireHandle(OSSL_LIB_CTX_new());
+  if (OSSL_PROVIDER_load(context, "default")) return context;
+  OSSL_LIB_CTX_free(context);
+  throw SecFailure{errSecAllocate};
+}
+
+}  // namespace
+
+OSSL_LIB_CTX* secLibraryContext() {
+  static OSSL_LIB_CTX* const context = makeContext();
+  return context;
+}
