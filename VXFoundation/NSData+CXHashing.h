@@ -2,8 +2,7 @@
 
 #include <Foundation/NSData.h>
 
-/// NSData(CXHashing): message digests of bytes, as raw bytes. All functions are thread-safe. If libcrypto
-/// does not offer the algorithm, the process ends with a message on standard error.
+/// NSData(CXHashing): message digests of bytes, as raw bytes. All functions are thread-safe.
 namespace CXHashing {
 
 /// Returns the 16 bytes of the MD5 digest (RFC 1321).

@@ -18,6 +18,7 @@
 #include <VXFoundation/VXEncoder.h>
 #include <VXFoundation/VXErrorRecoveryAttempter.h>
 #include <VXFoundation/VXFoundationConstants.h>
+#include <VXFoundation/VXKeychainErrorExplanation.h>
 #include <VXFoundation/VXKeychainItem.h>
 #include <VXFoundation/VXNotation.h>
 #include <VXFoundation/VXTreeUnion.h>

@@ -81,3 +81,5 @@ install(FILES
 configure_file("${PROJECT_SOURCE_DIR}/cmake/VXFoundation.pc.in" VXFoundation.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/VXFoundation.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+install(FILES "${PROJECT_SOURCE_DIR}/cmake/tsan.supp" DESTINATION "${CMAKE_INSTALL_DATADIR}/VXFoundation")

@@ -74,17 +74,19 @@ class Installation {
 }  // namespace
 
 TEST(NSBundle, EveryLanguageTranslatesEveryEnglishString) {
-  NSRefPtr<NSDictionary> english;
-  for (const std::string language : {"en", "de", "fr", "es", "ja", "zh_CN"}) {
-    const auto file = resources / (language + ".lproj") / "Localizable.strings";
-    const auto strings = NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(file.string()));
-    ASSERT_TRUE(strings) << language;
-    EXPECT_EQ(strings->count(), 5U) << language;
-    if (!english) english = strings;
-    for (const NSRef<NSObject> key : *english) {
-      const NSRefPtr<NSObject> translation = strings->objectForKey(key);
-      ASSERT_TRUE(translation) << language << *key->description();
-      EXPECT_EQ(translation->isEqual(key), strings == english) << language << *key->description();
+  for (const auto& [table, count] : {std::pair("Localizable.strings", 5U), {"Recovery.strings", 21U}}) {
+    NSRefPtr<NSDictionary> english;
+    for (const std::string language : {"en", "de", "fr", "es", "ja", "zh_CN"}) {
+      const auto file = resources / (language + ".lproj") / table;
+      const auto strings = NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(file.string()));
+      ASSERT_TRUE(strings) << file;
+      EXPECT_EQ(strings->count(), count) << file;
+      if (!english) english = strings;
+      for (const NSRef<NSObject> key : *english) {
+        const NSRefPtr<NSObject> translation = strings->objectForKey(key);
+        ASSERT_TRUE(translation) << file << *key->description();
+        EXPECT_EQ(translation->isEqual(key), strings == english) << file << *key->description();
+      }
     }
   }
 }

@@ -3,10 +3,62 @@
 #include <Foundation/NSSet.h>
 
 #include <algorithm>
+#include <ctime>
+#include <map>
 #include <random>
 
 #include "tests/support/Bytes.h"
 #include "tests/support/Support.h"
+
+namespace {
+
+/// The time in seconds that a map with the objects as keys takes.
+double timeOf(const NSArray& objects) {
+  const std::clock_t start = std::clock();
+  const auto map = NSMutableDictionary::dictionary();
+  for (const NSRef<NSObject> object : objects) map->setObject(object, object);
+  EXPECT_EQ(map->count(), objects.count());
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+constexpr std::uint32_t keyBits = 15;
+
+/// Strings that nearly every table finds in one place if it uses FNV-1a, a usual hash without a key: at each
+/// letter they choose between two words that leave the same lowest bits.
+NSRef<NSArray> stringsThatCollide() {
+  std::uint32_t state = 0x84222325;
+  std::vector<std::array<std::string, 2>> choices;
+  while (choices.size() < keyBits) {
+    std::map<std::uint32_t, std::string> words;
+    for (std::uint32_t next = 0;; ++next) {
+      std::string word;
+      for (std::uint32_t rest = next, i = 0; i < 4; ++i, rest /= 26)
+        word += static_cast<char>('a' + rest % 26);
+      std::uint32_t after = state;
+      for (const char letter : word) after = (after ^ static_cast<unsigned char>(letter)) * 0x1B3U;
+      const auto [found, isNew] = words.emplace(after % (1U << 20), word);
+      if (isNew) continue;
+      choices.push_back({found->second, word});
+      state = found->first;
+      break;
+    }
+  }
+  const auto strings = NSMutableArray::array();
+  for (std::uint32_t bits = 0; bits < 1U << keyBits; ++bits) {
+    std::string string;
+    for (std::uint32_t i = 0; i < keyBits; ++i) string += choices[i][bits >> i & 1];
+    strings->addObject(text(string));
+  }
+  return strings;
+}
+
+NSRef<NSArray> numbersTimes(std::int64_t factor) {
+  const auto numbers = NSMutableArray::array();
+  for (std::int64_t i = 0; i < 1 << keyBits; ++i) numbers->addObject(number(i * factor));
+  return numbers;
+}
+
+}  // namespace
 
 TEST(NSDictionary, KeepsTheOrderOfItsKeysThroughRandomChanges) {
   std::mt19937 random(8);
@@ -59,4 +111,10 @@ TEST(NSDictionary, ChangingAMutableCopyLeavesTheOriginal) {
   };
   expectApart(NSSet::setWithObjects({"a", "b"}), "{a, b}");
   expectApart(NSDictionary::dictionaryWithObject("value", "key"), "{key = value}");
+}
+
+TEST(NSDictionary, CraftedKeysCostNoMoreThanOthers) {
+  const double usual = timeOf(*numbersTimes(1));
+  EXPECT_LT(timeOf(*numbersTimes(std::int64_t{1} << 40)), 5 * usual + 0.05);
+  EXPECT_LT(timeOf(*stringsThatCollide()), 5 * usual + 0.05);
 }

@@ -28,8 +28,8 @@ TEST(NSPropertyList, MalformedListsAreNil) {
   std::string deep;
   for (int i = 0; i < 200; ++i) deep = "<array>" + deep + "</array>";
   EXPECT_FALSE(propertyList(deep));
-  const std::string entity = "<!DOCTYPE plist [<!ENTITY a \"aaaa\">]><plist><string>&a;</string></plist>";
-  EXPECT_FALSE(NSPropertyListWithData(std::as_bytes(std::span(entity))));
+  for (const auto& row : vectors("property-list-prologues.tsv"))
+    EXPECT_EQ(bool(NSPropertyListWithData(std::as_bytes(std::span(row[0])))), row[1] == "read") << row[0];
   EXPECT_FALSE(NSPropertyListWithContentsOfFile("/nowhere/Info.plist"));
   EXPECT_FALSE(NSPropertyListWithContentsOfFile("/"));
 }

@@ -14,8 +14,9 @@ class Failure : public std::runtime_error {
 
 /// Returns the number of a status and the platform's message for it.
 std::string messageOf(OSStatus status);
-/// Throws Failure with that message after `what`, unless the status is errSecSuccess.
+/// Throws Failure with `what`, what to do about it, if that is known, and that message, unless the status is
+/// errSecSuccess.
 void requireSuccess(OSStatus status, const std::string& what);
-/// Returns the description of a keychain error, with the status and message of the platform's error
-/// underneath it, if there is one.
+/// Returns the description of a keychain error, what to do about it, if that is known, and the status and
+/// message of the platform's error underneath it, if there is one.
 std::string explain(const NSError& error);

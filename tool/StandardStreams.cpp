@@ -1,6 +1,8 @@
 #include "tool/StandardStreams.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
@@ -44,6 +46,12 @@ void guardStandardStreams() {
     if (!isOpen(descriptor)) open("/dev/null", O_RDONLY);
   }
   for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
+}
+
+void guardSecrets() {
+  const rlimit none{0, 0};
+  setrlimit(RLIMIT_CORE, &none);
+  prctl(PR_SET_DUMPABLE, 0);
 }
 
 NSRef<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }

@@ -10,6 +10,9 @@
 /// makes writing to a closed pipe, or beyond the limit for the size of a file, an ordinary error.
 void guardStandardStreams();
 
+/// Forbids core dumps, and other processes of the user to look into the tool's memory.
+void guardSecrets();
+
 /// Returns the whole content of a file, which is cleansed from memory after use. Throws Failure if it cannot
 /// be read.
 NSRef<NSData> readSecretFile(const std::string& path);

@@ -45,11 +45,16 @@ void update(const Request& request, const NSRefPtr<NSString>& password) {
   require([&](auto* error) { return item->updateItemInKeychain(error); });
 }
 
+NSRef<NSString> titleOfReplacing() {
+  return NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier)
+      ->localizedStringForKey("Replace", "", "Recovery");
+}
+
 /// Lets the person at the terminal choose a recovery option; returns whether it recovered from the error.
 bool recover(const NSError& error, const Request& request, const NSRefPtr<NSString>& password) {
   const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
   attempter->addRecoveryOptionWithLocalizedTitle(
-      "Replace", [&](const NSRefPtr<NSError>&) { return update(request, password), true; });
+      titleOfReplacing(), [&](const NSRefPtr<NSError>&) { return update(request, password), true; });
   attempter->addCancelRecoveryOption();
   const NSRef<NSMutableDictionary> userInfo = error.userInfo()->mutableCopy();
   userInfo->setObject(attempter, NSRecoveryAttempterErrorKey);

@@ -77,6 +77,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   guardStandardStreams();
+  guardSecrets();
   NSLogSetSink([](std::string_view) {});  // the tool's message is the only line
   try {
     return run(argc, argv);

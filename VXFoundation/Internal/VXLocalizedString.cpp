@@ -3,8 +3,8 @@
 #include <Foundation/NSBundle.h>
 #include <VXFoundation/VXFoundationConstants.h>
 
-NSRefPtr<NSString> VXLocalizedString(NSStringArg key) {
+NSRefPtr<NSString> VXLocalizedString(NSStringArg key, NSStringArg table) {
   const NSRefPtr<NSBundle> bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
   if (!bundle) return nullptr;
-  return bundle->localizedStringForKey(key, "", nullptr);
+  return bundle->localizedStringForKey(key, "", table);
 }

@@ -6,9 +6,8 @@
 #include <cstdint>
 
 /// @file
-/// Message digests over libcrypto. Safe on any thread. The host's configuration of libcrypto does
-/// not matter here. If libcrypto was built without the algorithm, the process ends with a message on standard
-/// error: the operations cannot fail, and a wrong digest is worse.
+/// Message digests over libcrypto. Safe on any thread, until the process has ended. The host's configuration
+/// of libcrypto does not matter here.
 
 /// A length in bytes, below 4 GiB.
 using CC_LONG = std::uint32_t;
@@ -29,8 +28,8 @@ NS_EXPORT unsigned char* CC_SHA1(const void* data, CC_LONG length, unsigned char
 NS_EXPORT unsigned char* CC_SHA256(const void* data, CC_LONG length, unsigned char* digest);
 ///@}
 
-/// What the kinds of digests in progress have in common. The object owns the state, which is cleansed when
-/// the digest ends or the object is destroyed. For one thread at a time.
+/// What the kinds of digests in progress have in common: the state, which is cleansed when the digest ends or
+/// the object is destroyed. For one thread at a time.
 class NS_EXPORT CCDigestContext {
  public:
   CCDigestContext(const CCDigestContext&) = delete;
@@ -42,7 +41,8 @@ class NS_EXPORT CCDigestContext {
 
  private:
   friend class CCDigest;
-  void* state_ = nullptr;
+  bool begun_ = false;
+  alignas(std::uint64_t) unsigned char state_[112];  // in libcrypto's own form
 };
 
 /// Digests in progress.

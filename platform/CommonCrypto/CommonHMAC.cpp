@@ -1,7 +1,5 @@
 #include <CommonCrypto/CommonHMAC.h>
 
-#include <openssl/crypto.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -17,7 +15,7 @@ class KeyBlock {
   explicit KeyBlock(const CCDigest::Part& key) {
     bytes_.fill(0);
     if (key.length > bytes_.size())
-      CCDigest::SHA1().of(bytes_.data(), key);
+      replaceByDigestOf(key);
     else if (key.length > 0)
       std::memcpy(bytes_.data(), key.bytes, key.length);
     flip(innerMask);
@@ -31,6 +29,14 @@ class KeyBlock {
   CCDigest::Part part() const { return {bytes_.data(), bytes_.size()}; }
 
  private:
+  // In a context, which is cleansed: the digest is as good as the key.
+  void replaceByDigestOf(const CCDigest::Part& key) {
+    CC_SHA1_CTX context;
+    CCDigest::begin<CCSHA1>(context);
+    CCDigest::update<CCSHA1>(context, key);
+    CCDigest::finish<CCSHA1>(context, bytes_.data());
+  }
+
   static constexpr unsigned char innerMask = 0x36, outerMask = 0x5C;
 
   void flip(unsigned char mask) {
@@ -48,27 +54,27 @@ void CCHmac(CCHmacAlgorithm, const void* key, std::size_t keyLength, const void*
             void* mac) {
   auto* const digest = static_cast<unsigned char*>(mac);
   KeyBlock block({key, keyLength});
-  CCDigest::SHA1().of(digest, block.part(), CCDigest::Part{data, dataLength});
+  CCDigest::of<CCSHA1>(digest, block.part(), CCDigest::Part{data, dataLength});
   block.becomeOuter();
-  CCDigest::SHA1().of(digest, block.part(), CCDigest::Part{digest, CC_SHA1_DIGEST_LENGTH});
+  CCDigest::of<CCSHA1>(digest, block.part(), CCDigest::Part{digest, CC_SHA1_DIGEST_LENGTH});
 }
 
 void CCHmacInit(CCHmacContext* context, CCHmacAlgorithm, const void* key, std::size_t keyLength) {
   KeyBlock block({key, keyLength});
-  CCDigest::SHA1().begin(context->inner);
-  CCDigest::update(context->inner, block.part());
+  CCDigest::begin<CCSHA1>(context->inner);
+  CCDigest::update<CCSHA1>(context->inner, block.part());
   block.becomeOuter();
-  CCDigest::SHA1().begin(context->outer);
-  CCDigest::update(context->outer, block.part());
+  CCDigest::begin<CCSHA1>(context->outer);
+  CCDigest::update<CCSHA1>(context->outer, block.part());
 }
 
 void CCHmacUpdate(CCHmacContext* context, const void* data, std::size_t dataLength) {
-  CCDigest::update(context->inner, {data, dataLength});
+  CCDigest::update<CCSHA1>(context->inner, {data, dataLength});
 }
 
 void CCHmacFinal(CCHmacContext* context, void* mac) {
   auto* const digest = static_cast<unsigned char*>(mac);
-  CCDigest::finish(context->inner, digest);
-  CCDigest::update(context->outer, {digest, CC_SHA1_DIGEST_LENGTH});
-  CCDigest::finish(context->outer, digest);
+  CCDigest::finish<CCSHA1>(context->inner, digest);
+  CCDigest::update<CCSHA1>(context->outer, {digest, CC_SHA1_DIGEST_LENGTH});
+  CCDigest::finish<CCSHA1>(context->outer, digest);
 }

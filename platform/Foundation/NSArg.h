@@ -31,39 +31,39 @@ class NSArg {
   /// Takes nil, the object itself, or the object of a handle.
   ///@{
   constexpr NSArg(std::nullptr_t) noexcept {}
-  NSArg(const T& object) noexcept : object_(&object) {}
+  NSArg(const T& object) noexcept : content_(&object) {}
   template <NSKindOf<T> U>
-  NSArg(const NSRefPtr<U>& handle) noexcept : object_(handle.get()) {}
+  NSArg(const NSRefPtr<U>& handle) noexcept : content_(static_cast<const T*>(handle.get())) {}
   template <NSKindOf<T> U>
-  NSArg(const NSRef<U>& handle) : object_(handle.get()) {}
+  NSArg(const NSRef<U>& handle) : content_(static_cast<const T*>(handle.get())) {}
   ///@}
 
   /// Takes a literal; malformed UTF-8 does not compile.
   template <std::size_t Size>
-  consteval NSArg(const char (&literal)[Size]) : utf8_(literal), length_(Size - 1) {
+  consteval NSArg(const char (&literal)[Size]) : content_(literal), length_(Size - 1) {
     if (!NSIsUTF8({literal, Size - 1})) throw "a string literal must be UTF-8";
   }
 
   /// Takes UTF-8 that is known only at run time. A null pointer is nil, an empty view the empty string.
   ///@{
-  NSArg(std::string_view utf8) noexcept : utf8_(utf8.data() ? utf8.data() : ""), length_(utf8.size()) {}
-  NSArg(const std::string& utf8) noexcept : utf8_(utf8.data()), length_(utf8.size()) {}
+  NSArg(std::string_view utf8) noexcept : content_(utf8.data() ? utf8.data() : ""), length_(utf8.size()) {}
+  NSArg(const std::string& utf8) noexcept : content_(utf8.data()), length_(utf8.size()) {}
   template <NSCharacterPointer Pointer>
-  NSArg(const Pointer& utf8) noexcept : utf8_(utf8), length_(utf8 ? std::strlen(utf8) : 0) {}
+  NSArg(const Pointer& utf8) noexcept : content_(utf8), length_(utf8 ? std::strlen(utf8) : isObject) {}
   template <std::size_t Size>
-  NSArg(char (&utf8)[Size]) noexcept : utf8_(utf8), length_(std::strlen(utf8)) {}
+  NSArg(char (&utf8)[Size]) noexcept : content_(utf8), length_(std::strlen(utf8)) {}
   ///@}
 
   /// Whether it is not nil.
-  explicit operator bool() const noexcept { return object_ || utf8_; }
+  explicit operator bool() const noexcept { return content_ != nullptr; }
   /// Whether it was given as UTF-8, so that get() and borrow() create a string.
-  bool isUTF8() const noexcept { return utf8_ != nullptr; }
+  bool isUTF8() const noexcept { return length_ != isObject; }
 
   /// Returns a handle to the object, nil for nil, or a new string made of UTF-8. Where that is malformed, the
   /// exception names `operation`: the calling function, unless that passes its own caller's name on.
   NSRefPtr<T> get(const char* operation = __builtin_FUNCTION()) const {
-    if (utf8_) return NSStringFromUTF8({utf8_, length_}, operation);
-    return NSRefPtr<T>(const_cast<T*>(object_));
+    if (isUTF8()) return NSStringFromUTF8({static_cast<const char*>(content_), length_}, operation);
+    return NSRefPtr<T>(const_cast<T*>(object()));
   }
 
   /// The object, valid for as long as this lives; it holds a reference only to a string that it created.
@@ -71,8 +71,8 @@ class NSArg {
    public:
     /// Creates the string of UTF-8 and keeps it.
     Borrowed(const NSArg& argument, const char* operation)
-        : made_(argument.utf8_ ? argument.get(operation) : nullptr),
-          object_(made_ ? made_.get() : argument.object_) {}
+        : made_(argument.isUTF8() ? argument.get(operation) : nullptr),
+          object_(made_ ? made_.get() : argument.object()) {}
     /// Whether it is not nil.
     explicit operator bool() const noexcept { return object_ != nullptr; }
     /// Returns the object. Using nil is undefined; debug builds assert that it is not nil.
@@ -92,9 +92,13 @@ class NSArg {
   Borrowed borrow(const char* operation = __builtin_FUNCTION()) const { return Borrowed(*this, operation); }
 
  private:
-  const T* object_ = nullptr;
-  const char* utf8_ = nullptr;
-  std::size_t length_ = 0;
+  static constexpr auto isObject = static_cast<std::size_t>(-1);
+
+  const T* object() const noexcept { return static_cast<const T*>(content_); }
+
+  // Two words are passed in registers; a third would send all of them through memory.
+  const void* content_ = nullptr;  // the object, or UTF-8
+  std::size_t length_ = isObject;
 };
 
 /// A parameter that takes any object; UTF-8 becomes a string.

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include <Foundation/Internal/NSKeyedHash.h>
 #include <Foundation/NSString.h>
 
 namespace {
@@ -35,7 +36,7 @@ bool NSData::isEqual(const NSRefPtr<NSObject>& other) const {
   return data && asText(bytes()) == asText(data->bytes());
 }
 
-std::size_t NSData::hash() const { return std::hash<std::string_view>{}(asText(bytes())); }
+std::size_t NSData::hash() const { return NSKeyedHashOf(bytes()); }
 
 NSRef<NSString> NSData::description() const { return NSString::stringWithFormat("<%lu bytes>", length()); }
 

@@ -20,6 +20,15 @@ class NS_EXPORT NSData : public NSObject::Subclass<NSData> {
   static NSRef<NSData> dataWithBytes(const void* bytes, std::size_t length);
   static NSRef<NSData> dataWithBytes(std::span<const std::byte> bytes, bool secret = false);
   ///@}
+  /// Returns `length` bytes that `write(std::span<std::byte>)` writes in their final place, uninitialised
+  /// until then.
+  template <class Write>
+  static NSRef<NSData> dataWithLength(std::size_t length, Write&& write) {
+    NSRef<NSData> data = allocWithTail(length);
+    data->storage_.setCount(length);
+    std::forward<Write>(write)(data->storage_.units());
+    return data;
+  }
 
   /// Returns the bytes in place, not a copy: valid for as long as the object lives and, if it is mutable,
   /// until its length changes.

@@ -73,15 +73,21 @@ void* NSObject::allocateBlock(std::size_t size, std::size_t tail) {
 }
 
 void NSObject::destroy() const noexcept {
-  count_.store(reinterpret_cast<std::uintptr_t>(waiting.first), std::memory_order_relaxed);
-  waiting.first = this;
-  if (waiting.draining) return;
+  if (waiting.draining) {
+    count_.store(reinterpret_cast<std::uintptr_t>(waiting.first), std::memory_order_relaxed);
+    waiting.first = this;
+    return;
+  }
+  const auto end = [](const NSObject* object) {
+    object->count_.store(countDuringDestruction, std::memory_order_relaxed);
+    delete object;
+  };
   waiting.draining = true;
+  end(this);
   while (const NSObject* object = waiting.first) {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): the count of a waiting object is a link.
     waiting.first = reinterpret_cast<const NSObject*>(object->count_.load(std::memory_order_relaxed));
-    object->count_.store(countDuringDestruction, std::memory_order_relaxed);
-    delete object;
+    end(object);
   }
   waiting.draining = false;
 }

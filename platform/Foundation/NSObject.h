@@ -56,7 +56,7 @@ class NS_EXPORT NSObject {
   virtual bool isEqual(const NSRefPtr<NSObject>& other) const;
   /// Returns the hash by which sets and dictionaries look an object up: it must not change while the object
   /// is in one, and equal objects are found only if their hashes are equal. By default, made from the
-  /// address.
+  /// address. Each process may return another one, so that nobody can prepare keys that collide.
   virtual std::size_t hash() const;
   /// Returns what is known about isEqual; the layer of each class overrides this.
   virtual NSEquality equality() const { return NSEquality::identity; }

@@ -1,8 +1,10 @@
 #include <Foundation/NSOrderedTable.h>
 
+#include <Foundation/Internal/NSKeyedHash.h>
+
 std::optional<std::size_t> NSOrderedTable::indexOf(const NSRefPtr<NSObject>& key) const {
   if (!key || rows_.empty()) return std::nullopt;
-  return indexOf(key, key->hash());
+  return indexOf(key, NSKeyedHashOf(key->hash()));
 }
 
 std::optional<std::size_t> NSOrderedTable::indexOf(const NSRefPtr<NSObject>& key, std::size_t hash) const {
@@ -16,7 +18,7 @@ std::optional<std::size_t> NSOrderedTable::indexOf(const NSRefPtr<NSObject>& key
 }
 
 void NSOrderedTable::put(const NSRef<NSObject>& key, const NSRefPtr<NSObject>& value) {
-  const std::size_t hash = key->hash();
+  const std::size_t hash = NSKeyedHashOf(key->hash());
   if (const auto index = indexOf(key, hash)) {
     const NSRefPtr<NSObject> replaced = std::exchange(rows_[*index].value, value);
     return;

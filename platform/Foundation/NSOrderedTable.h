@@ -14,7 +14,7 @@ class NS_EXPORT NSOrderedTable {
   struct Row {
     NSRef<NSObject> key;       ///< not equal to any other
     NSRefPtr<NSObject> value;  ///< nil in a set
-    std::size_t hash;          ///< the key's, as it was when it was inserted
+    std::size_t hash;          ///< of the key's hash when it was inserted, keyed for this process
   };
 
   /// Returns all rows, in order; valid until the next change.

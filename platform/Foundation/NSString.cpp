@@ -5,6 +5,7 @@
 #include <limits>
 #include <ostream>
 
+#include <Foundation/Internal/NSKeyedHash.h>
 #include <Foundation/NSArray.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSException.h>
@@ -21,13 +22,6 @@ bool sameUnits(std::basic_string_view<A> a, std::basic_string_view<B> b) {
   } else {
     return false;  // all-ASCII content is always narrow, so the widths differ only where contents do
   }
-}
-
-template <class Unit>
-std::size_t hashOfUnits(std::basic_string_view<Unit> units) {
-  std::size_t hash = 0xCBF29CE484222325U;
-  for (const Unit unit : units) hash = (hash ^ static_cast<char16_t>(unit)) * 0x100000001B3U;
-  return hash;
 }
 
 NSRef<NSString> stringWithUnits(std::string_view units) {
@@ -203,7 +197,7 @@ bool NSString::isEqual(const NSRefPtr<NSObject>& other) const {
 }
 
 std::size_t NSString::hash() const {
-  return visit([](auto units) { return hashOfUnits(units); });
+  return visit([](auto units) { return NSKeyedHashOf(std::span(units)); });
 }
 
 NSRef<NSMutableString> NSString::mutableCopy() const { return NSMutableString::stringWithString(*this); }

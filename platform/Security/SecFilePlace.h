@@ -22,5 +22,6 @@ struct SecFilePlace {
 NS_EXPORT OSStatus secDefaultFilePlace(SecFilePlace& place);
 
 /// Sets `place` to a store file of the host's choice, in an existing folder; its key is kept where the
-/// default store's key is. Returns errSecParam for an empty path.
+/// default store's key is. Returns errSecParam for an empty path, and for a file name of more than 247 bytes:
+/// with the name of its journal, such a store could not be opened.
 NS_EXPORT OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place);

@@ -9,7 +9,8 @@ const char* secStatusMessage(OSStatus status) noexcept {
     case errSecDiskFull:
       return "The disk is full; nothing was changed.";
     case errSecIO:
-      return "Reading or writing the credential store failed; check whether a change was made.";
+      return "Reading or writing the credential store failed, or a change that was interrupted could not be "
+             "undone on a read-only disk; check whether a change was made.";
     case errSecBusy:
       return "The credential store is in use by another program; try again.";
     case errSecParam:

@@ -1,6 +1,5 @@
 // Calls that fail, one at a time, and full disks.
 #include <fcntl.h>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 
@@ -130,14 +129,10 @@ int fillWithinLimit() {
   return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 ? fill(temporary) : 7;
 }
 
-constexpr int notAllowed = 77;
-
 /// Fills a small file system, which is unmounted with the process.
 int fillSmallDisk() {
   const TemporaryPlace temporary;
-  const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
-  if (::unshare(spaces) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-      ::mount("none", temporary.root.c_str(), "tmpfs", 0, "size=1m,mode=0700") != 0)
+  if (!hasOwnMounts() || ::mount("none", temporary.root.c_str(), "tmpfs", 0, "size=1m,mode=0700") != 0)
     return notAllowed;
   const int result = fill(temporary);
   ::umount2(temporary.root.c_str(), MNT_DETACH);

@@ -1,5 +1,7 @@
 #include "Faults.h"
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -45,6 +47,11 @@ pid_t inChild(const std::function<int()>& body) {
   const pid_t child = ::fork();
   if (child != 0) return child;
   ::_exit(body());
+}
+
+bool hasOwnMounts() {
+  const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
+  return ::unshare(spaces) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 int waitFor(pid_t child) {

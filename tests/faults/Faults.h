@@ -28,6 +28,11 @@ using Held = std::map<std::string, std::string>;
 /// Opens a store, verifies it and returns everything that it holds.
 Held readAll(const TemporaryPlace& temporary);
 
+/// The exit status of a process that may not mount what a test needs.
+constexpr int notAllowed = 77;
+/// Gives the process mounts of its own, and returns whether the system allows that.
+bool hasOwnMounts();
+
 /// Runs `body` in a child process, whose exit status is the result.
 pid_t inChild(const std::function<int()>& body);
 /// Waits for a process; returns its exit status, or the negative number of its signal.

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <csignal>
 #include <random>
 
@@ -10,25 +11,27 @@
 
 namespace {
 
-constexpr std::size_t markSize = 24;
+/// Short ones are those that strings of the standard library would keep inside themselves.
+constexpr std::size_t markSizes[] = {5, 24};
 
 /// Made after the start of the process that is searched, so that it has them only from its input.
 struct Marks {
-  Marks() {
+  explicit Marks(std::size_t size) {
     std::random_device random;
     for (std::string* mark : {&account, &service, &label, &secret})
-      while (mark->size() < markSize) *mark += static_cast<char>('a' + random() % 26);
+      while (mark->size() < size) *mark += static_cast<char>('!' + random() % ('~' - '!'));
   }
   std::string account, service, label, secret;
 };
 
 /// Returns how many of the marks are in `content`, as bytes or as UTF-16, which differs by its zero bytes.
-/// The second half of a mark is enough: the allocator writes over the start of a block that is freed.
+/// The end of a long mark is enough: the allocator writes over the start of a block that is freed.
 std::size_t marksIn(std::string content, const Marks& marks) {
   std::erase(content, '\0');
+  constexpr std::size_t enough = 12;
   std::size_t found = 0;
   for (const std::string& mark : {marks.account, marks.service, marks.label, marks.secret})
-    found += content.find(mark.substr(markSize / 2)) != content.npos;
+    found += content.find(mark.substr(mark.size() - (std::min)(mark.size(), enough))) != content.npos;
   return found;
 }
 
@@ -55,25 +58,25 @@ std::string memoryOf(pid_t process) {
 }
 
 /// Reads marks from the pipe directly into memory that is cleansed in the end.
-SecEntry receiveEntry(int from) {
+SecEntry receiveEntry(int from, std::size_t size) {
   SecEntry entry;
   for (auto* text : {&entry.attributes.account, &entry.attributes.service, &entry.attributes.label}) {
-    text->emplace(markSize, u'\0');
+    text->emplace(size, u'\0');
     for (char16_t& unit : **text)
       if (::read(from, &unit, 1) != 1) ::_exit(9);
   }
-  entry.secret = SecSecret(markSize);
-  if (::read(from, entry.secret.writableBytes().data(), markSize) != markSize) ::_exit(9);
+  entry.secret = SecSecret(size);
+  if (::read(from, entry.secret.writableBytes().data(), size) != static_cast<ssize_t>(size)) ::_exit(9);
   return entry;
 }
 
 /// Stores the marked entry, and stops where its memory is searched: with the entry at hand, while the journal
 /// exists, and with the store locked.
-int keep(const TemporaryPlace& temporary, int from) {
+int keep(const TemporaryPlace& temporary, int from, std::size_t size) {
   std::unique_ptr<SecFileStorage> storage;
   if (SecFileStorage::open(temporary.place, Passwords::make, storage) != errSecSuccess) return 1;
   {
-    const SecEntry entry = receiveEntry(from);
+    const SecEntry entry = receiveEntry(from, size);
     ::raise(SIGSTOP);
     const auto insert = [&](SecTransaction& store) { store.insert(entry); };
     if (storage->transact(SecStorage::Access::change, insert) != errSecSuccess) return 2;
@@ -110,35 +113,38 @@ void look(const TemporaryPlace& temporary, pid_t process, const Marks& marks) {
   count("memory searched");
 }
 
+void leaveNoTrace(std::size_t size) {
+  const TemporaryPlace temporary;
+  const std::string output = temporary.root / "output";
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  const pid_t process = inChild([&] {
+    const int file = ::open(output.c_str(), O_CREAT | O_WRONLY, 0600);
+    ::dup2(file, 1);
+    ::dup2(file, 2);
+    return keep(temporary, ends[0], size);
+  });
+  const Marks marks(size);
+  const std::string all = marks.account + marks.service + marks.label + marks.secret;
+  ASSERT_EQ(::write(ends[1], all.data(), all.size()), static_cast<ssize_t>(all.size()));
+  look(temporary, process, marks);
+  resume(process);
+  std::size_t files = 0;
+  for (const auto& item : std::filesystem::recursive_directory_iterator(temporary.root)) {
+    files += item.is_regular_file();
+    EXPECT_EQ(marksIn(item.path().string(), marks), 0u) << "in the name of " << item;
+    EXPECT_TRUE(item.is_directory() || marksIn(readFile(item.path()), marks) == 0) << "in " << item;
+  }
+  EXPECT_EQ(files, 4u) << "not just the store, its key, the note of its changes and the output";
+  count("files searched", files);
+  ::close(ends[0]);
+  ::close(ends[1]);
+}
+
 }  // namespace
 
 TEST_F(SecFileFaults, Traces) {
   const std::size_t rounds = inForm(1, 10);
-  for (std::size_t round = 0; round < rounds; ++round) {
-    const TemporaryPlace temporary;
-    const std::string output = temporary.root / "output";
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
-    const pid_t process = inChild([&] {
-      const int file = ::open(output.c_str(), O_CREAT | O_WRONLY, 0600);
-      ::dup2(file, 1);
-      ::dup2(file, 2);
-      return keep(temporary, ends[0]);
-    });
-    const Marks marks;
-    const std::string all = marks.account + marks.service + marks.label + marks.secret;
-    ASSERT_EQ(::write(ends[1], all.data(), all.size()), static_cast<ssize_t>(all.size()));
-    look(temporary, process, marks);
-    resume(process);
-    std::size_t files = 0;
-    for (const auto& item : std::filesystem::recursive_directory_iterator(temporary.root)) {
-      files += item.is_regular_file();
-      EXPECT_EQ(marksIn(item.path().string(), marks), 0u) << "in the name of " << item;
-      EXPECT_TRUE(item.is_directory() || marksIn(readFile(item.path()), marks) == 0) << "in " << item;
-    }
-    EXPECT_EQ(files, 4u) << "not just the store, its key, the note of its changes and the output";
-    count("files searched", files);
-    ::close(ends[0]);
-    ::close(ends[1]);
-  }
+  for (std::size_t round = 0; round < rounds; ++round)
+    for (const std::size_t size : markSizes) leaveNoTrace(size);
 }

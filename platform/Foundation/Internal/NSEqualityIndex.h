@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include <Foundation/Internal/NSKeyedHash.h>
 #include <Foundation/NSObject.h>
 
 /// Finds those of its members that may be equal to an object, in either direction: by address if the class
@@ -36,7 +37,8 @@ class NSEqualityIndex {
   /// A class may override only the hash, even with one that changes; its objects are still equal only to
   /// themselves.
   static std::size_t keyOf(const NSObject& object) {
-    return object.equality() == NSEquality::identity ? std::hash<const NSObject*>()(&object) : object.hash();
+    return NSKeyedHashOf(object.equality() == NSEquality::identity ? std::hash<const NSObject*>()(&object)
+                                                                   : object.hash());
   }
 
   std::unordered_multimap<std::size_t, const NSObject*> keyed_;

@@ -9,6 +9,8 @@
 
 #include <memory>
 
+#include <Security/Libcrypto/SecLibraryContext.h>
+
 namespace {
 
 using View = std::span<const std::byte>;
@@ -16,7 +18,9 @@ using View = std::span<const std::byte>;
 struct Free {
   void operator()(BIGNUM* number) const { BN_clear_free(number); }
   void operator()(BN_CTX* context) const { BN_CTX_free(context); }
+  void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
+  void operator()(EVP_MD* digest) const { EVP_MD_free(digest); }
   void operator()(EVP_KDF* kdf) const { EVP_KDF_free(kdf); }
   void operator()(EVP_KDF_CTX* context) const { EVP_KDF_CTX_free(context); }
 };
@@ -52,7 +56,7 @@ void write(const Number& number, std::span<std::byte> bytes) {
 
 Number power(const Number& base, const Number& exponent) {
   auto result = own(BN_secure_new());
-  const auto context = own(BN_CTX_secure_new());
+  const auto context = own(BN_CTX_secure_new_ex(secLibraryContext()));
   require(BN_mod_exp(result.get(), base.get(), exponent.get(), prime().get(), context.get()));
   return result;
 }
@@ -64,6 +68,8 @@ bool isPublicValue(const Number& value) {
   return BN_cmp(value.get(), BN_value_one()) > 0 && BN_cmp(value.get(), last.get()) < 0;
 }
 
+auto cipher() { return own(EVP_CIPHER_fetch(secLibraryContext(), "AES-128-CBC", nullptr)); }
+
 SecSecret derive(View sharedValue) {
   static char digest[] = "SHA256";
   const OSSL_PARAM parameters[] = {
@@ -71,7 +77,7 @@ SecSecret derive(View sharedValue) {
       OSSL_PARAM_construct_octet_string(OSSL_KDF_PARAM_KEY, const_cast<std::byte*>(sharedValue.data()),
                                         sharedValue.size()),
       OSSL_PARAM_construct_end()};
-  const auto hkdf = own(EVP_KDF_fetch(nullptr, "HKDF", nullptr));
+  const auto hkdf = own(EVP_KDF_fetch(secLibraryContext(), "HKDF", nullptr));
   const auto context = own(EVP_KDF_CTX_new(hkdf.get()));
   SecSecret key(keySize);
   require(EVP_KDF_derive(context.get(), out(key.writableBytes()), keySize, parameters));
@@ -81,10 +87,11 @@ SecSecret derive(View sharedValue) {
 }  // namespace
 
 SecDesktopExchange::SecDesktopExchange() : privateValue_(valueSize), publicValue_(valueSize) {
+  const auto context = own(BN_CTX_secure_new_ex(secLibraryContext()));
   const auto exponent = own(BN_secure_new());
   const auto generator = own(BN_new());
   require(BN_set_word(generator.get(), 2));
-  require(BN_priv_rand_range(exponent.get(), prime().get()));
+  require(BN_priv_rand_range_ex(exponent.get(), prime().get(), 0, context.get()));
   BN_set_flags(exponent.get(), BN_FLG_CONSTTIME);
   write(exponent, privateValue_.writableBytes());
   write(power(generator, exponent), publicValue_);
@@ -102,11 +109,12 @@ SecSecret SecDesktopExchange::sharedKey(View peerValue) const {
 
 SecDesktopBox secDesktopEncrypt(View key, View plaintext) {
   SecDesktopBox box{std::vector<std::byte>(blockSize), std::vector<std::byte>(plaintext.size() + blockSize)};
-  secRequire(RAND_bytes(out(box.vector), length(box.vector)) == 1, errSecNotAvailable);
+  const int result = RAND_bytes_ex(secLibraryContext(), out(box.vector), box.vector.size(), 0);
+  secRequire(result == 1, errSecNotAvailable);
   const auto context = own(EVP_CIPHER_CTX_new());
   int written = 0;
   int last = 0;
-  require(EVP_EncryptInit_ex(context.get(), EVP_aes_128_cbc(), nullptr, in(key), in(box.vector)));
+  require(EVP_EncryptInit_ex(context.get(), cipher().get(), nullptr, in(key), in(box.vector)));
   require(EVP_EncryptUpdate(context.get(), out(box.ciphertext), &written, in(plaintext), length(plaintext)));
   require(EVP_EncryptFinal_ex(context.get(), out(box.ciphertext) + written, &last));
   box.ciphertext.resize(static_cast<std::size_t>(written + last));
@@ -120,7 +128,7 @@ SecSecret secDesktopDecrypt(View key, View vector, View ciphertext) {
   unsigned char* const text = out(padded.writableBytes());
   int written = 0;
   int last = 0;
-  require(EVP_DecryptInit_ex(context.get(), EVP_aes_128_cbc(), nullptr, in(key), in(vector)));
+  require(EVP_DecryptInit_ex(context.get(), cipher().get(), nullptr, in(key), in(vector)));
   require(EVP_DecryptUpdate(context.get(), text, &written, in(ciphertext), length(ciphertext)));
   secRequire(EVP_DecryptFinal_ex(context.get(), text + written, &last) == 1, errSecDecode);
   return SecSecret(padded.bytes().first(static_cast<std::size_t>(written + last)));
@@ -129,7 +137,8 @@ SecSecret secDesktopDecrypt(View key, View vector, View ciphertext) {
 std::string secDesktopDigest(std::string_view content) {
   unsigned char digest[EVP_MAX_MD_SIZE];
   unsigned int size = 0;
-  require(EVP_Digest(content.data(), content.size(), digest, &size, EVP_sha256(), nullptr));
+  const auto algorithm = own(EVP_MD_fetch(secLibraryContext(), "SHA256", nullptr));
+  require(EVP_Digest(content.data(), content.size(), digest, &size, algorithm.get(), nullptr));
   std::string text;
   for (unsigned int i = 0; i < size; ++i)
     for (const unsigned int digit : {digest[i] / 16u, digest[i] % 16u})

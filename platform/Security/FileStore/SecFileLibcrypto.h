@@ -7,13 +7,10 @@
 #include <memory>
 
 #include <Security/FileStore/SecFileBytes.h>
+#include <Security/Libcrypto/SecLibraryContext.h>
 
 // How the file store calls libcrypto: handles that free themselves, results as failures, bytes as libcrypto
 // takes them.
-
-/// Returns a library context of our own, with the default provider: what the host's configuration excludes or
-/// prefers does not matter in it. It is never freed, since a host's exit handlers may still use a store.
-OSSL_LIB_CTX* secLibraryContext();
 
 struct SecLibcryptoFree {
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }

@@ -1,12 +1,15 @@
-#include <Security/FileStore/SecFileLibcrypto.h>
+#include <Security/Libcrypto/SecLibraryContext.h>
 
+#include <openssl/crypto.h>
 #include <openssl/provider.h>
+
+#include <Security/SecFailure.h>
 
 namespace {
 
 OSSL_LIB_CTX* makeContext() {
-  OSSL_LIB_CTX* const context = secRequireHandle(OSSL_LIB_CTX_new());
-  if (OSSL_PROVIDER_load(context, "default")) return context;
+  OSSL_LIB_CTX* const context = OSSL_LIB_CTX_new();
+  if (context && OSSL_PROVIDER_load(context, "default")) return context;
   OSSL_LIB_CTX_free(context);
   throw SecFailure{errSecAllocate};
 }
