@@ -117,6 +117,10 @@ pid_t processOfService() {
   return reply.find("uint32 ") == reply.npos ? 0 : std::stoi(cut(reply, "uint32 ").second);
 }
 
+std::string nameOf(pid_t process) {
+  return cut(readFile("/proc/" + std::to_string(process) + "/comm"), "\n").first;
+}
+
 /// Kills the service while it is asked to add an entry.
 void killServiceInMidCall() {
   const pid_t service = processOfService();
@@ -144,7 +148,12 @@ const std::size_t threadsAtStart = namesIn("/proc/self/task");
 }  // namespace
 
 TEST(SecDesktopStorage, Conforms) {
-  SecStorageConformance::expect(emptyStorage, SecStorageConformance::Content::ofDesktops, 1'000);
+  SecStorageConformance::Terms terms{true, 1'000};
+  const pid_t service = processOfService();
+  // KeePassXC crashes now and then; what it returns until then must be right.
+  if (nameOf(service) == "keepassxc")
+    terms.isEnd = [&](OSStatus status) { return status == errSecIO && processOfService() != service; };
+  SecStorageConformance::expect(emptyStorage, terms);
 }
 
 TEST(SecDesktopFaults, EachHasItsStatusInTimeAndChangesNothing) {
@@ -209,6 +218,21 @@ TEST(SecDesktopStorage, AForkedProcessConnectsAnew) {
             (std::map<int, int>{{7, 1}}));
   EXPECT_EQ(add("cat"), errSecSuccess);
   EXPECT_EQ(entriesOf(*storage), 3u);
+}
+
+// One session in 256 has a shared value that begins with a zero, from which services derive different keys.
+TEST(SecDesktopStorage, EverySessionHasOneKeyOnBothSides) {
+  emptyStorage();
+  EXPECT_EQ(add("ann"), errSecSuccess);
+  for (int round = 0; round < 600 && !testing::Test::HasFailure(); ++round) {
+    secSetDefaultStorage(openStorage());
+    const std::string secret = "valueData=" + std::to_string(round);
+    EXPECT_EQ(SecItemUpdate(writtenMap("class=generic account=ann"), writtenMap(secret)), errSecSuccess);
+    NSRefPtr<NSDictionary> found;
+    EXPECT_EQ(SecItemCopyMatching(writtenMap("class=generic account=ann returnData=1"), &found),
+              errSecSuccess);
+    EXPECT_EQ(shown(found), secret);
+  }
 }
 
 TEST(SecDesktopStorage, NoSecretIsOnTheBusAndNoThreadIsLeft) {

@@ -91,19 +91,22 @@ SecDesktopExchange::SecDesktopExchange() : privateValue_(valueSize), publicValue
   const auto exponent = own(BN_secure_new());
   const auto generator = own(BN_new());
   require(BN_set_word(generator.get(), 2));
-  require(BN_priv_rand_range_ex(exponent.get(), prime().get(), 0, context.get()));
-  BN_set_flags(exponent.get(), BN_FLG_CONSTTIME);
+  do {
+    require(BN_priv_rand_range_ex(exponent.get(), prime().get(), 0, context.get()));
+    BN_set_flags(exponent.get(), BN_FLG_CONSTTIME);
+    write(power(generator, exponent), publicValue_);
+  } while (publicValue_.front() == std::byte(0xFF));  // KWallet takes it for the sign of a negative number
   write(exponent, privateValue_.writableBytes());
-  write(power(generator, exponent), publicValue_);
 }
 
-SecSecret SecDesktopExchange::sharedKey(View peerValue) const {
+std::optional<SecSecret> SecDesktopExchange::sharedKey(View peerValue) const {
   // Some services leave leading zeros out, others add one.
   secRequire(peerValue.size() <= 2 * valueSize, errSecDecode);
   const Number peer = numberOf(peerValue);
   secRequire(isPublicValue(peer), errSecDecode);
   SecSecret shared(valueSize);
   write(power(peer, numberOf(privateValue_.bytes())), shared.writableBytes());
+  if (shared.bytes().front() == std::byte(0)) return std::nullopt;
   return derive(shared.bytes());
 }
 

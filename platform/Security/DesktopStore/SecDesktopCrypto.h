@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,9 +23,11 @@ class SecDesktopExchange {
   /// Draws a private value.
   SecDesktopExchange();
   const std::vector<std::byte>& publicValue() const { return publicValue_; }
-  /// Returns the key of 16 bytes that is shared with the owner of the other public value. Fails with
-  /// errSecDecode for a value that is not between 2 and p - 2, which would make the key predictable.
-  SecSecret sharedKey(std::span<const std::byte> peerValue) const;
+  /// Returns the key of 16 bytes that is shared with the owner of the other public value. There is no value,
+  /// with a chance of 1 in 256, where services derive different keys: if the shared value begins with a zero,
+  /// which KWallet drops and others keep. Fails with errSecDecode for a peer value that is not between 2 and
+  /// p - 2, which would make the key predictable.
+  std::optional<SecSecret> sharedKey(std::span<const std::byte> peerValue) const;
 
  private:
   SecSecret privateValue_;

@@ -42,14 +42,24 @@ const char* contentType(View secret) {
 }  // namespace
 
 SecDesktopTransfer::SecDesktopTransfer(SecDesktopService& service) {
+  constexpr int attempts = 8;
+  for (int i = 0; i < attempts && !agree(service); ++i) continue;
+  secRequire(!path_.empty(), errSecDecode);
+}
+
+/// Opens a session. Returns whether both sides are sure to have the same key.
+bool SecDesktopTransfer::agree(SecDesktopService& service) {
   const SecDesktopExchange exchange;
   const auto reply = openSession(service, exchange.publicValue());
   secCheckRead(sd_bus_message_enter_container(reply.get(), 'v', "ay"));
-  key_ = exchange.sharedKey(readBytes(reply.get()));
+  auto key = exchange.sharedKey(readBytes(reply.get()));
+  if (!key) return false;
+  key_ = std::move(*key);
   secCheckRead(sd_bus_message_exit_container(reply.get()));
   const char* path = nullptr;
   secCheckRead(sd_bus_message_read(reply.get(), "o", &path));
   path_ = path;
+  return true;
 }
 
 void SecDesktopTransfer::write(sd_bus_message* message, const SecSecret& secret) const {

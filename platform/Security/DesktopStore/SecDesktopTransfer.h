@@ -18,6 +18,8 @@ class SecDesktopTransfer {
   SecSecret read(sd_bus_message* reply) const;
 
  private:
+  bool agree(SecDesktopService& service);
+
   std::string path_;
   SecSecret key_;
 };
