@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check format bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
+.PHONY: demo check desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -27,6 +27,9 @@ tidy:
 
 bench:
 	scripts/bench
+
+desktops:
+	scripts/desktops $(ARGS)
 
 check-arm64:
 	scripts/check-arm64 $(ARGS)
