@@ -35,3 +35,5 @@ Listing makeListing(const std::string& folder, std::size_t held);
 std::unique_ptr<Contestant> makeSQLiteAlone(const std::string& folder, bool openedPerCall);
 /// Returns the desktop's store through libsecret's simple functions.
 std::unique_ptr<Contestant> makeLibsecret();
+/// Returns the same store through SecDesktopStorage.
+std::unique_ptr<Contestant> makeDesktopStore();

@@ -1,5 +1,5 @@
 // The cost of a credential store's operations: medians, and for changes the median of the ratios to appending
-// to a file and syncing it just before. store-benchmark FOLDER [--libsecret]
+// to a file and syncing it just before. store-benchmark FOLDER [--desktop]
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -111,7 +111,7 @@ void list(const std::string& folder) {
               median(lists), median(ratios));
 }
 
-void run(const std::string& folder, bool libsecret) {
+void run(const std::string& folder, bool desktop) {
   Journal journal(folder);
   std::printf("| store                       |   held | what    |      median | to append and sync |\n");
   std::printf("|---|---|---|---|---|\n");
@@ -120,20 +120,19 @@ void run(const std::string& folder, bool libsecret) {
       compete(*makeFileStore(folder, openedPerCall), held, journal);
       compete(*makeSQLiteAlone(folder, openedPerCall), held, journal);
     }
-#ifdef VX_LIBSECRET
-  for (const std::size_t held : {std::size_t{0}, std::size_t{1000}})
-    if (libsecret) compete(*makeLibsecret(), held, journal);
-#else
-  if (libsecret) throw std::runtime_error("built without libsecret");
-#endif
+  if (desktop)
+    for (const std::size_t held : {std::size_t{0}, std::size_t{1000}}) {
+      compete(*makeDesktopStore(), held, journal);
+      compete(*makeLibsecret(), held, journal);
+    }
   list(folder);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) try {
-  if (count < 2) throw std::runtime_error("usage: store-benchmark FOLDER [--libsecret]");
-  run(arguments[1], count > 2 && std::strcmp(arguments[2], "--libsecret") == 0);
+  if (count < 2) throw std::runtime_error("usage: store-benchmark FOLDER [--desktop]");
+  run(arguments[1], count > 2 && std::strcmp(arguments[2], "--desktop") == 0);
   return 0;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "store-benchmark: %s\n", error.what());
