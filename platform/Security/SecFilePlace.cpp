@@ -1,6 +1,5 @@
 #include <Security/SecFilePlace.h>
 
-#include <climits>
 #include <cstdlib>
 
 #include <Security/SecFailure.h>
@@ -20,13 +19,6 @@ std::string baseFolder(const char* variable, const char* belowHome) {
   return home + belowHome;
 }
 
-/// SQLite names the journal of a store after it, and cannot open a store whose journal's name is too long.
-bool hasRoomForJournal(std::string_view path) {
-  constexpr std::string_view journal = "-journal";
-  const std::string_view name = path.substr(path.find_last_of('/') + 1);
-  return name.size() + journal.size() <= NAME_MAX;
-}
-
 std::string keyFolder() { return baseFolder("XDG_CONFIG_HOME", "/.config") + "/VXFoundation/keys"; }
 
 }  // namespace
@@ -41,7 +33,7 @@ OSStatus secDefaultFilePlace(SecFilePlace& place) {
 OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place) {
   return secStatusOf([&] {
     secRequire(!path.empty() && path.find('\0') == path.npos, errSecParam);
-    secRequire(hasRoomForJournal(path), errSecParam);
+    secRequire(path.size() - (path.rfind('/') + 1) <= secLongestStoreName, errSecParam);
     place = {std::string(path), keyFolder(), false};
   });
 }

@@ -7,6 +7,10 @@
 
 #include <Security/SecStatus.h>
 
+/// The longest name of a store file, in bytes: shorter than other files' names by what is added to it for the
+/// files next to it.
+constexpr std::size_t secLongestStoreName = 240;
+
 /// Where the files of a store are.
 struct SecFilePlace {
   std::string store;               ///< the store file
@@ -22,6 +26,6 @@ struct SecFilePlace {
 NS_EXPORT OSStatus secDefaultFilePlace(SecFilePlace& place);
 
 /// Sets `place` to a store file of the host's choice, in an existing folder; its key is kept where the
-/// default store's key is. Returns errSecParam for an empty path, and for a file name of more than 247 bytes:
-/// with the name of its journal, such a store could not be opened.
+/// default store's key is. Returns errSecParam for an empty path, and for one with a NUL or a file name
+/// longer than secLongestStoreName.
 NS_EXPORT OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place);

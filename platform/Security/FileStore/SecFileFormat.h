@@ -28,7 +28,3 @@ constexpr std::int64_t secSealNumber = 0;
 constexpr std::int64_t secFirstBucketNumber = 1;
 constexpr std::int64_t secFirstEntryNumber = std::int64_t{1} << 32;
 ///@}
-
-/// Names of stores are shorter than file names by what may be added to them: "-journal", ".format-1" and the
-/// like.
-constexpr std::size_t secLongestStoreName = 240;

@@ -1,7 +1,5 @@
 #include <Security/FileStore/SecFileSite.h>
 
-#include <Security/FileStore/SecFileFormat.h>
-
 SecFileFolder SecFileSite::openFolder() const {
   auto opened = secOpenFolder(folder, rule);
   secRequire(opened.has_value(), errSecNoSuchKeychain);
