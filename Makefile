@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference prove
+.PHONY: demo check desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -46,6 +46,9 @@ coverage:
 
 reference:
 	scripts/reference
+
+large:
+	scripts/large
 
 prove:
 	scripts/prove

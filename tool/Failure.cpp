@@ -16,6 +16,19 @@ std::string explained(std::string what, OSStatus status) {
 
 }  // namespace
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+
+void failWithErrno(const std::string& what) { throw Failure(what + ": " + std::strerror(errno)); }
+
+void complain(std::string message) {
+  // A name in the message may contain newlines, but the message is always one line.
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  std::cerr << "vxfoundation: " << message << std::endl;
+}
+
 std::string messageOf(OSStatus status) {
   return std::to_string(status) + ": " + std::string(*SecCopyErrorMessageString(status));
 }

@@ -12,6 +12,11 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Throws Failure with the system's message for `errno` after `what`.
+[[noreturn]] void failWithErrno(const std::string& what);
+/// Writes a failure to standard error, as one line.
+void complain(std::string message);
+
 /// Returns the number of a status and the platform's message for it.
 std::string messageOf(OSStatus status);
 /// Throws Failure with `what`, what to do about it, if that is known, and that message, unless the status is

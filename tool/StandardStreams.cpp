@@ -10,31 +10,22 @@
 #include <csignal>
 #include <cstring>
 
+#include "tool/Descriptor.h"
 #include "tool/Failure.h"
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what) { throw Failure(what + ": " + std::strerror(errno)); }
-
 bool isOpen(int descriptor) { return fcntl(descriptor, F_GETFD) != -1; }
 
-ssize_t retried(auto transfer) {
-  ssize_t count;
-  do count = transfer();
-  while (count < 0 && errno == EINTR);
-  return count;
-}
-
-NSRef<NSData> readAll(int descriptor, bool secret, const std::string& name) {
+NSRef<NSData> readSecret(int descriptor, const std::string& name) {
   const NSRef<NSMutableData> content = NSMutableData::data();
-  content->setHoldsSecret(secret);
+  content->setHoldsSecret(true);
   std::array<std::byte, 1 << 16> block;
   for (;;) {
-    const ssize_t count = retried([&] { return read(descriptor, block.data(), block.size()); });
-    if (count < 0) fail("cannot read " + name);
-    if (count == 0) return content;
-    content->appendBytes(block.data(), static_cast<std::size_t>(count));
-    if (secret) explicit_bzero(block.data(), block.size());
+    const auto piece = readPiece(descriptor, block, name);
+    if (piece.empty()) return content;
+    content->appendBytes(piece.data(), piece.size());
+    explicit_bzero(block.data(), piece.size());
   }
 }
 
@@ -54,29 +45,27 @@ void guardSecrets() {
   prctl(PR_SET_DUMPABLE, 0);
 }
 
-NSRef<NSData> readStandardInput() { return readAll(STDIN_FILENO, false, "the input"); }
-
 NSRef<NSData> readSecretInput() {
-  const NSRef<NSData> input = readAll(STDIN_FILENO, true, "the input");
+  const NSRef<NSData> input = readSecret(STDIN_FILENO, "the input");
   const auto content = input->bytes();
   if (content.empty() || content.back() != std::byte{'\n'}) return input;
   return NSData::dataWithBytes(content.first(content.size() - 1), true);
 }
 
 NSRef<NSData> readSecretFile(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) fail("cannot read " + path);
-  const NSRef<NSData> content = readAll(descriptor, true, path);
-  close(descriptor);
-  return content;
+  return readSecret(Descriptor::openForReading(path).number(), path);
 }
 
 void writeStandardOutput(std::span<const std::byte> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = retried([&] { return write(STDOUT_FILENO, bytes.data(), bytes.size()); });
-    if (count < 0) fail("cannot write the output");
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
-  }
+  if (writeFully(STDOUT_FILENO, bytes)) return;
+  if (errno == EPIPE) throw OutputClosed();
+  failWithErrno("cannot write the output");
 }
 
 void writeStandardOutput(std::string_view text) { writeStandardOutput(std::as_bytes(std::span(text))); }
+
+void endStandardOutput() {
+  // Any descriptor of the file will do: the tool's own stays open.
+  const int copy = dup(STDOUT_FILENO);
+  if (copy >= 0 && close(copy) != 0) failWithErrno("cannot write the output");
+}

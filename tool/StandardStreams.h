@@ -17,12 +17,17 @@ void guardSecrets();
 /// be read.
 NSRef<NSData> readSecretFile(const std::string& path);
 
-/// Returns all of standard input, to its end. Throws Failure if it cannot be read.
-NSRef<NSData> readStandardInput();
-
-/// Returns the same without one final newline; the result is cleansed from memory after use.
+/// Returns all of standard input without one final newline; the result is cleansed from memory after use.
+/// Throws Failure if it cannot be read.
 NSRef<NSData> readSecretInput();
 
-/// Writes all of it to standard output. Throws Failure if that is not possible.
+/// Thrown if standard output was closed by its reader, who wants no more and no message.
+struct OutputClosed {};
+
+/// Writes all of it to standard output. Throws OutputClosed, or Failure if that is not possible.
+///@{
 void writeStandardOutput(std::span<const std::byte> bytes);
 void writeStandardOutput(std::string_view text);
+///@}
+/// Throws Failure for an error that the system reports only once a file is closed.
+void endStandardOutput();

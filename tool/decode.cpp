@@ -1,43 +1,43 @@
-#include <VXFoundation/VXFoundation.h>
-
-#include <map>
 #include <memory>
 #include <string>
 
-#include "tool/Failure.h"
+#include "tool/Forms.h"
+#include "tool/Input.h"
+#include "tool/Spool.h"
 #include "tool/StandardStreams.h"
 #include "tool/Subcommands.h"
+#include "tool/TextDecoder.h"
 
 namespace {
 
-using Decoder = NSRefPtr<NSData> (*)(const NSRef<NSData>&);
+using Bytes = TextDecoder::Bytes;
 
-template <NSRefPtr<NSData> (*decode)(NSStringArg)>
-NSRefPtr<NSData> decodeASCII(const NSRef<NSData>& bytes) {
-  const NSRefPtr<NSString> text = NSString::stringWithData(bytes, NSASCIIStringEncoding);
-  return text ? decode(text) : nullptr;
-}
-
-NSRefPtr<NSData> decodeURL(const NSRef<NSData>& bytes) { return VXURLDecodeData(bytes); }
-
-const std::map<std::string, Decoder> decoders = {
-    {"base64", decodeASCII<VXBaseConversion::dataWithBase64String>},
-    {"base32", decodeASCII<VXBaseConversion::dataWithBase32String>},
-    {"base16", decodeASCII<VXBaseConversion::dataWithBase16String>},
-    {"url", decodeURL},
+struct Request {
+  std::string form, file = "-";
+  bool ignoreNewlines = false;
 };
 
-/// Removes the newline that `encode` and echo add.
-NSRef<NSData> withoutFinalNewline(NSRef<NSData> bytes) {
-  const auto content = bytes->bytes();
-  if (content.empty() || content.back() != std::byte{'\n'}) return bytes;
-  return NSData::dataWithBytes(content.first(content.size() - 1));
+void decode(const Request& request, Input& input, Progress&& progress, auto&& write) {
+  TextDecoder decoder(request.form, input.name(), request.ignoreNewlines);
+  input.forEachPiece(progress, [&](Bytes text) { write(decoder.update(text)); });
+  write(decoder.finish());
 }
 
-int decode(const std::string& form) {
-  const NSRefPtr<NSData> bytes = decoders.at(form)(withoutFinalNewline(readStandardInput()));
-  if (!bytes) throw Failure("the input is not " + form + " text");
-  writeStandardOutput(bytes->bytes());
+/// Writes nothing before all of the text is known to be right.
+int decode(const Request& request) {
+  Input input(request.file);
+  input.requireOtherOutput();
+  if (!input.isRegular()) {
+    Spool spool;
+    decode(request, input, Progress("decoding"), [&](Bytes bytes) { spool.append(bytes); });
+    spool.writeOut();
+    return 0;
+  }
+  decode(request, input, Progress("checking", input.length()), [](Bytes) {});
+  input.rewind();
+  decode(request, input, Progress("decoding", input.length(), Progress::Output::written),
+         [](Bytes bytes) { writeStandardOutput(bytes); });
+  input.requireUnchanged();
   return 0;
 }
 
@@ -45,7 +45,11 @@ int decode(const std::string& form) {
 
 void addDecode(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("decode", "Read text, write the bytes that it encodes");
-  const auto form = std::make_shared<std::string>();
-  command->add_option("FORM", *form, "How the text is encoded")->required()->check(CLI::IsMember(decoders));
-  command->callback([form, &action] { action = [form] { return decode(*form); }; });
+  const auto request = std::make_shared<Request>();
+  command->add_option("FORM", request->form, "How the text is encoded")
+      ->required()
+      ->check(CLI::IsMember(decodedForms));
+  command->add_option("FILE", request->file, "The file to read; - or none for standard input");
+  command->add_flag("--ignore-newlines", request->ignoreNewlines, "Ignore the line breaks in the text");
+  command->callback([request, &action] { action = [request] { return decode(*request); }; });
 }

@@ -1,9 +1,8 @@
 #include <VXFoundation/VXFoundation.h>
 
-#include <algorithm>
-#include <iostream>
 #include <sstream>
 
+#include "tool/Failure.h"
 #include "tool/StandardStreams.h"
 #include "tool/Subcommands.h"
 
@@ -12,10 +11,8 @@ namespace {
 constexpr int failed = 1;
 constexpr int wrongUsage = 2;
 
-int complain(std::string message, int status) {
-  // An argument in the message may contain newlines, but the message is always one line.
-  std::replace(message.begin(), message.end(), '\n', ' ');
-  std::cerr << "vxfoundation: " << message << std::endl;
+int complain(const std::string& message, int status) {
+  ::complain(message);
   return status;
 }
 
@@ -70,7 +67,9 @@ int run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return finish(app, error);
   }
-  return action();
+  const int status = action();
+  endStandardOutput();
+  return status;
 }
 
 }  // namespace
@@ -81,6 +80,8 @@ int main(int argc, char** argv) {
   NSLogSetSink([](std::string_view) {});  // the tool's message is the only line
   try {
     return run(argc, argv);
+  } catch (const OutputClosed&) {
+    return failed;  // whoever closed it knows
   } catch (const std::bad_alloc&) {
     return complain("there is not enough memory", failed);
   } catch (const std::exception& error) {
