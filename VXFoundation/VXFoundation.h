@@ -4,6 +4,7 @@
 /// Everything that a host needs.
 
 #include <CoreServices/UTType.h>
+#include <CoreServices/UTTypeTags.h>
 #include <Foundation/Foundation.h>
 #include <Security/SecDefaultStorage.h>
 #include <Security/SecItem.h>

@@ -1,18 +1,13 @@
 #include <VXFoundation/VXUTType.h>
 
+#include <CoreServices/Internal/UTTypeRelation.h>
 #include <CoreServices/UTType.h>
 #include <Foundation/NSDictionary.h>
 #include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
 
 namespace {
 
-// Made once, so that a query between declared types allocates nothing.
-const NSRef<NSString>& dynamicPrefix = NSConstantString("dyn.a");
 const NSRef<NSString>& optionalMark = NSConstantString("?");
-
-bool isDynamic(const NSString& identifier) {
-  return identifier.hasPrefix(dynamicPrefix) && identifier.length() > dynamicPrefix->length();
-}
 
 bool offersAll(const NSDictionary& offered, const NSDictionary& required) {
   bool all = true;
@@ -30,10 +25,11 @@ bool offersAll(const NSDictionary& offered, const NSDictionary& required) {
 }  // namespace
 
 bool VXUTTypeConformsTo(NSStringArg identifier, NSStringArg otherIdentifier) {
-  if (UTTypeConformsTo(identifier, otherIdentifier)) return true;
   const auto type = identifier.borrow();
   const auto other = otherIdentifier.borrow();
-  if (!type || !isDynamic(*type) || !other || !isDynamic(*other)) return false;
+  if (!type || !other) return false;
+  if (const auto settled = UTTypeRelation(*type, *other)) return *settled;
+  if (!UTTypeIsDynamic(*type) || !UTTypeIsDynamic(*other)) return false;
   const NSRefPtr<NSDictionary> offered = VXUTTypeDynamicIdentifierMap(*type);
   if (!offered) return false;
   const NSRefPtr<NSDictionary> required = VXUTTypeDynamicIdentifierMap(*other);

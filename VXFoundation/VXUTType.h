@@ -3,7 +3,7 @@
 #include <Foundation/NSFastEnumeration.h>
 #include <Foundation/NSString.h>
 
-/// Returns whether a uniform type identifier conforms to another one: by the declared types (see
+/// Returns whether a uniform type identifier conforms to another one: by the declared types and tags (see
 /// UTTypeConformsTo) or, between two identifiers of the dynamic form "dyn.a...", if the first packs every
 /// pair that the second packs, except those whose key begins with "?"; a malformed identifier packs no pairs.
 /// Returns false for nil, and for two different dynamic identifiers of which one packs bytes that are not

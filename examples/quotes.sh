@@ -1,4 +1,5 @@
-# quotes.sh README FILE...: every indented line of the section "Passwords" must be a line of one of the files.
+# quotes.sh README FILE...: every indented line of the sections "Passwords" and "Types of files" must be a line
+# of one of the files.
 readme=$1
 shift
 sed -n '/^## Passwords/,/^## The/s/^    //p' "$readme" | {
@@ -7,5 +8,5 @@ sed -n '/^## Passwords/,/^## The/s/^    //p' "$readme" | {
     grep -qFx -e "$line" "$@" || { echo "not a verbatim quote: $line"; exit 1; }
     lines=$((lines + 1))
   done
-  test "$lines" -gt 5
+  test "$lines" -gt 8
 }

@@ -1,101 +1,91 @@
-#include <unordered_map>
-#include <vector>
+#include <algorithm>
 
-#include <CoreServices/Internal/UTTypeDeclarations.h>
-#include <Foundation/NSSet.h>
+#include <CoreServices/Internal/UTTypeIndex.h>
 
 namespace {
-
-constexpr std::size_t maximumPairs = 100'000;
-
-using Declaration = UTTypeDeclarations::value_type;
-
-NSRef<NSString> stringFrom(const std::u16string& identifier) {
-  return NSString::stringWithCharacters(identifier);
-}
 
 // Sorts the types so that each follows those that it conforms to. Depth first with an explicit stack, because
 // a host's declarations may be chained to any depth.
 class Order {
  public:
-  explicit Order(const UTTypeDeclarations& declarations) : declarations_(declarations) {}
+  explicit Order(const std::vector<UTTypeNumbers>& parents)
+      : parents_(parents), states_(parents.size(), State::unseen) {}
 
-  /// Returns whether there is such an order; if not, the error names a type in a cycle.
-  bool find(NSRefPtr<NSError>* error) {
-    for (const Declaration& each : declarations_) {
+  /// Returns whether there is such an order; if not, `cycle` is a type in a cycle.
+  bool find() {
+    for (UTTypeNumber each = 0; each < parents_.size(); ++each) {
       enter(each);
       while (!path_.empty())
-        if (!advance(error)) return false;
+        if (!advance()) return false;
     }
     return true;
   }
 
-  const std::vector<const Declaration*>& types() const { return types_; }
+  const UTTypeNumbers& types() const { return types_; }
+  UTTypeNumber cycle() const { return cycle_; }
 
  private:
-  enum class State { unseen, onPath, placed };
+  enum class State : char { unseen, onPath, placed };
   struct Step {
-    const Declaration* type;
-    std::set<std::u16string>::const_iterator next;
+    UTTypeNumber type;
+    std::size_t next;
   };
 
-  void enter(const Declaration& type) {
-    State& state = states_[&type];
-    if (state != State::unseen) return;
-    state = State::onPath;
-    path_.push_back({&type, type.second.begin()});
+  void enter(UTTypeNumber type) {
+    if (states_[type] != State::unseen) return;
+    states_[type] = State::onPath;
+    path_.push_back({type, 0});
   }
 
-  bool advance(NSRefPtr<NSError>* error) {
+  bool advance() {
     Step& step = path_.back();
-    if (step.next == step.type->second.end()) {
+    if (step.next == parents_[step.type].size()) {
       states_[step.type] = State::placed;
       types_.push_back(step.type);
       path_.pop_back();
       return true;
     }
-    const auto supertype = declarations_.find(*step.next++);
-    if (supertype == declarations_.end()) return true;
-    if (states_[&*supertype] == State::onPath)
-      return UTRefuse(error, UTTypeErrorCycle,
-                      NSString::stringWithFormat("%@ conforms to a type that conforms to it",
-                                                 stringFrom(supertype->first)));
-    enter(*supertype);
+    const UTTypeNumber parent = parents_[step.type][step.next++];
+    cycle_ = parent;
+    if (states_[parent] == State::onPath) return false;
+    enter(parent);
     return true;
   }
 
-  const UTTypeDeclarations& declarations_;
-  std::unordered_map<const Declaration*, State> states_;
+  const std::vector<UTTypeNumbers>& parents_;
+  std::vector<State> states_;
   std::vector<Step> path_;
-  std::vector<const Declaration*> types_;
+  UTTypeNumbers types_;
+  UTTypeNumber cycle_ = 0;
 };
-
-NSRef<NSSet> supertypesOf(const Declaration& type, const NSDictionary& known) {
-  const NSRef<NSMutableSet> all = NSMutableSet::setWithObjects({stringFrom(type.first)});
-  for (const std::u16string& each : type.second) {
-    const NSRef<NSString> supertype = stringFrom(each);
-    all->addObject(supertype);
-    if (const auto inherited = NSDynamicCast<NSSet>(known.objectForKey(supertype)))
-      for (const NSRef<NSObject> further : *inherited) all->addObject(further);
-  }
-  return all->copy();
-}
 
 }  // namespace
 
-NSRefPtr<NSDictionary> UTSupertypes(const UTTypeDeclarations& declarations, NSRefPtr<NSError>* error) {
-  Order order(declarations);
-  if (!order.find(error)) return nullptr;
-  const NSRef<NSMutableDictionary> supertypes = NSMutableDictionary::dictionary();
+void UTSort(UTTypeNumbers& numbers) {
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+}
+
+bool UTFindSupertypes(const std::vector<UTTypeNumbers>& parents, std::vector<UTIndexedType>& types,
+                      NSRefPtr<NSError>* error) {
+  Order order(parents);
+  if (!order.find())
+    return UTRefuse(
+        error, UTTypeErrorCycle,
+        NSString::stringWithFormat("%@ conforms to a type that conforms to it",
+                                   NSString::stringWithUTF8String(types[order.cycle()].identifier)));
   std::size_t pairs = 0;
-  for (const Declaration* type : order.types()) {
-    const NSRef<NSSet> ofType = supertypesOf(*type, *supertypes);
-    supertypes->setObject(ofType, stringFrom(type->first));
-    pairs += ofType->count();
-    if (pairs > maximumPairs) {
-      UTRefuse(error, UTTypeErrorTooMany, "the declared types conform to too many others");
-      return nullptr;
+  for (const UTTypeNumber type : order.types()) {
+    UTTypeNumbers& supertypes = types[type].supertypes;
+    supertypes = {type};
+    for (const UTTypeNumber parent : parents[type]) {
+      const UTTypeNumbers& inherited = types[parent].supertypes;
+      supertypes.insert(supertypes.end(), inherited.begin(), inherited.end());
     }
+    UTSort(supertypes);
+    pairs += supertypes.size();
+    if (pairs > UTMaximumPairs)
+      return UTRefuse(error, UTTypeErrorTooMany, "the declared types conform to too many others");
   }
-  return supertypes->copy();
+  return true;
 }
