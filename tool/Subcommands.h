@@ -12,3 +12,4 @@ void addDecode(CLI::App& app, Action& action);
 void addDigest(CLI::App& app, Action& action);
 void addKeychain(CLI::App& app, Action& action);
 void addConforms(CLI::App& app, Action& action);
+void addType(CLI::App& app, Action& action);

@@ -48,7 +48,7 @@ std::string version(bool verbose) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Codecs, digests, type conformance and the keychain on the command line", "vxfoundation");
+  CLI::App app("Codecs, digests, types of files and the keychain on the command line", "vxfoundation");
   app.set_version_flag(
       "--version", [&app] { return version(app.count("--verbose") > 0); },
       "Print the version; with --verbose, also the codec kernels in use");
@@ -62,6 +62,7 @@ int run(int argc, char** argv) {
   addDigest(app, action);
   addKeychain(app, action);
   addConforms(app, action);
+  addType(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
