@@ -1,8 +1,14 @@
+#include <CoreServices/UTType.h>
+#include <CoreServices/UTTypeTags.h>
 #include <VXFoundation/VXUTType.h>
 #include <benchmark/benchmark.h>
 #include <gio/gio.h>
 
-/// A query for conformance, compared with GIO's for types of its own database.
+#include <fstream>
+#include <string>
+#include <vector>
+
+/// A query for conformance, compared with GIO's for types of its own database, and what first use costs.
 
 namespace {
 
@@ -19,6 +25,42 @@ void gio(benchmark::State& state, const char* type, const char* other, bool expe
   for (auto _ : state) benchmark::DoNotOptimize(g_content_type_is_a(type, other));
 }
 
+// The first two run before any other query: the first reads the declared types, the second the MIME database.
+void firstUse(benchmark::State& state, const char* type, const char* other) {
+  const NSRef<NSString> a = text(type), b = text(other);
+  for (auto _ : state) benchmark::DoNotOptimize(VXUTTypeConformsTo(a, b));
+}
+
+/// Queries of each of the types for each of them.
+void allPairs(benchmark::State& state, const std::vector<NSRef<NSString>>& types) {
+  if (types.size() < 50) state.SkipWithError("there are too few types");
+  auto type = types.begin(), other = types.begin();
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(VXUTTypeConformsTo(*type, *other));
+    if (++other != types.end()) continue;
+    other = types.begin();
+    if (++type == types.end()) type = types.begin();
+  }
+}
+
+/// The types of the system's MIME database, declared or dynamic.
+std::vector<NSRef<NSString>> databaseTypes(bool dynamic) {
+  std::vector<NSRef<NSString>> types;
+  std::ifstream names("/usr/share/mime/types");
+  for (std::string name; std::getline(names, name);) {
+    const NSRef<NSString> type = UTTypeIdentifierForTag(UTTagClassMIMEType, text(name.c_str()));
+    if (UTTypeIsDynamic(type) == dynamic) types.push_back(type);
+  }
+  return types;
+}
+
+void pairsDeclared(benchmark::State& state) { allPairs(state, databaseTypes(false)); }
+void pairsOfDatabase(benchmark::State& state) { allPairs(state, databaseTypes(true)); }
+
+BENCHMARK_CAPTURE(firstUse, declared, "public.python-script", "public.data")->Iterations(1);
+BENCHMARK_CAPTURE(firstUse, database, "dyn.aqe8xc", "public.data")->Iterations(1);
+BENCHMARK(pairsDeclared);
+BENCHMARK(pairsOfDatabase);
 BENCHMARK_CAPTURE(ours, equal, "public.python-script", "public.python-script", true);
 BENCHMARK_CAPTURE(ours, 1 step, "public.python-script", "public.shell-script", true);
 BENCHMARK_CAPTURE(ours, 2 steps, "public.python-script", "public.script", true);
