@@ -2,8 +2,8 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <openssl/types.h>
 #include <sys/mman.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -72,9 +72,7 @@ PASS_ON(naming, -1, int, renameat2,
 PASS_ON(naming, -1, int, unlinkat, (int folder, const char* path, int flags) noexcept, (folder, path, flags))
 PASS_ON(naming, -1, int, mkdirat, (int folder, const char* path, mode_t mode) noexcept, (folder, path, mode))
 PASS_ON(opening, -1, int, fchmod, (int file, mode_t mode) noexcept, (file, mode))
-PASS_ON(randomness, 0, int, RAND_priv_bytes_ex,
-        (OSSL_LIB_CTX * context, unsigned char* to, size_t size, unsigned strength),
-        (context, to, size, strength))
+PASS_ON(randomness, -1, ssize_t, getrandom, (void* to, size_t size, unsigned flags), (to, size, flags))
 
 #define OPEN(name)                                                              \
   int name(const char* path, int flags, ...) {                                  \

@@ -5,11 +5,11 @@
 #include <openssl/evp.h>
 #include <openssl/kdf.h>
 #include <openssl/params.h>
-#include <openssl/rand.h>
 
 #include <memory>
 
-#include <Security/Libcrypto/SecLibraryContext.h>
+#include <Security/Crypto/SecLibraryContext.h>
+#include <Security/Crypto/SecRandom.h>
 
 namespace {
 
@@ -87,16 +87,13 @@ SecSecret derive(View sharedValue) {
 }  // namespace
 
 SecDesktopExchange::SecDesktopExchange() : privateValue_(valueSize), publicValue_(valueSize) {
-  const auto context = own(BN_CTX_secure_new_ex(secLibraryContext()));
-  const auto exponent = own(BN_secure_new());
   const auto generator = own(BN_new());
   require(BN_set_word(generator.get(), 2));
+  // As an exponent, a number that is not below the prime does as well.
   do {
-    require(BN_priv_rand_range_ex(exponent.get(), prime().get(), 0, context.get()));
-    BN_set_flags(exponent.get(), BN_FLG_CONSTTIME);
-    write(power(generator, exponent), publicValue_);
+    secFillRandom(privateValue_.writableBytes());
+    write(power(generator, numberOf(privateValue_.bytes())), publicValue_);
   } while (publicValue_.front() == std::byte(0xFF));  // KWallet takes it for the sign of a negative number
-  write(exponent, privateValue_.writableBytes());
 }
 
 std::optional<SecSecret> SecDesktopExchange::sharedKey(View peerValue) const {
@@ -112,8 +109,7 @@ std::optional<SecSecret> SecDesktopExchange::sharedKey(View peerValue) const {
 
 SecDesktopBox secDesktopEncrypt(View key, View plaintext) {
   SecDesktopBox box{std::vector<std::byte>(blockSize), std::vector<std::byte>(plaintext.size() + blockSize)};
-  const int result = RAND_bytes_ex(secLibraryContext(), out(box.vector), box.vector.size(), 0);
-  secRequire(result == 1, errSecNotAvailable);
+  secFillRandom(box.vector);
   const auto context = own(EVP_CIPHER_CTX_new());
   int written = 0;
   int last = 0;

@@ -2,7 +2,6 @@
 
 #include <openssl/core_names.h>
 #include <openssl/crypto.h>
-#include <openssl/rand.h>
 
 #include <algorithm>
 #include <array>
@@ -63,11 +62,6 @@ SecView nonceOf(SecView box) { return box.first(secNonceSize); }
 SecView textOf(SecView box) { return box.subspan(secNonceSize, box.size() - secBoxOverhead); }
 
 }  // namespace
-
-void secFillRandom(std::span<std::byte> bytes) {
-  const int result = RAND_priv_bytes_ex(secLibraryContext(), secOut(bytes), bytes.size(), 0);
-  secRequire(result == 1, errSecNotAvailable);
-}
 
 SecSecret secRandomSecret(std::size_t size) {
   SecSecret secret(size);

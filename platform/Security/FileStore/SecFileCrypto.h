@@ -3,22 +3,14 @@
 #include <cstdint>
 #include <string_view>
 
+#include <Security/Crypto/SecRandom.h>
 #include <Security/FileStore/SecFileBytes.h>
 #include <Security/SecSecret.h>
 
 // What the file store needs from libcrypto. All functions fail with errSecAllocate if libcrypto cannot do its
 // work, and are safe from any thread.
 
-/// Fills `bytes` with random bytes; fails with errSecNotAvailable if the system has none.
-void secFillRandom(std::span<std::byte> bytes);
-
-template <std::size_t size>
-std::array<std::byte, size> secRandomBytes() {
-  std::array<std::byte, size> bytes;
-  secFillRandom(bytes);
-  return bytes;
-}
-
+/// Returns a secret of random bytes; fails as secFillRandom.
 SecSecret secRandomSecret(std::size_t size);
 
 /// Returns the SHA-256 digest (FIPS 180-4).

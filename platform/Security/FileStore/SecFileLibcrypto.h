@@ -6,8 +6,8 @@
 
 #include <memory>
 
+#include <Security/Crypto/SecLibraryContext.h>
 #include <Security/FileStore/SecFileBytes.h>
-#include <Security/Libcrypto/SecLibraryContext.h>
 
 // How the file store calls libcrypto: handles that free themselves, results as failures, bytes as libcrypto
 // takes them.
