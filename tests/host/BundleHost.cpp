@@ -30,8 +30,8 @@ std::string ofLibrary(Ask&& ask) {
 std::string failure() {
   try {
     NSRefPtr<NSError> error;
-    VXGenericKeychainItem::alloc()->addItemToKeychain(&error);
-    return shown(error->localizedDescription());
+    const bool added = VXGenericKeychainItem::alloc()->addItemToKeychain(&error);
+    return added ? "(no error)" : shown(error->localizedDescription());
   } catch (const NSException& exception) {
     return shown(exception.name());
   }
