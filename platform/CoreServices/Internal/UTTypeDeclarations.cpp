@@ -34,9 +34,9 @@ bool contains(const Strings& strings, const std::string& string) {
   return std::find(strings.begin(), strings.end(), string) != strings.end();
 }
 
-bool addTags(const NSDictionary& specification, UTTagKind kind, std::string_view tagClass, UTTags& tags) {
+bool addTags(const NSDictionary& byClass, UTTagKind kind, std::string_view tagClass, UTTags& tags) {
   const NSRefPtr<NSString> key = NSString::stringWithUTF8String(tagClass);
-  const auto strings = stringsIn(specification.objectForKey(key));
+  const auto strings = stringsIn(byClass.objectForKey(key));
   if (!strings) return false;
   for (const std::string& each : *strings) {
     const auto tag = UTTagFrom(kind, each);
@@ -50,9 +50,9 @@ bool addTags(const NSDictionary& specification, UTTagKind kind, std::string_view
 std::optional<UTTags> tagsIn(const NSRefPtr<NSObject>& object) {
   UTTags tags;
   if (!object) return tags;
-  const NSRefPtr<NSDictionary> specification = NSDynamicCast<NSDictionary>(object);
-  if (!specification || !addTags(*specification, UTTagKind::extension, UTExtensionClassName, tags) ||
-      !addTags(*specification, UTTagKind::mimeType, UTMIMETypeClassName, tags))
+  const NSRefPtr<NSDictionary> byClass = NSDynamicCast<NSDictionary>(object);
+  if (!byClass || !addTags(*byClass, UTTagKind::extension, UTExtensionClassName, tags) ||
+      !addTags(*byClass, UTTagKind::mimeType, UTMIMETypeClassName, tags))
     return std::nullopt;
   return tags;
 }

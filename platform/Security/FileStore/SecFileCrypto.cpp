@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-#include <Security/FileStore/SecFileLibcrypto.h>
+#include <Security/Crypto/SecLibcrypto.h>
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <openssl/core_names.h>
 
-#include <Security/FileStore/SecFileLibcrypto.h>
+#include <Security/Crypto/SecLibcrypto.h>
 
 namespace {
 
