@@ -41,7 +41,7 @@ class SecStorageConformance {
 
  private:
   static void expectLongValues() {
-    for (const std::size_t size : {1'000, 100'000}) {
+    for (const std::size_t size : std::initializer_list<std::size_t>{1'000, 100'000}) {
       const std::string entry = "class=generic service=long account=" + std::string(size, 'a');
       const std::string secret = " valueData=" + std::string(size, 's');
       expectStep("add " + entry + secret, "0");
