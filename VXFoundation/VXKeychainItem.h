@@ -41,18 +41,20 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
 
   /// Adds an entry with the item's fields. The dictionary passed to the store, with the secret, becomes the
   /// request.
-  [[nodiscard]] virtual bool addItemToKeychain(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool addItemToKeychain(NSRefPtr<NSError>* error = nullptr);
   /// Sets the fields to those of the entry that the request finds. Asserts that the request is not nil; if
   /// the assertion handler returns, a nil request results in the error -200. With data, the response must
   /// satisfy dictHasVaildKeychainData, else the error has code 0; without data, the secret is left unchanged.
-  [[nodiscard]] virtual bool refreshItemFromKeychainIncludeData(bool includeData,
-                                                                NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool refreshItemFromKeychainIncludeData(
+      bool includeData, NSRefPtr<NSError>* error = nullptr);
   /// Updates the entry that the request finds with the item's fields. Asserts that neither response nor
   /// request is nil, and leaves both unchanged.
-  [[nodiscard]] virtual bool updateItemInKeychain(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool updateItemInKeychain(
+      NSRefPtr<NSError>* error = nullptr);
   /// Deletes the entry that has the item's current fields. If there is none, returns true but still sets the
   /// error -201.
-  [[nodiscard]] virtual bool deleteItemFromKeychain(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool deleteItemFromKeychain(
+      NSRefPtr<NSError>* error = nullptr);
 
   /// Changes the entry of the response, and no other, to the item's fields, then sets request and response
   /// from the entry as it now is, so that a renamed item can be refreshed. A field that is nil stays what it
@@ -60,11 +62,11 @@ class NS_EXPORT VXKeychainItem : public NSObject::Subclass<VXKeychainItem> {
   /// label. Raises the invalid-argument exception without a response. Returns false, with the error, where
   /// the fields are invalid, where the store refuses the change, and where it fails to return the entry after
   /// it was changed.
-  [[nodiscard]] virtual bool updateAndFollow(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool updateAndFollow(NSRefPtr<NSError>* error = nullptr);
   /// Deletes the entry of the response, and no other; the secret need not be loaded. Raises the
   /// invalid-argument exception without a response. Succeeds where the entry is gone, but gives the error
   /// -201 even so.
-  [[nodiscard]] virtual bool deleteFoundItem(NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool deleteFoundItem(NSRefPtr<NSError>* error = nullptr);
 
   /// The fields, each of which may be nil. Setters copy their argument; the store is not accessed.
   ///@{
@@ -119,8 +121,8 @@ class NS_EXPORT VXPasswordKeychainItem : public VXKeychainItem::Subclass<VXPassw
   void setPassword(NSStringArg password);
 
   /// Does the same as refreshItemFromKeychainIncludeData; here the data is the password.
-  [[nodiscard]] virtual bool refreshItemFromKeychainIncludePassword(bool includePassword,
-                                                                    NSRefPtr<NSError>* error = nullptr);
+  [[nodiscard, gnu::warn_unused_result]] virtual bool refreshItemFromKeychainIncludePassword(
+      bool includePassword, NSRefPtr<NSError>* error = nullptr);
 
   /// As in VXKeychainItem, and the secret must be UTF-8.
   bool dictHasVaildKeychainData(const NSRefPtr<NSDictionary>& dictionary) const override;
