@@ -27,6 +27,10 @@ std::optional<Sentences> sentencesFor(std::int64_t status) {
     case errSecDecode:
       return Sentences{"Your keychain is damaged; it was left as it is.",
                        "Restore it from a backup, or rescue the items that can still be read."};
+    case errSecRolledBack:
+      return Sentences{
+          "Your keychain was put back to an earlier state.",
+          "Accept that state if you restored a backup; otherwise find out who replaced the file."};
     case errSecUserCanceled:
       return Sentences{"The prompt was dismissed.", "Try again, and answer the prompt."};
     case errSecDiskFull:
