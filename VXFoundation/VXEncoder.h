@@ -12,6 +12,7 @@
 /// of text is a byte of ASCII. What it keeps of the bytes is cleansed from memory. For one thread at a time.
 class NS_EXPORT VXEncoder {
  public:
+  /// Begins an empty text.
   explicit VXEncoder(VXNotation notation) noexcept;
   VXEncoder(const VXEncoder&) = delete;
   VXEncoder& operator=(const VXEncoder&) = delete;

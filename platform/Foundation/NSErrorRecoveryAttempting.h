@@ -45,6 +45,7 @@ class NS_EXPORT NSErrorRecoveryAttempting {
     if (delegate) callback = std::bind_front(didRecoverSelector, delegate);
     attemptRecoveryFromError(error, optionIndex, callback, contextInfo);
   }
+  /// The same for a delegate that is not nil.
   template <class Delegate, NSDidRecoverSelector<Delegate> Selector>
   void attemptRecoveryFromError(const NSRefPtr<NSError>& error, std::size_t optionIndex,
                                 const NSRef<Delegate>& delegate, Selector didRecoverSelector,
@@ -52,6 +53,7 @@ class NS_EXPORT NSErrorRecoveryAttempting {
     attemptRecoveryFromError(error, optionIndex, NSRefPtr<Delegate>(delegate), didRecoverSelector,
                              contextInfo);
   }
+  /// The same without a delegate.
   template <class Selector>
   requires std::is_member_function_pointer_v<Selector>
   void attemptRecoveryFromError(const NSRefPtr<NSError>& error, std::size_t optionIndex, std::nullptr_t,

@@ -116,28 +116,28 @@ class NS_EXPORT NSObject {
 };
 
 /// Returns whether two objects are equal by value, as isEqual of the first says. Handles are compared by
-/// identity:
-/// `*a == *b` compares the objects, `a == b` asks whether they are the same one.
+/// identity: `*a == *b` compares the objects, `a == b` asks whether they are the same one.
 inline bool operator==(const NSObject& a, const NSObject& b) {
   return a.isEqual(NSRefPtr<NSObject>(const_cast<NSObject*>(&b)));
 }
 
 /// For containers of the standard library whose keys are handles, none of them nil, compared by value, as in
 /// std::unordered_map<NSRef<NSString>, int, NSValueHash, NSValueEqual>.
-///@{
 struct NSValueHash {
+  /// Returns the object's hash.
   template <class Handle>
   std::size_t operator()(const Handle& object) const {
     return object->hash();
   }
 };
+/// The equality that goes with NSValueHash.
 struct NSValueEqual {
+  /// Returns whether the objects are equal.
   template <class Handle, class Other>
   bool operator()(const Handle& a, const Other& b) const {
     return *a == *b;
   }
 };
-///@}
 
 /// The class that allocation instantiates.
 template <class Self>

@@ -169,6 +169,7 @@ NS_EXPORT std::strong_ordering operator<=>(const NSString& a, const NSString& b)
 /// For ordered containers whose keys are handles to strings, none of them nil, as in
 /// std::map<NSRef<NSString>, int, NSStringLess>.
 struct NSStringLess {
+  /// Returns whether the first string comes before the second.
   template <class Handle, class Other>
   bool operator()(const Handle& a, const Other& b) const {
     return *a < *b;
@@ -178,5 +179,6 @@ struct NSStringLess {
 /// The hash of a string, by value.
 template <>
 struct std::hash<NSString> {
+  /// Returns the string's hash.
   std::size_t operator()(const NSString& string) const { return string.hash(); }
 };

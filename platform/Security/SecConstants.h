@@ -35,6 +35,7 @@ NS_EXPORT extern const NSRef<NSString>& kSecReturnData;
 /// The key of how many matches SecItemCopyMatching returns, as an array: a number from 1 on, or
 /// kSecMatchLimitAll. Without it, it returns one match, and no array.
 NS_EXPORT extern const NSRef<NSString>& kSecMatchLimit;
+/// The value of that key for all matches.
 NS_EXPORT extern const NSRef<NSString>& kSecMatchLimitAll;
 /// The key of a number that says whether the query's identity must be the entry's, so that a query without a
 /// port, path or protocol stands for the entry that has none.

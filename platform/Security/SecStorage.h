@@ -25,8 +25,8 @@ enum class SecSecrets {
 
 /// One row of a storage: an entry, and the number by which the storage knows it within one transaction.
 struct SecRow {
-  std::int64_t number = 0;
-  SecEntry entry;  ///< a copy; the secret is empty where secrets are skipped
+  std::int64_t number = 0;  ///< of the row, within the transaction
+  SecEntry entry;           ///< a copy; the secret is empty where secrets are skipped
 };
 
 /// The operations of one transaction. Each fails by throwing SecFailure, which the caller must let pass: the
