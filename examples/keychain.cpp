@@ -19,12 +19,19 @@ NSRef<NSError> withRecovery(const NSError& error, const NSRef<VXErrorRecoveryAtt
   return NSError::errorWithDomain(error.domain(), error.code(), userInfo);
 }
 
-/// Does what a window would do: shows the description and the options, and takes the user's choice, here the
-/// first option.
+NSRef<NSString> titleOf(NSStringArg option) {
+  return NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier)
+      ->localizedStringForKey(option, nullptr, "Recovery");
+}
+
+/// Does what a window would do: shows the description, what happened and what to do, and the options, and
+/// takes the user's choice, here the first option.
 class Presenter final : public NSErrorPresenter {
   std::optional<std::size_t> choose(const NSError& error, const NSArray& localizedOptions) override {
-    std::cout << *error.localizedDescription()
-              << "\n  options: " << *localizedOptions.componentsJoinedByString(", ")
+    std::cout << *error.localizedDescription() << '\n';
+    if (const auto explanation = VXKeychainErrorExplanation(NSRefPtr(const_cast<NSError*>(&error))))
+      std::cout << *explanation->whatHappened << '\n' << *explanation->whatToDo << '\n';
+    std::cout << "  options: " << *localizedOptions.componentsJoinedByString(", ")
               << "\n  chosen: " << *localizedOptions.objectAtIndex(0)->description() << '\n';
     return 0;
   }
@@ -34,7 +41,7 @@ bool replacePassword(NSStringArg username, NSStringArg serviceName, NSStringArg 
   const auto item = VXGenericKeychainItem::findKeychainItemForUsername(username, serviceName);
   if (!item->refreshItemFromKeychainIncludePassword(false)) return false;
   item->setPassword(password);
-  return item->updateItemInKeychain();
+  return item->updateAndFollow();
 }
 
 void genericPassword() {
@@ -45,8 +52,9 @@ void genericPassword() {
   const auto twin = VXGenericKeychainItem::keychainItemWithUsername("ann", "second secret", "Mail", "mail");
   report("add it again", twin->addItemToKeychain(&error));
   const auto attempter = VXErrorRecoveryAttempter::errorRecoveryAttempter();
-  attempter->addRecoveryOptionWithLocalizedTitle(
-      "Replace", [](const NSRefPtr<NSError>&) { return replacePassword("ann", "mail", "second secret"); });
+  attempter->addRecoveryOptionWithLocalizedTitle(titleOf("Replace"), [](const NSRefPtr<NSError>&) {
+    return replacePassword("ann", "mail", "second secret");
+  });
   attempter->addCancelRecoveryOption();
   report("recover", Presenter().presentError(withRecovery(*error, attempter)));
 
