@@ -54,7 +54,7 @@ SecFileInfo infoOf(SecFileStorage& file) {
 }
 
 bool hasPassphrase(const SecFileInfo& info) {
-  return std::any_of(info.slots.begin(), info.slots.end(), [](const SecFileSlotInfo& slot) {
+  return std::any_of(info.keySlots.begin(), info.keySlots.end(), [](const SecFileSlotInfo& slot) {
     return slot.protection == SecFileProtection::passphrase;
   });
 }

@@ -40,7 +40,7 @@ namespace {
 
 std::string describe(const SecFileInfo& info) {
   std::string all;
-  for (const SecFileSlotInfo& slot : info.slots) {
+  for (const SecFileSlotInfo& slot : info.keySlots) {
     if (!all.empty()) all += " or ";
     if (slot.protection == SecFileProtection::keyFile) all += "key file " + slot.keyFile;
     if (slot.protection == SecFileProtection::passphrase) all += "passphrase";

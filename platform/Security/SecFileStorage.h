@@ -30,7 +30,7 @@ struct SecFileInfo {
   /// The path of the store file, with symbolic links in its folder resolved.
   std::string path;
   /// What opens it; any one of them is enough.
-  std::vector<SecFileSlotInfo> slots;
+  std::vector<SecFileSlotInfo> keySlots;
   /// Whether access to its entries is refused until it is unlocked.
   bool locked = false;
   /// The number of entries, which a locked store reports too.

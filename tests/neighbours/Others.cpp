@@ -1,5 +1,7 @@
 // Other headers and macros, included before ours or, with OURS_FIRST, after them.
 #ifdef OURS_FIRST
+#include <Security/SecDesktopStorage.h>
+#include <Security/SecFileStorage.h>
 #include <VXFoundation/VXFoundation.h>
 #endif
 // Others:
@@ -20,6 +22,8 @@
 #define forever for (;;)
 #define Q_OBJECT
 // Ours:
+#include <Security/SecDesktopStorage.h>
+#include <Security/SecFileStorage.h>
 #include <VXFoundation/VXFoundation.h>
 
 #ifdef OURS_FIRST
