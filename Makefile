@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large prove
+.PHONY: demo check desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -49,6 +49,10 @@ reference:
 
 large:
 	scripts/large
+
+# The pictures of the window in README.md, drawn without a screen.
+pictures:
+	scripts/pictures
 
 prove:
 	scripts/prove
