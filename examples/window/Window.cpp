@@ -10,6 +10,7 @@
 
 #include "examples/window/ConversionPanel.h"
 #include "examples/window/Localised.h"
+#include "examples/window/TypePanel.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ Window::Window(const QString& place)
   rows->addWidget(passwords_);
   tabs_->addTab(page, localised("&Passwords"));
   tabs_->addTab(new ConversionPanel(background_), localised("&Text and digests"));
+  tabs_->addTab(new TypePanel, localised("&File types"));
   tabs_->setDocumentMode(true);
   setCentralWidget(tabs_);
 

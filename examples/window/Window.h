@@ -9,7 +9,7 @@
 #include "examples/window/Background.h"
 #include "examples/window/PasswordPanel.h"
 
-/// The window: passwords and conversions, each behind a tab, and a bar that shows when it waits.
+/// The window: passwords, conversions and types, each behind a tab, and a bar that shows when it waits.
 class Window : public QMainWindow {
  public:
   /// Shows the store at a place; see Store::choose.
