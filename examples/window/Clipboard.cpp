@@ -5,6 +5,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMimeData>
 
 namespace {
 
@@ -24,7 +25,10 @@ Clipboard::Clipboard() {
 
 void Clipboard::copy(const QString& password) {
   digest_ = digestOf(password);
-  QGuiApplication::clipboard()->setText(password);
+  auto* data = new QMimeData;
+  data->setText(password);
+  data->setData("x-kde-passwordManagerHint", "secret");  // which histories of the clipboard heed
+  QGuiApplication::clipboard()->setMimeData(data);
   timer_.start();
 }
 

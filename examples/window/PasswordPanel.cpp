@@ -148,7 +148,7 @@ void PasswordPanel::filter() {
   }
   int row = 0;
   while (row < table_->rowCount() && table_->isRowHidden(row)) ++row;
-  if (table_->currentRow() < 0 || table_->isRowHidden(table_->currentRow())) {
+  if (!selected()) {
     if (row < table_->rowCount())
       table_->selectRow(row);
     else
@@ -196,8 +196,9 @@ void PasswordPanel::change(const Entry& entry) {
   const Passwords::Item item = *selected();
   const Done changed = [this] { reload(); };
   const auto inPlace = [item, entry] { return Passwords::changeInPlaceOfOther(item, entry); };
-  perform([item, entry] { return Passwords::change(item, entry); }, changed,
-          {{"Replace", [=, this] { perform(inPlace, changed); }}});
+  std::vector<Recovery> recoveries;
+  if (Passwords::isForService(*item)) recoveries = {{"Replace", [=, this] { perform(inPlace, changed); }}};
+  perform([item, entry] { return Passwords::change(item, entry); }, changed, recoveries);
 }
 
 void PasswordPanel::remove() {

@@ -20,7 +20,7 @@ NSRefPtr<NSError> add(const Entry& entry);
 /// Adds an entry in place of the one with the same account and service.
 NSRefPtr<NSError> replace(const Entry& entry);
 NSRefPtr<NSError> change(const Item& item, const Entry& entry);
-/// Changes an item that becomes the same as another one, which is deleted.
+/// Changes an item of a service that becomes the same as another one, which is deleted.
 NSRefPtr<NSError> changeInPlaceOfOther(const Item& item, const Entry& entry);
 NSRefPtr<NSError> remove(const Item& item);
 /// Sets `password` to the item's password.

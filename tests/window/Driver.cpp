@@ -2,13 +2,13 @@
 // and what the store holds. scripts/Window.txt has the steps.
 #include <Security/SecFileStorage.h>
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
 #include <QHeaderView>
 #include <QPainter>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -36,8 +36,14 @@ QWidget* focused(Window& window) {
 
 /// Whether a button is down, as one is for a moment after its shortcut was pressed.
 bool hasButtonDown(const QWidget& front) {
-  const auto buttons = front.findChildren<QAbstractButton*>();
+  const auto buttons = front.findChildren<QPushButton*>();
   return std::any_of(buttons.begin(), buttons.end(), [](const auto* each) { return each->isDown(); });
+}
+
+QStringList buttonsOf(const QWidget& front) {
+  QStringList titles;
+  for (const auto* each : front.findChildren<QPushButton*>()) titles += each->text();
+  return titles;
 }
 
 /// Returns all that a window shows to a person, in lines.
@@ -58,22 +64,35 @@ QString shownBy(const QWidget& front) {
   return all;
 }
 
-/// Returns the entries of the store, oldest first, as ACCOUNT/PLACE=PASSWORD(LABEL).
+QString entryOf(const NSRef<VXPasswordKeychainItem>& item) {
+  const Entry entry = Passwords::entryOf(*item);
+  return entry.account + (Passwords::isForService(*item) ? "/" : "///") + entry.place + "=" +
+         VXQt::qString(item->password()) + "(" + entry.label + ")";
+}
+
+/// Returns the entries of the store, those for services first, as ACCOUNT/PLACE=PASSWORD(LABEL); the place of
+/// a server begins with two slashes.
 QString storeContent() {
-  const auto all = VXGenericKeychainItem::findAllKeychainItemsForUsername(nullptr, nullptr, true);
-  if (!all) return "an error";
+  const auto ofServices = VXGenericKeychainItem::findAllKeychainItemsForUsername(nullptr, nullptr, true);
+  const auto ofServers = VXInternetKeychainItem::findAllKeychainItemsForUsername(
+      nullptr, nullptr, nullptr, 0, VXInternetKeychainItemProtocolNone, true);
+  if (!ofServices || !ofServers) return "an error";
   QStringList entries;
-  for (const NSRef<NSObject> each : *all) {
-    const NSRef<VXGenericKeychainItem> item = NSDynamicCast<VXGenericKeychainItem>(each);
-    entries += VXQt::qString(item->username()) + "/" + VXQt::qString(item->serviceName()) + "=" +
-               VXQt::qString(item->password()) + "(" + VXQt::qString(item->label()) + ")";
-  }
+  for (const auto& found : {ofServices, ofServers})
+    for (const NSRef<NSObject> each : *found) entries += entryOf(NSDynamicCast<VXPasswordKeychainItem>(each));
   return entries.join(" ");
 }
 
 QString put(const QStringList& words) {
-  const auto item = VXGenericKeychainItem::keychainItemWithUsername(
-      VXQt::string(words[0]), VXQt::string(words[2]), VXQt::string(words[3]), VXQt::string(words[1]));
+  const auto account = VXQt::string(words[0]), password = VXQt::string(words[2]),
+             label = VXQt::string(words[3]);
+  const auto place = VXQt::string(words[1]);
+  NSRefPtr<VXPasswordKeychainItem> item =
+      VXGenericKeychainItem::keychainItemWithUsername(account, password, label, place);
+  if (words[1].startsWith("//"))
+    item = VXInternetKeychainItem::keychainItemWithUsername(account, password, label,
+                                                            VXQt::string(words[1].mid(2)), nullptr, 0,
+                                                            VXInternetKeychainItemProtocolHTTPS);
   return item->addItemToKeychain() ? "" : "an error";
 }
 
@@ -125,7 +144,8 @@ class Driver {
   /// Performs the next step, unless the window waits and the step is not about that.
   void step() {
     if (pauses_ || (window_ && hasButtonDown(*frontWindow(*window_)))) return;
-    if (window_ && !frontWindow(*window_)->isActiveWindow()) return frontWindow(*window_)->activateWindow();
+    if (window_ && !QApplication::activePopupWidget() && !frontWindow(*window_)->isActiveWindow())
+      return frontWindow(*window_)->activateWindow();
     if (window_ && window_->waits() && !next_.startsWith("waits")) return;
     const QString current = std::exchange(next_, read());
     if (!current.isEmpty()) compare(current);
@@ -191,6 +211,7 @@ class Driver {
   QString ask(const QString& question, const QString& rest) {
     if (question == "store") return storeContent();
     if (question == "clipboard") return QApplication::clipboard()->text();
+    if (question == "buttons") return buttonsOf(*frontWindow(*window_)).join(", ");
     if (question == "waits") return window_->waits() ? "yes" : "no";
     if (question == "shows") return shownBy(*frontWindow(*window_)).contains(rest) ? "yes" : "no";
     return "there is no step " + question;
