@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <Security/FileStore/SecFileCreation.h>
+#include <Security/FileStore/SecFileLeftovers.h>
 #include <Security/FileStore/SecFileMigration.h>
 #include <Security/FileStore/SecFileOperations.h>
 #include <Security/FileStore/SecFileProtecting.h>
@@ -129,4 +130,25 @@ OSStatus SecFileStorage::verify() { return implementation_->alone(secVerify); }
 OSStatus SecFileStorage::salvage(const SecFilePlace& place, Bytes passphrase,
                                  const std::function<void(SecEntry)>& visit) {
   return secStatusOf([&] { secSalvage(secFindSite(place, false), passphrase, visit); });
+}
+
+OSStatus SecFileStorage::salvage(const SecFilePlace& place, Bytes passphrase, SecStorage& to,
+                                 std::uint64_t& entries) {
+  std::uint64_t count = 0;
+  const OSStatus status = to.transact(Access::change, [&](SecTransaction& transaction) {
+    secCheck(salvage(place, passphrase, [&](const SecEntry& entry) {
+      transaction.insert(entry);
+      ++count;
+    }));
+  });
+  if (status == errSecSuccess) entries = count;
+  return status;
+}
+
+OSStatus SecFileStorage::keptKeys(const SecFilePlace& place, std::vector<SecFileKeptKey>& keys) {
+  return secStatusOf([&] { keys = secJudgeKeyFiles(place); });
+}
+
+OSStatus SecFileStorage::eraseKeptKey(const SecFilePlace& place, const std::string& path) {
+  return secStatusOf([&] { secEraseKeyFile(place, path); });
 }

@@ -15,6 +15,7 @@
 
 /// One way to open a store.
 struct SecFileSlotInfo {
+  std::string name;                                           ///< 32 hexadecimal digits; empty in format 1
   SecFileProtection protection = SecFileProtection::keyFile;  ///< what opens it
   std::string keyFile;                                        ///< the path of its key file, or empty
 };
@@ -23,6 +24,19 @@ struct SecFileSlotInfo {
 struct SecFileFormerCopy {
   std::string path;     ///< of the copy
   std::string keyFile;  ///< the path of the key file that opens it, or empty
+};
+
+/// A key that is kept for one store or another.
+struct SecFileKeptKey {
+  /// Whether a store needs it.
+  enum class Use {
+    used,      ///< a store names it, or may do so
+    leftover,  ///< the store that it was made for can be reached, and does not name it
+    unknown,   ///< its store cannot be reached, or nothing says which store that is
+  };
+  std::string path;   ///< of the key file
+  std::string store;  ///< the path of the store that it was made for, or empty
+  Use use = Use::unknown;
 };
 
 /// What is known about a store without decrypting any entry.
@@ -111,6 +125,18 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
   /// anything.
   static OSStatus salvage(const SecFilePlace& place, Bytes passphrase,
                           const std::function<void(SecEntry)>& visit);
+  /// Adds all of them to another storage, in one transaction, and sets `entries` to their number;
+  /// errSecDuplicateItem, and nothing is added, if that storage has one of them.
+  static OSStatus salvage(const SecFilePlace& place, Bytes passphrase, SecStorage& to,
+                          std::uint64_t& entries);
+
+  /// Sets `keys` to the key files in the key folder of a place, whatever store they were made for. Reads the
+  /// stores that they name, and waits for those that are being written.
+  static OSStatus keptKeys(const SecFilePlace& place, std::vector<SecFileKeptKey>& keys);
+  /// Overwrites and removes a key file by its path, after judging it again: errSecParam if a store needs it
+  /// or may do so, or if it is not a key file of that folder; errSecBusy while keys are being made. Nothing
+  /// that needs the key, such as a backup, can be opened after that.
+  static OSStatus eraseKeptKey(const SecFilePlace& place, const std::string& path);
 
  private:
   class Implementation;

@@ -53,7 +53,7 @@ std::string pathIn(const std::string& folder, const std::string& name) {
 
 void readFormer(SecFileInfo& info, SecFormat1Store& former, const std::string& keyFolder) {
   const bool hasFile = former.protection() == SecFileProtection::keyFile;
-  info.keySlots.push_back({former.protection(), hasFile ? pathIn(keyFolder, former.keyFileName()) : ""});
+  info.keySlots.push_back({"", former.protection(), hasFile ? pathIn(keyFolder, former.keyFileName()) : ""});
   info.entries = former.count();
 }
 
@@ -99,8 +99,8 @@ SecFileInfo secInfo(SecFileSession& session) {
   } else {
     for (const SecFileSlot& slot : reading.header().slots) {
       const bool hasFile = slot.protection == SecFileProtection::keyFile;
-      info.keySlots.push_back(
-          {slot.protection, hasFile ? pathIn(keyFolder, secKeyFileName(slot.number)) : ""});
+      info.keySlots.push_back({secHexadecimal(slot.number), slot.protection,
+                               hasFile ? pathIn(keyFolder, secKeyFileName(slot.number)) : ""});
     }
     info.entries = secCountEntries(reading.database());
   }
