@@ -121,6 +121,8 @@ TEST(ToolTerminal, FollowsTheScript) {
     folder.emplace();
     const std::string store = "--keychain " + (folder->root / "store").string();
     setenv("tool", VX_TOOL " keychain", 1);
+    setenv("vectors", VX_TESTS "/vectors", 1);
+    setenv("root", folder->root.c_str(), 1);
     setenv("store", store.c_str(), 1);
     setenv("entry", (store + " --account ann --service mail").c_str(), 1);
     setenv("XDG_CONFIG_HOME", folder->root.c_str(), 1);

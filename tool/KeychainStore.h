@@ -1,26 +1,32 @@
 #pragma once
 
+#include <Security/SecStorage.h>
+
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "tool/Subcommands.h"
-
-/// Which store the keychain subcommands act on.
+/// Which store the keychain subcommands act on. Opening throws Failure if it is not possible.
 struct KeychainStore {
   // Empty for the user's file, ":memory:" for a store that ends with the process, ":desktop:" for the
   // desktop's credential service.
   std::string place;
   std::optional<int> passphraseDescriptor;
   bool noPrompt = false;
+  bool allowSharedFolder = false;
+
+  /// Accepts what may be a place.
+  static const CLI::Validator isPlace;
 
   void addOptions(CLI::App& keychain);
 
-  /// Makes it the process's default store, unlocked if that takes no passphrase or one can be obtained.
-  /// Throws Failure if it cannot be opened.
+  bool isInMemory() const;
+  bool isOnDesktop() const;
+  /// Opens it, unlocked if that takes no passphrase.
+  std::shared_ptr<SecStorage> openAsItIs() const;
+  /// Opens it, unlocked if that takes no passphrase or one can be obtained.
+  std::shared_ptr<SecStorage> openUnlocked() const;
+  /// Does the same, and makes it the process's default store.
   void open() const;
 };
-
-/// Adds `keychain info`, `keychain verify` and `keychain passphrase`.
-void addKeychainStore(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store);

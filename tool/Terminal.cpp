@@ -154,6 +154,17 @@ NSRef<NSData> askSecret(const std::string& question) {
   return answer;
 }
 
+bool agrees(const std::string& question) {
+  for (;;) {
+    show(question + " [y/n] ");
+    const NSRefPtr<NSData> line = readSecretLine(STDIN_FILENO);
+    if (!line) return show("\n"), false;
+    const auto answer = line->bytes();
+    const bool isYes = answer.size() == 1 && answer[0] == std::byte{'y'};
+    if (isYes || (answer.size() == 1 && answer[0] == std::byte{'n'})) return isYes;
+  }
+}
+
 std::optional<std::size_t> TerminalPresenter::choose(const NSError& error, const NSArray& localizedOptions) {
   for (;;) {
     show(explain(error) + '\n');

@@ -20,6 +20,10 @@ bool hasTerminal();
 /// readSecretLine.
 NSRef<NSData> askSecret(const std::string& question);
 
+/// Asks the person at the terminal a question until the answer is y or n; returns whether it is y, and false
+/// at the end of the input.
+bool agrees(const std::string& question);
+
 /// Reads one line from a descriptor, without its end; the result is cleansed from memory after use. Returns
 /// nil at the end of the input. Throws Failure if it cannot be read, or if it was typed and so long that the
 /// terminal may have cut it.

@@ -6,6 +6,7 @@
 #include "tool/Failure.h"
 #include "tool/KeychainEntry.h"
 #include "tool/KeychainStore.h"
+#include "tool/KeychainUpkeep.h"
 #include "tool/StandardStreams.h"
 #include "tool/Subcommands.h"
 #include "tool/Terminal.h"
@@ -147,5 +148,6 @@ void addKeychain(CLI::App& app, Action& action) {
   const auto [command, request] = subcommand("show", "Show an entry, without its password", show);
   command->add_flag("--password", request->password, "Show only the password");
   subcommand("delete", "Delete all entries that match the options", remove);
-  addKeychainStore(*keychain, action, store);
+  for (const auto add : {addKeychainInfo, addKeychainProtection, addKeychainSlots, addKeychainRepair})
+    add(*keychain, action, store);
 }

@@ -1,0 +1,69 @@
+#include "tool/KeychainFile.h"
+
+#include <algorithm>
+
+#include "tool/Failure.h"
+#include "tool/Terminal.h"
+
+namespace {
+
+bool hasPassphrase(const SecFileInfo& info) {
+  return std::any_of(info.keySlots.begin(), info.keySlots.end(), [](const SecFileSlotInfo& slot) {
+    return slot.protection == SecFileProtection::passphrase;
+  });
+}
+
+}  // namespace
+
+SecFilePlace placeOf(const KeychainStore& store) {
+  if (store.isInMemory()) throw Failure("a keychain in memory has no file");
+  if (store.isOnDesktop()) throw Failure("the desktop's keychain has no file of its own");
+  SecFilePlace place;
+  requireSuccess(store.place.empty() ? secDefaultFilePlace(place) : secFilePlaceAt(store.place, place),
+                 "the keychain cannot be located");
+  place.allowSharedFolder = store.allowSharedFolder;
+  return place;
+}
+
+std::unique_ptr<SecFileStorage> openStoreFile(const KeychainStore& store, SecFileStorage::Missing missing) {
+  std::unique_ptr<SecFileStorage> file;
+  requireSuccess(SecFileStorage::open(placeOf(store), missing, file), "the keychain cannot be opened");
+  return file;
+}
+
+SecFileInfo infoOf(SecFileStorage& file) {
+  SecFileInfo info;
+  requireSuccess(file.info(info), "the keychain cannot be read");
+  return info;
+}
+
+NSRefPtr<NSData> readPassphrase(const KeychainStore& store, const std::string& question) {
+  if (store.passphraseDescriptor) {
+    const NSRefPtr<NSData> line = readSecretLine(*store.passphraseDescriptor);
+    if (!line) throw Failure("there is no passphrase to read");
+    return line;
+  }
+  return isOnTerminal() ? NSRefPtr<NSData>(askSecret(question)) : nullptr;
+}
+
+NSRef<NSData> readNewPassphrase(const KeychainStore& store) {
+  const NSRefPtr<NSData> entered = readPassphrase(store, "New passphrase");
+  if (!entered) throw Failure("a passphrase must come from a terminal or from --passphrase-fd");
+  if (entered->length() == 0) throw Failure("the new passphrase is empty");
+  if (store.passphraseDescriptor) return entered;
+  if (!entered->isEqual(askSecret("Repeat the new passphrase"))) throw Failure("the two passphrases differ");
+  return entered;
+}
+
+void unlock(SecFileStorage& file, const KeychainStore& store) {
+  const SecFileInfo info = infoOf(file);
+  if (!info.locked || !hasPassphrase(info)) return;
+  const NSRefPtr<NSData> entered = readPassphrase(store, "Passphrase of " + info.path);
+  if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain cannot be unlocked");
+}
+
+std::unique_ptr<SecFileStorage> openForUpkeep(const KeychainStore& store) {
+  std::unique_ptr<SecFileStorage> file = openStoreFile(store, SecFileStorage::Missing::refuse);
+  unlock(*file, store);
+  return file;
+}

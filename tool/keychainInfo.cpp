@@ -1,0 +1,53 @@
+#include <algorithm>
+
+#include "tool/Failure.h"
+#include "tool/KeychainFile.h"
+#include "tool/KeychainUpkeep.h"
+#include "tool/StandardStreams.h"
+
+namespace {
+
+/// Returns a line for each copy in a former format and for each key file that no store needs.
+std::string leftovers(const KeychainStore& store, SecFileStorage& file) {
+  std::string all;
+  for (const SecFileFormerCopy& copy : infoOf(file).formerCopies) {
+    all += "former copy: " + copy.path;
+    all += copy.keyFile.empty() ? "\n" : ", opened by " + copy.keyFile + '\n';
+  }
+  std::vector<SecFileKeptKey> keys;
+  requireSuccess(SecFileStorage::keptKeys(placeOf(store), keys), "the key files cannot be read");
+  for (const SecFileKeptKey& key : keys)
+    if (key.use == SecFileKeptKey::Use::leftover)
+      all += "leftover: " + key.path + ", made for " + key.store + '\n';
+  return all;
+}
+
+int showInfo(const KeychainStore& store) {
+  const std::shared_ptr<SecStorage> storage = store.openAsItIs();
+  SecStorageInfo info;
+  requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
+  writeStandardOutput("store: " + info.place + "\nprotection: " + info.protection +
+                      "\nentries: " + std::to_string(info.entries) + '\n');
+  if (const auto file = std::dynamic_pointer_cast<SecFileStorage>(storage))
+    writeStandardOutput(leftovers(store, *file));
+  return 0;
+}
+
+int verify(const KeychainStore& store) {
+  const auto file = openStoreFile(store, SecFileStorage::Missing::make);
+  unlock(*file, store);
+  requireSuccess(file->verify(), "the keychain failed verification");
+  writeStandardOutput("intact, entries: " + std::to_string(infoOf(*file).entries) + '\n');
+  return 0;
+}
+
+}  // namespace
+
+void addKeychainInfo(CLI::App& keychain, Action& action, const std::shared_ptr<KeychainStore>& store) {
+  keychain
+      .add_subcommand("info", "Show which store is used, how it is protected and how many entries it holds")
+      ->callback([store, &action] { action = [store] { return showInfo(*store); }; });
+  keychain.add_subcommand("verify", "Check every entry of the store")->callback([store, &action] {
+    action = [store] { return verify(*store); };
+  });
+}
