@@ -1,6 +1,7 @@
 #include <VXFoundation/NSArray+VXAdditions.h>
 
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <Foundation/NSMutableString.h>
@@ -32,16 +33,24 @@ Wheel wheelOf(const NSRef<NSArray>& array) {
   return wheel;
 }
 
-NSRef<NSMutableString> combinationOf(const std::vector<Wheel>& wheels) {
-  std::size_t length = 0;
-  for (const Wheel& wheel : wheels) length += wheel.strings[wheel.counter]->length();
-  const NSRef<NSMutableString> joined = NSMutableString::stringWithCapacity(length);
-  for (const Wheel& wheel : wheels) joined->appendString(wheel.strings[wheel.counter]);
-  return joined;
+NSRef<NSMutableString> joined(const NSString& first, const NSString& rest) {
+  const std::size_t length = first.length() + rest.length();
+  const bool wide = !first.isASCII() || !rest.isASCII();
+  const NSRef<NSMutableString> both =
+      NSMutableString::stringWithCapacity(length * (wide ? sizeof(char16_t) : 1));
+  both->appendString(first);
+  both->appendString(rest);
+  return both;
+}
+
+NSRef<NSString> chosenStrings(std::span<const Wheel> wheels) {
+  const NSRef<NSMutableString> chosen = NSMutableString::string();
+  for (const Wheel& wheel : wheels) chosen->appendString(wheel.strings[wheel.counter]);
+  return chosen;
 }
 
 // Advances to the next combination. Returns false once every wheel has come round.
-bool turn(std::vector<Wheel>& wheels) {
+bool turn(std::span<Wheel> wheels) {
   for (Wheel& wheel : wheels) {
     if (++wheel.counter < wheel.strings.size()) return true;
     wheel.counter = 0;
@@ -58,8 +67,16 @@ NSRef<NSMutableArray> vxfoundation_combinationsJoined(const NSRef<NSArray>& arra
   std::vector<Wheel> wheels;
   wheels.reserve(inner->size());
   for (const NSRef<NSArray>& array : *inner) wheels.push_back(wheelOf(array));
-  do combinations->addObject(combinationOf(wheels));
-  while (turn(wheels));
+  if (wheels.empty()) {
+    combinations->addObject(NSMutableString::string());
+    return combinations;
+  }
+  const std::span<Wheel> slower = std::span(wheels).subspan(1);
+  do {
+    const NSRef<NSString> rest = chosenStrings(slower);
+    for (const NSRef<NSString>& first : wheels.front().strings)
+      combinations->addObject(joined(*first, *rest));
+  } while (turn(slower));
   return combinations;
 }
 

@@ -17,7 +17,8 @@ NSRef<NSMutableString> NSMutableString::stringWithString(NSStringArg text) {
 }
 
 void NSMutableString::appendString(NSStringArg tail) {
-  const NSRef<NSString> text = tail.get();
+  const auto text = tail.borrow();
+  if (!text) NSRaiseNilReference();
   if (text->holdsSecret()) setHoldsSecret(true);
   text->visit([this](auto units) { append(units); });
 }
