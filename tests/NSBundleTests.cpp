@@ -3,6 +3,9 @@
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSPropertyList.h>
 
+#include <chrono>
+#include <thread>
+
 #include "tests/support/Bytes.h"
 #include "tests/support/Command.h"
 #include "tests/support/Files.h"
@@ -125,4 +128,26 @@ TEST(NSBundle, TranslatesAsTheTableSays) {
   for (const auto& row : vectors("localized-strings.tsv"))
     EXPECT_EQ(bytesOf(bundle->localizedStringForKey(cell(row[0]), cell(row[1]), cell(row[2]))), row[3])
         << testing::PrintToString(row);
+}
+
+TEST(NSBundle, AFileThatHasChangedIsReadAgain) {
+  const TemporaryFolder folder;
+  const files::path file = folder.root / "Resources/Info.plist";
+  files::create_directory(file.parent_path());
+  const auto write = [&](const std::string& identifier) {
+    writeFile(file,
+              "<plist><dict><key>CFBundleIdentifier</key><string>" + identifier + "</string></dict></plist>");
+  };
+  write("one");
+  const NSRefPtr<NSBundle> bundle = NSBundle::bundleWithPath(folder.root.string());
+  EXPECT_EQ(bytesOf(bundle->bundleIdentifier()), "one");
+  write("two");
+  EXPECT_EQ(bytesOf(bundle->bundleIdentifier()), "two") << "a new file may change within a tick of its time";
+  std::this_thread::sleep_for(std::chrono::milliseconds(3500));
+  EXPECT_EQ(bytesOf(bundle->bundleIdentifier()), "two");
+  EXPECT_EQ(bundle->infoDictionary(), bundle->infoDictionary()) << "what was read is kept";
+  write("six");
+  EXPECT_EQ(bytesOf(bundle->bundleIdentifier()), "six");
+  files::remove(file);
+  EXPECT_FALSE(bundle->bundleIdentifier());
 }

@@ -4,8 +4,8 @@
 #include <mutex>
 
 #include <Foundation/Internal/NSLoadedCode.h>
+#include <Foundation/Internal/NSResourceFile.h>
 #include <Foundation/NSLocale.h>
-#include <Foundation/NSPropertyList.h>
 
 namespace {
 
@@ -33,13 +33,15 @@ NSRef<NSBundle> NSBundle::mainBundle() { return alloc(NSFolderOfProgram()); }
 NSRefPtr<NSBundle> NSBundle::bundleWithIdentifier(NSStringArg identifier) {
   const auto sought = identifier.borrow();
   if (!sought) return nullptr;
-  const auto isSought = [&](const NSBundle& bundle) { return sought->isEqual(bundle.bundleIdentifier()); };
-  for (const std::string& folder : NSFoldersOfLoadedCode())
-    if (const NSRef<NSBundle> bundle = alloc(folder); isSought(*bundle)) return bundle;
+  const auto ifSought = [&](const NSRef<NSBundle>& bundle) -> NSRefPtr<NSBundle> {
+    return sought->isEqual(bundle->bundleIdentifier()) ? NSRefPtr<NSBundle>(bundle) : nullptr;
+  };
+  if (const auto bundle = ifSought(alloc(NSFolderOfProgram()))) return bundle;
+  if (const auto bundle = ifSought(alloc(NSFolderOfLibrary()))) return bundle;
+  for (const std::string& folder : NSFoldersOfLoadedLibraries())
+    if (const auto bundle = ifSought(alloc(folder))) return bundle;
   const NSRefPtr<NSDictionary> information = registeredInformation();
-  if (!information) return nullptr;
-  const NSRef<NSBundle> bundle = alloc(NSFolderOfLibrary(), information);
-  return isSought(*bundle) ? NSRefPtr<NSBundle>(bundle) : nullptr;
+  return information ? ifSought(alloc(NSFolderOfLibrary(), information)) : nullptr;
 }
 
 void NSBundle::setLibraryInformation(const NSRefPtr<NSDictionary>& information) {
@@ -72,8 +74,7 @@ NSRef<NSDictionary> NSBundle::infoDictionary() const {
 
 NSRefPtr<NSDictionary> NSBundle::resource(const std::string& name) const {
   if (folder_.empty()) return nullptr;
-  const files::path file = files::path(folder_) / "Resources" / name;
-  return NSDynamicCast<NSDictionary>(NSPropertyListWithContentsOfFile(file.string()));
+  return NSResourceDictionary(folder_ + "/Resources/" + name);
 }
 
 NSRef<NSString> NSBundle::localizedStringForKey(NSStringArg key, NSStringArg value, NSStringArg table) const {

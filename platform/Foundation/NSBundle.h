@@ -6,8 +6,9 @@
 #include <Foundation/NSString.h>
 
 /// A folder that holds code and its resources: a loaded library or program and, next to it, a folder
-/// "Resources" with an information file, Info.plist. Nothing is kept between calls: files are read again each
-/// time, and a damaged file counts as missing. Immutable; any number of threads may use one at once.
+/// "Resources" with an information file, Info.plist. Each call looks at the files as they are then: one that
+/// has changed is read again, and a damaged one counts as missing. Immutable; any number of threads may use
+/// one at once.
 class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
  public:
   /// Returns the bundle of the program.

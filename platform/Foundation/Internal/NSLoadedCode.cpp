@@ -50,8 +50,8 @@ const std::string& NSFolderOfProgram() { return folders().program; }
 
 const std::string& NSFolderOfLibrary() { return folders().library; }
 
-std::vector<std::string> NSFoldersOfLoadedCode() {
-  std::vector<std::string> all{NSFolderOfProgram(), NSFolderOfLibrary()};
+std::vector<std::string> NSFoldersOfLoadedLibraries() {
+  std::vector<std::string> all;
   dl_iterate_phdr(
       [](dl_phdr_info* image, std::size_t, void* found) {
         const std::string_view name = image->dlpi_name ? image->dlpi_name : "";

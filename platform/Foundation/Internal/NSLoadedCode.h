@@ -16,5 +16,5 @@ const std::string& NSFolderOfProgram();
 const std::string& NSFolderOfLibrary();
 ///@}
 
-/// Returns those two, and the folder of each library that is loaded now, in the loader's order.
-std::vector<std::string> NSFoldersOfLoadedCode();
+/// Returns the folder of each library that is loaded now, in the loader's order. Takes long.
+std::vector<std::string> NSFoldersOfLoadedLibraries();
