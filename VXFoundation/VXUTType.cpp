@@ -1,25 +1,19 @@
 #include <VXFoundation/VXUTType.h>
 
+#include <algorithm>
+
 #include <CoreServices/Internal/UTTypeRelation.h>
 #include <CoreServices/UTType.h>
-#include <Foundation/NSDictionary.h>
 #include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
 
 namespace {
 
-const NSRef<NSString>& optionalMark = NSConstantString("?");
+constexpr char optionalMark = '?';
 
-bool offersAll(const NSDictionary& offered, const NSDictionary& required) {
-  bool all = true;
-  required.enumerateKeysAndObjectsUsingBlock(
-      [&](const NSRef<NSObject>& key, const NSRef<NSObject>& value, bool* stop) {
-        const NSRefPtr<NSObject> found = offered.objectForKey(key);
-        if (found && found->isEqual(value)) return;
-        if (NSRef(NSDynamicCast<NSString>(key))->hasPrefix(optionalMark)) return;
-        all = false;
-        *stop = true;
-      });
-  return all;
+bool offersAll(const VXUTTypeDynamicIdentifier& offered, const VXUTTypeDynamicIdentifier& required) {
+  return std::all_of(required.pairs().begin(), required.pairs().end(), [&](const auto& pair) {
+    return pair.key.starts_with(optionalMark) || offered.has(pair);
+  });
 }
 
 }  // namespace
@@ -30,10 +24,8 @@ bool VXUTTypeConformsTo(NSStringArg identifier, NSStringArg otherIdentifier) {
   if (!type || !other) return false;
   if (const auto settled = UTTypeRelation(*type, *other)) return *settled;
   if (!UTTypeIsDynamic(*type) || !UTTypeIsDynamic(*other)) return false;
-  const NSRefPtr<NSDictionary> offered = VXUTTypeDynamicIdentifierMap(*type);
-  if (!offered) return false;
-  const NSRefPtr<NSDictionary> required = VXUTTypeDynamicIdentifierMap(*other);
-  return required && offersAll(*offered, *required);
+  const VXUTTypeDynamicIdentifier offered(*type), required(*other);
+  return offered.text() && required.text() && offersAll(offered, required);
 }
 
 bool VXUTTypeConformsToAnyInCollection(NSStringArg identifier,

@@ -47,14 +47,15 @@ Bytes unpackedByRule(std::string body) {
 void unpack(std::string_view body) {
   const NSRef<NSString> identifier = string("dyn.a" + std::string(body));
   const Bytes expected = unpackedByRule(std::string(body));
-  fuzzRequire(bytesOf(VXUTTypeDecodeDynamicIdentifier(*identifier)) == expected, "unpacked by the rules");
+  const VXUTTypeDynamicIdentifier unpacked(*identifier);
+  fuzzRequire(unpacked.text() == expected, "unpacked by the rules");
   if (!expected) return;
-  const NSRefPtr<NSDictionary> dictionary = VXUTTypeDynamicIdentifierMap(*identifier);
   const Pairs pairs = pairsOf(*expected);
-  fuzzRequire(dictionary->count() == pairs.size(), "the dictionary has no other pairs");
-  for (const auto& [key, value] : pairs)
-    fuzzRequire(string(value)->isEqual(dictionary->objectForKey(string(key))),
-                "the dictionary has the pairs");
+  fuzzRequire(std::equal(pairs.begin(), pairs.end(), unpacked.pairs().begin(), unpacked.pairs().end(),
+                         [](const auto& rule, const auto& pair) {
+                           return rule.first == pair.key && rule.second == pair.value;
+                         }),
+              "the pairs are those of the text");
 }
 
 void relatePacked(std::string_view first, std::string_view second) {

@@ -1,7 +1,6 @@
 // Tags of types, with the shared MIME databases of the system and, before them, one of this test's own.
 #include <CoreServices/UTType.h>
 #include <CoreServices/UTTypeTags.h>
-#include <VXFoundation/Internal/VXUTTypeDynamicIdentifier.h>
 #include <VXFoundation/VXURLCoding.h>
 #include <VXFoundation/VXUTType.h>
 
@@ -71,8 +70,7 @@ const std::map<std::string, NSRef<NSString>> tagClasses = {
 
 std::string shown(const NSRefPtr<NSString>& identifier) {
   if (!identifier) return "nil";
-  const auto pairs = UTTypeIsDynamic(identifier) ? VXUTTypeDynamicIdentifierMap(*identifier) : nullptr;
-  return static_cast<std::string>(pairs ? *pairs->description() : *identifier);
+  return UTTypeIsDynamic(identifier) ? shownPairs(*identifier) : static_cast<std::string>(*identifier);
 }
 
 std::string tagOf(const NSRefPtr<NSString>& type, const NSRef<NSString>& tagClass) {
@@ -189,11 +187,11 @@ TEST(UTTypeTags, UnknownTagsComeBackFromTheirIdentifiers) {
     std::string lower = tag;
     for (char& c : lower) c = c == 'A' ? 'a' : c;
     ASSERT_EQ(tagOf(type, tagClass), lower);
-    const auto pairs = NSRef(VXUTTypeDynamicIdentifierMap(*type));
-    const auto packedTag = NSDynamicCast<NSString>(pairs->objectForKey(text(isMIME ? "m" : "e")));
-    ASSERT_TRUE(packedTag) << shown(type);
-    ASSERT_EQ(static_cast<std::string>(*VXURLDecodeString(packedTag)), lower);
-    ASSERT_EQ(pairs->count(), conformingTo ? 2U : 1U);
+    const VXUTTypeDynamicIdentifier unpacked(*type);
+    const auto packedTag = unpacked.pairs().back();
+    ASSERT_EQ(packedTag.key, isMIME ? "m" : "e") << shown(type);
+    ASSERT_EQ(static_cast<std::string>(*VXURLDecodeString(packedTag.value)), lower);
+    ASSERT_EQ(unpacked.pairs().size(), conformingTo ? 2U : 1U);
     ASSERT_TRUE(!conformingTo || VXUTTypeConformsTo(type, conformingTo));
     ASSERT_TRUE(VXUTTypeConformsTo(type, "public.data"));
     ASSERT_FALSE(VXUTTypeConformsTo(text(packed("a=1")), type));

@@ -2,18 +2,14 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
-#include <vector>
 
-#include <Foundation/NSArray.h>
-#include <Foundation/NSData.h>
-
+#include <Foundation/NSUnicode.h>
 #include <VXFoundation/kernels/Radix.h>
 
 namespace {
 
 constexpr char _VXUTTypeBase32Alphabet[] = "abcdefghkmnpqrstuvwxyz0123456789";
-constexpr char16_t _VXUTTypeBase32Padding = u'=';
+constexpr char _VXUTTypeBase32Padding = '=';
 
 constexpr std::size_t prefixLength = 5;
 constexpr VXKernels::Radix radix{5, 5, 8, _VXUTTypeBase32Alphabet, false};
@@ -24,8 +20,9 @@ unsigned char valueOf(char16_t character) {
   return character < std::size(values.of) ? values.of[character] : VXKernels::notADigit;
 }
 
-std::u16string_view withoutPadding(std::u16string_view body) {
-  return body.substr(0, body.find_last_not_of(_VXUTTypeBase32Padding) + 1);
+template <class Unit>
+std::basic_string_view<Unit> withoutPadding(std::basic_string_view<Unit> body) {
+  return body.substr(0, body.find_last_not_of(static_cast<Unit>(_VXUTTypeBase32Padding)) + 1);
 }
 
 // Whether the characters before a padding of `count` are exactly those that whole bytes encode to.
@@ -33,46 +30,63 @@ bool isPadding(std::size_t count) {
   return count == 0 || count == 1 || count == 3 || count == 4 || count == 6;
 }
 
-bool isValid(std::u16string_view body) {
-  const std::u16string_view characters = withoutPadding(body);
+template <class Unit>
+bool isValid(std::basic_string_view<Unit> body) {
+  const auto characters = withoutPadding(body);
   const std::size_t padded = (body.size() + radix.groupDigits - 1) / radix.groupDigits * radix.groupDigits;
   return isPadding(padded - characters.size()) &&
          std::all_of(characters.begin(), characters.end(),
-                     [](char16_t character) { return valueOf(character) != VXKernels::notADigit; });
+                     [](Unit character) { return valueOf(character) != VXKernels::notADigit; });
 }
 
 // A group of eight characters is a whole number of bytes, so that one buffer of bits serves all groups.
-std::vector<std::byte> bytesOf(std::u16string_view characters) {
-  std::vector<std::byte> bytes;
+template <class Unit>
+void appendBytes(std::pmr::string& bytes, std::basic_string_view<Unit> characters) {
   bytes.reserve(characters.size() * radix.bits / 8);
   std::size_t bits = 0, count = 0;
-  for (const char16_t character : characters) {
+  for (const Unit character : characters) {
     bits = bits << radix.bits | valueOf(character);
     count += radix.bits;
     if (count < 8) continue;
     count -= 8;
-    bytes.push_back(static_cast<std::byte>(bits >> count & 0xFF));
+    bytes.push_back(static_cast<char>(bits >> count & 0xFF));
   }
-  return bytes;
 }
 
 }  // namespace
 
-NSRefPtr<NSString> VXUTTypeDecodeDynamicIdentifier(const NSString& identifier) {
-  const auto body = static_cast<std::u16string>(*identifier.substringFromIndex(prefixLength));
-  if (!isValid(body)) return NSString::string();
-  return NSString::stringWithData(NSData::dataWithBytes(bytesOf(withoutPadding(body))),
-                                  NSASCIIStringEncoding);
+VXUTTypeDynamicIdentifier::VXUTTypeDynamicIdentifier(const NSString& identifier) {
+  identifier.visit([this](auto units) {
+    const auto body = units.substr(std::min(prefixLength, units.size()));
+    if (isValid(body)) appendBytes(bytes_, withoutPadding(body));
+  });
+  if (!NSIsASCII(bytes_)) return;
+  text_ = bytes_;
+  addPairs();
+  keepLastOfEachKey();
 }
 
-NSRefPtr<NSDictionary> VXUTTypeDynamicIdentifierMap(const NSString& identifier) {
-  const NSRefPtr<NSString> text = VXUTTypeDecodeDynamicIdentifier(identifier);
-  if (!text) return nullptr;
-  const NSRef<NSMutableDictionary> pairs = NSMutableDictionary::dictionary();
-  const NSRef<NSArray> components = text->componentsSeparatedByString(":");
-  for (const NSRef<NSObject> component : *components) {
-    const NSRef<NSArray> parts = NSRef(NSDynamicCast<NSString>(component))->componentsSeparatedByString("=");
-    if (parts->count() == 2) pairs->setObject(parts->objectAtIndex(1), parts->objectAtIndex(0));
+void VXUTTypeDynamicIdentifier::addPairs() {
+  pairs_.reserve(static_cast<std::size_t>(std::count(text_->begin(), text_->end(), ':')) + 1);
+  for (std::size_t from = 0, end = 0; end != text_->npos; from = end + 1) {
+    end = text_->find(':', from);
+    const std::string_view piece = text_->substr(from, end - from);
+    const std::size_t equals = piece.find('=');
+    if (equals != piece.npos && piece.rfind('=') == equals)
+      pairs_.push_back({piece.substr(0, equals), piece.substr(equals + 1)});
   }
-  return pairs;
+}
+
+void VXUTTypeDynamicIdentifier::keepLastOfEachKey() {
+  std::sort(pairs_.begin(), pairs_.end(), [](const Pair& a, const Pair& b) {
+    return a.key != b.key ? a.key < b.key : a.key.data() > b.key.data();  // the last one first
+  });
+  const auto sameKey = [](const Pair& a, const Pair& b) { return a.key == b.key; };
+  pairs_.erase(std::unique(pairs_.begin(), pairs_.end(), sameKey), pairs_.end());
+}
+
+bool VXUTTypeDynamicIdentifier::has(const Pair& pair) const {
+  const auto byKey = [](const Pair& a, const Pair& b) { return a.key < b.key; };
+  const auto found = std::lower_bound(pairs_.begin(), pairs_.end(), pair, byKey);
+  return found != pairs_.end() && *found == pair;
 }

@@ -22,5 +22,12 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   ++allocations;
   return std::malloc(size);
 }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  ++allocations;
+  if (void* block = std::aligned_alloc(static_cast<std::size_t>(alignment), size)) return block;
+  throw std::bad_alloc();
+}
 void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
