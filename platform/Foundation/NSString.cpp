@@ -15,15 +15,6 @@
 
 namespace {
 
-template <class A, class B>
-bool sameUnits(std::basic_string_view<A> a, std::basic_string_view<B> b) {
-  if constexpr (std::is_same_v<A, B>) {
-    return a == b;
-  } else {
-    return false;  // all-ASCII content is always narrow, so the widths differ only where contents do
-  }
-}
-
 NSRef<NSString> stringWithUnits(std::string_view units) {
   return NSString::stringWithASCIILength(
       units.size(), [&](std::span<char> place) { std::copy(units.begin(), units.end(), place.begin()); });
@@ -129,8 +120,9 @@ char16_t NSString::characterAtIndex(std::size_t index) const {
 
 bool NSString::isEqualToString(NSStringArg other) const {
   const auto text = other.borrow();
-  if (!text || wide_ != text->wide_) return false;
-  return visit([&](auto a) { return text->visit([a](auto b) { return sameUnits(a, b); }); });
+  // All-ASCII content is always narrow, so the widths differ only where contents do.
+  if (!text || wide_ != text->wide_ || storage_.count() != text->storage_.count()) return false;
+  return std::memcmp(storage_.units().data(), text->storage_.units().data(), storage_.count()) == 0;
 }
 
 bool NSString::hasPrefix(NSStringArg prefix) const {
@@ -196,9 +188,7 @@ bool NSString::isEqual(const NSRefPtr<NSObject>& other) const {
   return text && (text == this || isEqualToString(*text));
 }
 
-std::size_t NSString::hash() const {
-  return visit([](auto units) { return NSKeyedHashOf(std::span(units)); });
-}
+std::size_t NSString::hash() const { return NSKeyedHashOf(storage_.units()); }
 
 NSRef<NSMutableString> NSString::mutableCopy() const { return NSMutableString::stringWithString(*this); }
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string_view>
 
 /// SipHash-1-3 (Aumasson and Bernstein 2012) of 64-bit words under a key that each process makes for itself:
 /// who chooses what is hashed cannot choose what collides. For one thread at a time.
@@ -49,20 +48,5 @@ inline std::size_t NSKeyedHashOf(std::size_t hash) noexcept {
   return keyed.finish();
 }
 
-/// Returns the keyed hash of a sequence of integers. Sequences of different lengths are different.
-template <class Unit>
-std::size_t NSKeyedHashOf(std::span<const Unit> units) noexcept {
-  constexpr std::size_t unitsInWord = sizeof(std::uint64_t) / sizeof(Unit);
-  NSKeyedHash keyed;
-  const std::size_t length = units.size();
-  for (; units.size() >= unitsInWord; units = units.subspan(unitsInWord)) {
-    std::uint64_t word = 0;
-    __builtin_memcpy(&word, units.data(), sizeof word);
-    keyed.add(word);
-  }
-  std::uint64_t rest = 0;
-  __builtin_memcpy(&rest, units.data(), units.size_bytes());
-  keyed.add(rest);
-  keyed.add(length);
-  return keyed.finish();
-}
+/// Returns the keyed hash of bytes, at the speed of memory if there are many. Thread-safe.
+std::size_t NSKeyedHashOf(std::span<const std::byte> bytes) noexcept;
