@@ -196,8 +196,9 @@ TEST_P(KernelsUnicode, JudgesEveryPairOfBytesWhereverItStands) {
       }
 }
 
-TEST_P(KernelsUnicode, CountsASCIIUpToTheFirstOther) {
-  const std::string ascii = mixture("1", threeWidths, 1);
+TEST_P(KernelsUnicode, CountsASCIIUpToTheFirstOtherAndUnitsUpToTheFirstEqual) {
+  std::string ascii = mixture("1", threeWidths, 1);
+  std::replace(ascii.begin(), ascii.end(), '\0', '.');  // what lies beyond the end must not count as NUL
   for (std::size_t length = 0; length <= threeWidths; ++length)
     for (std::size_t at = 0; at <= length; at += length < 70 ? 1 : 7) {
       const auto narrow = bytes.last(length, at % alignments);
@@ -208,6 +209,7 @@ TEST_P(KernelsUnicode, CountsASCIIUpToTheFirstOther) {
       if (at < length) wide[at] = u"\x80\x100\x7F80\x8000\xFF7F"[at % 5];
       ASSERT_EQ(kernels.asciiBytes(narrow.data(), length), at);
       ASSERT_EQ(kernels.asciiUnits(wide.data(), length), at);
+      ASSERT_EQ(kernels.unitsBefore(wide.data(), length, at < length ? wide[at] : u'\0'), at);
     }
 }
 

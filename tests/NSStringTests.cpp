@@ -67,6 +67,24 @@ TEST(NSString, StorageIsNarrowOnlyForASCIIAndIsNotObservable) {
   EXPECT_TRUE(text("x\xC3\xA9,y")->componentsSeparatedByString(",")->lastObject()->isEqual(text("y")));
 }
 
+TEST(NSString, PartsAreThoseBetweenTheMarksWhereverTheyAre) {
+  std::mt19937 random(24);
+  for (int round = 0; round < 20'000; ++round) {
+    std::u16string units(random() % 80, u'\xE9'), mark(1 + random() % 3, u'\xE9');
+    for (char16_t& unit : units) unit = u"\xE9\xE9\xE9,\x65E5"[random() % 5];
+    for (char16_t& unit : mark) unit = u"\xE9,"[random() % 2];
+    std::u16string rest = units;
+    const auto parts = NSString::stringWithCharacters(units)->componentsSeparatedByString(
+        NSString::stringWithCharacters(mark));
+    for (std::size_t i = 0; i < parts->count(); ++i) {
+      const std::size_t end = rest.find(mark);
+      ASSERT_TRUE(parts->objectAtIndex(i)->isEqual(NSString::stringWithCharacters(rest.substr(0, end))));
+      ASSERT_EQ(end == rest.npos, i + 1 == parts->count());
+      if (end != rest.npos) rest.erase(0, end + mark.size());
+    }
+  }
+}
+
 TEST(NSString, WhatCannotBeEncodedIsNilAndNothingIsRepaired) {
   const auto lone = NSString::stringWithCharacters(loneSurrogate);
   EXPECT_FALSE(lone->dataUsingEncoding(NSUTF8StringEncoding));

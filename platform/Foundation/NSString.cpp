@@ -30,11 +30,28 @@ NSRef<NSString> part(std::basic_string_view<Unit> units, bool secret) {
   return text;
 }
 
+std::size_t indexOf(std::string_view mark, std::string_view units) { return units.find(mark); }
+
+// The standard library looks at one unit after another.
+std::size_t indexOf(std::u16string_view mark, std::u16string_view units) {
+  const auto& unitsBefore = NSKernels::unicode().unitsBefore;
+  std::size_t from = 0;
+  while (units.size() - from >= mark.size()) {
+    const std::size_t candidates = units.size() - from - mark.size() + 1;
+    const std::size_t skipped = unitsBefore(units.data() + from, candidates, mark.front());
+    if (skipped == candidates) break;
+    from += skipped;
+    if (std::memcmp(units.data() + from, mark.data(), mark.size() * sizeof(char16_t)) == 0) return from;
+    ++from;
+  }
+  return units.npos;
+}
+
 template <class Unit>
 NSRef<NSArray> parts(std::basic_string_view<Unit> units, std::basic_string_view<Unit> mark, bool secret) {
   const NSRef<NSMutableArray> pieces = NSMutableArray::array();
   std::size_t end = 0;
-  while (!mark.empty() && (end = units.find(mark)) != units.npos) {
+  while (!mark.empty() && (end = indexOf(mark, units)) != units.npos) {
     pieces->addObject(part(units.substr(0, end), secret));
     units.remove_prefix(end + mark.size());
   }
@@ -153,12 +170,15 @@ NSString::operator std::u16string() const {
 NSRefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
   if (wide_ && encoding == NSASCIIStringEncoding) return nullptr;
   if (!wide_) return NSData::dataWithBytes(storage_.units(), holdsSecret());
-  std::optional<std::string> content = UTF8String();
-  if (!content) return nullptr;
-  const std::span<char> bytes(*content);
-  const NSRef<NSData> data = NSData::dataWithBytes(std::as_bytes(bytes), holdsSecret());
-  if (holdsSecret()) explicit_bzero(bytes.data(), bytes.size());
-  return data;
+  const NSKernels::UnicodeKernels& kernels = NSKernels::unicode();
+  std::size_t encoded = 0;
+  const NSRef<NSData> data = NSData::dataWithLength(
+      kernels.utf8Length(unitsAs<char16_t>(), length()), [&](std::span<std::byte> bytes) {
+        encoded = kernels.utf8FromUTF16(unitsAs<char16_t>(), length(), reinterpret_cast<char*>(bytes.data()),
+                                        bytes.size());
+      });
+  data->setHoldsSecret(holdsSecret());
+  return encoded == length() ? NSRefPtr<NSData>(data) : nullptr;
 }
 
 NSRef<NSString> NSString::substringFromIndex(std::size_t index) const {

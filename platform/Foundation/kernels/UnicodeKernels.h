@@ -12,6 +12,9 @@ namespace NSKernels {
 template <class Unit>
 using ASCIIPrefix = std::size_t(const Unit* units, std::size_t count);
 
+/// Returns the number of units before the first one that equals the given one: `count` if none does.
+using UnitsBefore = std::size_t(const char16_t* units, std::size_t count, char16_t unit);
+
 /// Returns the length of well-formed input in the other encoding, in its units. For malformed input, returns
 /// at least the length of its well-formed beginning.
 ///@{
@@ -32,6 +35,7 @@ struct UnicodeKernels {
   const char* name;
   ASCIIPrefix<char>* asciiBytes;
   ASCIIPrefix<char16_t>* asciiUnits;
+  UnitsBefore* unitsBefore;
   UTF16Length* utf16Length;
   UTF16FromUTF8* utf16FromUTF8;
   UTF8Length* utf8Length;

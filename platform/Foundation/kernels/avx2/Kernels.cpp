@@ -5,7 +5,7 @@
 namespace NSKernels {
 
 const UnicodeKernels avx2Kernels = {
-    "avx2", asciiBytes, asciiUnits, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
+    "avx2", asciiBytes, asciiUnits, unitsBefore, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
 };
 
 }  // namespace NSKernels

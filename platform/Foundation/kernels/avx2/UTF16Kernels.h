@@ -24,6 +24,15 @@ std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   return i + scalarKernels.asciiUnits(units + i, count - i);
 }
 
+std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+  std::size_t i = 0;
+  for (; count - i >= unitWidth; i += unitWidth) {
+    const std::uint32_t found = bitsOf(_mm256_cmpeq_epi16(load(units + i), eachUnit(unit)));
+    if (found != 0) return i + static_cast<std::size_t>(__builtin_ctz(found)) / 2;
+  }
+  return i + scalarKernels.unitsBefore(units + i, count - i, unit);
+}
+
 std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t twice = 0;  // every unit has two bits
   std::size_t i = 0;

@@ -5,7 +5,7 @@
 namespace NSKernels {
 
 const UnicodeKernels avx512vbmiKernels = {
-    "avx512vbmi", asciiBytes, asciiUnits, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
+    "avx512vbmi", asciiBytes, asciiUnits, unitsBefore, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
 };
 
 }  // namespace NSKernels

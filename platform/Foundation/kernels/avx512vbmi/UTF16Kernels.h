@@ -26,6 +26,16 @@ std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   return count;
 }
 
+std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+  const __m512i sought = _mm512_set1_epi16(static_cast<short>(unit));
+  for (std::size_t i = 0; i < count; i += unitWidth) {
+    const __mmask32 equal = _mm512_cmpeq_epi16_mask(loadUnits(units + i, count - i), sought);
+    const __mmask32 found = equal & firstUnits(count - i);
+    if (found != 0) return i + static_cast<std::size_t>(__builtin_ctz(found));
+  }
+  return count;
+}
+
 std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t bytes = count;
   for (std::size_t i = 0; i < count; i += unitWidth) {

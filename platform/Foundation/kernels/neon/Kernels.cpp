@@ -5,7 +5,7 @@
 namespace NSKernels {
 
 const UnicodeKernels neonKernels = {
-    "neon", asciiBytes, asciiUnits, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
+    "neon", asciiBytes, asciiUnits, unitsBefore, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
 };
 
 }  // namespace NSKernels

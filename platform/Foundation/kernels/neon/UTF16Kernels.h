@@ -19,6 +19,13 @@ std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   return i + scalarKernels.asciiUnits(units + i, count - i);
 }
 
+std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+  std::size_t i = 0;
+  while (count - i >= unitWidth && vmaxvq_u16(vceqq_u16(loadUnits(units + i), vdupq_n_u16(unit))) == 0)
+    i += unitWidth;
+  return i + scalarKernels.unitsBefore(units + i, count - i, unit);
+}
+
 std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t bytes = 0;
   for (; count >= unitWidth; units += unitWidth, count -= unitWidth) {

@@ -5,7 +5,8 @@
 namespace NSKernels {
 
 const UnicodeKernels scalarKernels = {
-    "scalar", asciiPrefix<char>, asciiPrefix<char16_t>, utf16Length, utf16FromUTF8, utf8Length, utf8FromUTF16,
+    "scalar",      asciiPrefix<char>, asciiPrefix<char16_t>, unitsBefore, utf16Length,
+    utf16FromUTF8, utf8Length,        utf8FromUTF16,
 };
 
 std::size_t wellFormedUTF8(const char* bytes, std::size_t count, std::size_t from) {

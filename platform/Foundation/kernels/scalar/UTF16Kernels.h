@@ -8,6 +8,12 @@ namespace {
 constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
+std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+  std::size_t i = 0;
+  while (i < count && units[i] != unit) ++i;
+  return i;
+}
+
 /// Two code units of a pair have four bytes.
 std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t bytes = count;
