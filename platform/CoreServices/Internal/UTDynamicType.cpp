@@ -117,7 +117,10 @@ std::string UTDynamicIdentifier(const UTDynamicType& type) {
 
 std::optional<UTDynamicType> UTDynamicTypeFrom(std::string_view identifier) {
   if (!UTHasDynamicForm(identifier)) return std::nullopt;
-  const auto text = unpacked(identifier.substr(UTDynamicPrefix.size()));
+  const std::string_view body = identifier.substr(UTDynamicPrefix.size());
+  // Most types of others are recognised by their first two bytes, without memory for the rest.
+  if (const auto start = unpacked(body.substr(0, 4)); !start || !kindOf(*start)) return std::nullopt;
+  const auto text = unpacked(body);
   auto type = text ? parsed(*text) : std::nullopt;
   if (!type || !NSIsUTF8(type->conformsTo) || UTDynamicIdentifier(*type) != identifier) return std::nullopt;
   return type;
