@@ -65,10 +65,11 @@ NSRef<NSObject> NSObject::mutableCopyObject() const {
   NSException::raise(NSInvalidArgumentException, "%@ has no mutable kind", NSStringFromClass(isa()));
 }
 
-void* NSObject::allocateBlock(std::size_t size, std::size_t tail) {
+void* NSObject::allocateLargeBlock(std::size_t size, std::size_t tail) {
+  static_assert(largeTail >= 4 * hugePage);
   if (tail > std::numeric_limits<std::size_t>::max() - size) throw std::bad_alloc();
   void* const block = ::operator new(size + tail);
-  if (tail >= 4 * hugePage) preferHugePages(block, size + tail);
+  preferHugePages(block, size + tail);
   return block;
 }
 

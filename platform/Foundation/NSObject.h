@@ -96,12 +96,17 @@ class NS_EXPORT NSObject {
   ///@}
 
   /// Allocates a block for an object of `size` bytes and `tail` bytes behind it; throws std::bad_alloc.
-  static void* allocateBlock(std::size_t size, std::size_t tail);
+  static void* allocateBlock(std::size_t size, std::size_t tail) {
+    return tail < largeTail ? ::operator new(size + tail) : allocateLargeBlock(size, tail);
+  }
 
  private:
   template <class Self, class Base>
   friend class NSObjectLayer;
   friend class NSClass;
+
+  static constexpr std::size_t largeTail = std::size_t{8} << 20;
+  static void* allocateLargeBlock(std::size_t size, std::size_t tail);
 
   static void* operator new(std::size_t size) { return ::operator new(size); }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
