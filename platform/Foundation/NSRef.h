@@ -64,6 +64,8 @@ class NSRefPtr {
   NSRefPtr(NSRef<U>&& other) : object_(other.get()) {
     other.handle_.leak();
   }
+  // Explicit, since there is also an implicit conversion, by a reference to the handle inside.
+  explicit NSRefPtr(NSRef<T>&& other) : object_(other.get()) { other.handle_.leak(); }
   ///@}
   ~NSRefPtr() {
     if (object_) object_->release();

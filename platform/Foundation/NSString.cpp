@@ -93,14 +93,14 @@ NSRefPtr<NSString> NSString::fromUTF8(std::string_view bytes, bool secret) {
   if (kernels.asciiBytes(bytes.data(), bytes.size()) == bytes.size()) {
     NSRef<NSString> text = stringWithUnits(bytes);
     text->setHoldsSecret(secret);
-    return text;
+    return NSRefPtr<NSString>(std::move(text));
   }
   NSRef<NSString> text = ofUTF16Length(kernels.utf16Length(bytes.data(), bytes.size()));
   text->setHoldsSecret(secret);
   if (kernels.utf16FromUTF8(bytes.data(), bytes.size(), text->unitsAs<char16_t>(), text->length()) !=
       bytes.size())
     return nullptr;
-  return text;
+  return NSRefPtr<NSString>(std::move(text));
 }
 
 NSRefPtr<NSString> NSString::stringWithUTF8String(std::string_view bytes) { return fromUTF8(bytes, false); }
@@ -172,13 +172,13 @@ NSRefPtr<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding) const {
   if (!wide_) return NSData::dataWithBytes(storage_.units(), holdsSecret());
   const NSKernels::UnicodeKernels& kernels = NSKernels::unicode();
   std::size_t encoded = 0;
-  const NSRef<NSData> data = NSData::dataWithLength(
+  NSRef<NSData> data = NSData::dataWithLength(
       kernels.utf8Length(unitsAs<char16_t>(), length()), [&](std::span<std::byte> bytes) {
         encoded = kernels.utf8FromUTF16(unitsAs<char16_t>(), length(), reinterpret_cast<char*>(bytes.data()),
                                         bytes.size());
       });
   data->setHoldsSecret(holdsSecret());
-  return encoded == length() ? NSRefPtr<NSData>(data) : nullptr;
+  return encoded == length() ? NSRefPtr<NSData>(std::move(data)) : nullptr;
 }
 
 NSRef<NSString> NSString::substringFromIndex(std::size_t index) const {
