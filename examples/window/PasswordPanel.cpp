@@ -86,7 +86,8 @@ void PasswordPanel::choose(const QString& place) {
                   });
 }
 
-void PasswordPanel::perform(Background::Work work, Done done, const std::vector<Recovery>& recoveries) {
+void PasswordPanel::perform(const Background::Work& work, const Done& done,
+                            const std::vector<Recovery>& recoveries) {
   background_.run(work, [=, this](const NSRefPtr<NSError>& error) {
     if (error)
       recover(error, work, done, recoveries);
@@ -106,7 +107,7 @@ void PasswordPanel::recover(const NSRef<NSError>& error, const Background::Work&
   if (!presentError(this, error, recoveries) && status != errSecInteractionNotAllowed) reload();
 }
 
-void PasswordPanel::unlock(Done done) {
+void PasswordPanel::unlock(const Done& done) {
   const auto entered = askLine(this, localised("Unlock"), localised("&Passphrase:"), QString(), true);
   if (!entered) return;
   const auto passphrase = std::make_shared<QByteArray>(entered->toUtf8());
@@ -214,7 +215,7 @@ void PasswordPanel::remove() {
   perform([item] { return Passwords::remove(item); }, [this] { reload(); });
 }
 
-void PasswordPanel::withPassword(std::function<void(const QString&)> use) {
+void PasswordPanel::withPassword(const std::function<void(const QString&)>& use) {
   const Passwords::Item item = *selected();
   const auto password = std::make_shared<QString>();
   perform([item, password] { return Passwords::read(item, *password); }, [password, use] { use(*password); });

@@ -31,10 +31,10 @@ class PasswordPanel : public QWidget {
   void makeTable();
 
   /// Runs work; after a failure lets the person unlock the store, choose one of the recoveries or try again.
-  void perform(Background::Work work, Done done, const std::vector<Recovery>& recoveries = {});
+  void perform(const Background::Work& work, const Done& done, const std::vector<Recovery>& recoveries = {});
   void recover(const NSRef<NSError>& error, const Background::Work& work, const Done& done,
                std::vector<Recovery> recoveries);
-  void unlock(Done done);
+  void unlock(const Done& done);
 
   void reload();
   void fill();
@@ -47,7 +47,7 @@ class PasswordPanel : public QWidget {
   void remove();
   void reveal();
   void copy();
-  void withPassword(std::function<void(const QString&)> use);
+  void withPassword(const std::function<void(const QString&)>& use);
   const Passwords::Item* selected() const;
 
   Background& background_;
