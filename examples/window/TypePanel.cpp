@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFont>
+#include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -45,10 +46,12 @@ TypePanel::TypePanel() {
   choose->setShortcut(QKeySequence::Open);
   connect(choose, &QPushButton::clicked, this, [this] { chooseFile(); });
 
+  auto* top = new QHBoxLayout;
+  top->addWidget(file_, 1);
+  top->addWidget(choose);
   auto* rows = new QVBoxLayout(this);
-  for (QWidget* each :
-       {static_cast<QWidget*>(choose), static_cast<QWidget*>(file_), static_cast<QWidget*>(type_)})
-    rows->addWidget(each);
+  rows->addLayout(top);
+  rows->addWidget(type_);
   rows->addWidget(new QLabel(localised("It conforms to:"), this));
   rows->addWidget(conforms_);
 }
