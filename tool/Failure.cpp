@@ -1,7 +1,14 @@
 #include "tool/Failure.h"
 
 #include <Security/SecItem.h>
+#include <VXFoundation/VXFoundation.h>
 #include <VXFoundation/VXKeychainErrorExplanation.h>
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+
+#include "tool/Printable.h"
 
 namespace {
 
@@ -16,25 +23,26 @@ std::string explained(std::string what, OSStatus status) {
 
 }  // namespace
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <iostream>
-
 void failWithErrno(const std::string& what) { throw Failure(what + ": " + std::strerror(errno)); }
 
-void complain(std::string message) {
-  // A name in the message may contain newlines, but the message is always one line.
-  std::replace(message.begin(), message.end(), '\n', ' ');
-  std::cerr << "vxfoundation: " << message << std::endl;
+void complain(const std::string& message) {
+  std::cerr << "vxfoundation: " << printable(message) << std::endl;
+}
+
+std::string libraryText(const char* key, const char* table) {
+  const auto bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
+  return std::string(*bundle->localizedStringForKey(NSString::stringWithUTF8String(key), "",
+                                                    NSString::stringWithUTF8String(table)));
 }
 
 std::string messageOf(OSStatus status) {
   return std::to_string(status) + ": " + std::string(*SecCopyErrorMessageString(status));
 }
 
+Failure failureOf(OSStatus status, const std::string& what) { return Failure(explained(what, status)); }
+
 void requireSuccess(OSStatus status, const std::string& what) {
-  if (status != errSecSuccess) throw Failure(explained(what, status));
+  if (status != errSecSuccess) throw failureOf(status, what);
 }
 
 std::string explain(const NSError& error) {

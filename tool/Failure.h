@@ -5,22 +5,33 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 /// Why a subcommand failed, in one line for standard error. Ends the tool with status 1.
 class Failure : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  /// The details are lines for people that follow the message on standard error.
+  explicit Failure(const std::string& message, std::string details = "")
+      : std::runtime_error(message), details_(std::move(details)) {}
+
+  const std::string& details() const { return details_; }
+
+ private:
+  std::string details_;
 };
 
 /// Throws Failure with the system's message for `errno` after `what`.
 [[noreturn]] void failWithErrno(const std::string& what);
-/// Writes a failure to standard error, as one line.
-void complain(std::string message);
+/// Writes a failure to standard error, as one printable line.
+void complain(const std::string& message);
+/// Returns one of the library's own texts in the user's language.
+std::string libraryText(const char* key, const char* table = nullptr);
 
 /// Returns the number of a status and the platform's message for it.
 std::string messageOf(OSStatus status);
-/// Throws Failure with `what`, what to do about it, if that is known, and that message, unless the status is
-/// errSecSuccess.
+/// Returns a failure with `what`, what to do about it, if that is known, and that message.
+Failure failureOf(OSStatus status, const std::string& what);
+/// Throws that failure, unless the status is errSecSuccess.
 void requireSuccess(OSStatus status, const std::string& what);
 /// Returns the description of a keychain error, what to do about it, if that is known, and the status and
 /// message of the platform's error underneath it, if there is one.

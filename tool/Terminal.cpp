@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "tool/Failure.h"
+#include "tool/Printable.h"
 
 namespace {
 
@@ -80,7 +81,7 @@ class HiddenQuestion {
     hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0)
       throw Failure("the terminal's echo cannot be turned off");
-    show(question_ + ": ");
+    show(printable(question_) + ": ");
   }
 
   void showInput() {
@@ -167,7 +168,7 @@ bool agrees(const std::string& question) {
 
 std::optional<std::size_t> TerminalPresenter::choose(const NSError& error, const NSArray& localizedOptions) {
   for (;;) {
-    show(explain(error) + '\n');
+    show(printable(explain(error)) + '\n');
     for (std::size_t index = 0; index < localizedOptions.count(); ++index)
       show("  " + std::to_string(index + 1) + "  " +
            std::string(*localizedOptions.objectAtIndex(index)->description()) + '\n');
