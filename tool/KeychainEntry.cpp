@@ -1,5 +1,7 @@
 #include "tool/KeychainEntry.h"
 
+#include <Foundation/NSUnicode.h>
+
 #include <iterator>
 
 namespace {
@@ -35,15 +37,16 @@ NSRef<NSString> stringOfArgument(const std::string& argument) {
   return NSString::stringWithUTF8String(argument);
 }
 
-std::string nameOfProtocol(VXInternetKeychainItemProtocol protocol) { return protocols[protocol]; }
+SecText textOfArgument(const std::string& argument) { return SecText(*NSUTF16FromUTF8(argument)); }
 
-void KeychainEntry::addOptions(CLI::App& command) {
-  command.add_option("--account", account, "The account")->required()->check(isUTF8);
+void KeychainEntry::addOptions(CLI::App& command, Required required) {
+  CLI::Option* name = command.add_option("--account", account, "The account");
+  name->check(isUTF8)->required(required == Required::kindAndAccount);
   CLI::Option_group* kind = command.add_option_group("kind");
   kind->add_option("--service", service, "The service of a generic password")->check(isUTF8);
   CLI::Option* host = kind->add_option("--server", server, "The server of an internet password");
   host->check(isUTF8);
-  kind->require_option(1);
+  kind->require_option(required == Required::nothing ? 0 : 1, 1);
   command.add_option("--path", path, "The path on the server")->check(isUTF8)->needs(host);
   command.add_option("--port", port, "The port of the server")
       ->check(isDecimal)
@@ -57,16 +60,31 @@ void KeychainEntry::addOptions(CLI::App& command) {
 NSRef<VXPasswordKeychainItem> KeychainEntry::makeItem(const NSRefPtr<NSString>& password,
                                                       const NSRefPtr<NSString>& label) const {
   if (service)
-    return VXGenericKeychainItem::keychainItemWithUsername(stringOfArgument(account), password, label,
+    return VXGenericKeychainItem::keychainItemWithUsername(stringOf(account), password, label,
                                                            stringOf(service));
-  return VXInternetKeychainItem::keychainItemWithUsername(stringOfArgument(account), password, label,
-                                                          stringOf(server), stringOf(path), port,
-                                                          protocolNamed(protocol));
+  return VXInternetKeychainItem::keychainItemWithUsername(
+      stringOf(account), password, label, stringOf(server), stringOf(path), port, protocolNamed(protocol));
 }
 
-NSRef<VXPasswordKeychainItem> KeychainEntry::findItem() const {
-  if (service)
-    return VXGenericKeychainItem::findKeychainItemForUsername(stringOfArgument(account), stringOf(service));
-  return VXInternetKeychainItem::findKeychainItemForUsername(stringOfArgument(account), stringOf(server),
-                                                             stringOf(path), port, protocolNamed(protocol));
+SecAttributes KeychainEntry::attributes() const {
+  SecAttributes attributes;
+  const auto set = [](std::optional<SecText>& attribute, const std::optional<std::string>& argument) {
+    if (argument) attribute = textOfArgument(*argument);
+  };
+  if (server) attributes.itemClass = SecItemClass::internetPassword;
+  set(attributes.account, account);
+  set(attributes.service, service);
+  set(attributes.server, server);
+  set(attributes.path, path);
+  if (port != 0) attributes.port = port;
+  if (!protocol.empty()) attributes.protocol = textOfArgument(protocol);
+  return attributes;
+}
+
+std::vector<SecQuery> KeychainEntry::queries() const {
+  std::vector<SecQuery> queries{{attributes()}};
+  if (service || server) return queries;
+  queries.push_back(queries.front());
+  queries.back().attributes.itemClass = SecItemClass::internetPassword;
+  return queries;
 }

@@ -64,4 +64,8 @@ std::shared_ptr<SecStorage> KeychainStore::openUnlocked() const {
   return file;
 }
 
-void KeychainStore::open() const { secSetDefaultStorage(openUnlocked()); }
+std::shared_ptr<SecStorage> KeychainStore::open() const {
+  const std::shared_ptr<SecStorage> storage = openUnlocked();
+  secSetDefaultStorage(storage);
+  return storage;
+}

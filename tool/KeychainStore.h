@@ -28,5 +28,5 @@ struct KeychainStore {
   /// Opens it, unlocked if that takes no passphrase or one can be obtained.
   std::shared_ptr<SecStorage> openUnlocked() const;
   /// Does the same, and makes it the process's default store.
-  void open() const;
+  std::shared_ptr<SecStorage> open() const;
 };

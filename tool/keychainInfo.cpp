@@ -3,6 +3,7 @@
 #include "tool/Failure.h"
 #include "tool/KeychainFile.h"
 #include "tool/KeychainUpkeep.h"
+#include "tool/Printable.h"
 #include "tool/StandardStreams.h"
 
 namespace {
@@ -26,7 +27,7 @@ int showInfo(const KeychainStore& store) {
   const std::shared_ptr<SecStorage> storage = store.openAsItIs();
   SecStorageInfo info;
   requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
-  writeStandardOutput("store: " + info.place + "\nprotection: " + info.protection +
+  writeStandardOutput("store: " + printable(info.place) + "\nprotection: " + info.protection +
                       "\nentries: " + std::to_string(info.entries) + '\n');
   if (const auto file = std::dynamic_pointer_cast<SecFileStorage>(storage))
     writeStandardOutput(leftovers(store, *file));

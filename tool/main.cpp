@@ -83,6 +83,10 @@ int main(int argc, char** argv) {
     return run(argc, argv);
   } catch (const OutputClosed&) {
     return failed;  // whoever closed it knows
+  } catch (const Failure& failure) {
+    complain(failure.what(), failed);
+    std::cerr << failure.details() << std::flush;
+    return failed;
   } catch (const std::bad_alloc&) {
     return complain("there is not enough memory", failed);
   } catch (const std::exception& error) {
