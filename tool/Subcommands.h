@@ -13,3 +13,7 @@ void addDigest(CLI::App& app, Action& action);
 void addKeychain(CLI::App& app, Action& action);
 void addConforms(CLI::App& app, Action& action);
 void addType(CLI::App& app, Action& action);
+
+/// Makes `app` the credential helper of git, which the tool is under another name (gitcredentials(7), "Custom
+/// helpers").
+void addGitHelper(CLI::App& app, Action& action);

@@ -35,7 +35,7 @@ std::string explain(CLI::App& app, const CLI::ParseError& error) {
 /// The parser also reports help and version as errors, with the exit code 0.
 int finish(CLI::App& app, const CLI::ParseError& error) {
   if (error.get_exit_code() != 0)
-    return complain(explain(app, error) + "; see vxfoundation --help", wrongUsage);
+    return complain(explain(app, error) + "; see " + app.get_name() + " --help", wrongUsage);
   std::ostringstream text;
   app.exit(error, text);
   writeStandardOutput(text.str());
@@ -47,22 +47,45 @@ std::string version(bool verbose) {
   return verbose ? text + "\nkernels: " + VXCodecKernelsInUse() : text;
 }
 
-int run(int argc, char** argv) {
-  CLI::App app("Codecs, digests, types of files and the keychain on the command line", "vxfoundation");
-  app.set_version_flag(
-      "--version", [&app] { return version(app.count("--verbose") > 0); },
-      "Print the version; with --verbose, also the codec kernels in use");
+void addSubcommands(CLI::App& app, Action& action) {
   app.require_subcommand(1);
-  app.fallthrough();  // --verbose is accepted anywhere
-  app.add_flag_callback(
-      "--verbose", [] { NSLogSetSink({}); }, "Show the library's log");
-  Action action;
   addEncode(app, action);
   addDecode(app, action);
   addDigest(app, action);
   addKeychain(app, action);
   addConforms(app, action);
   addType(app, action);
+}
+
+/// What the tool is under each of its names.
+struct Program {
+  std::string_view name;
+  const char* purpose;
+  void (*add)(CLI::App& app, Action& action);
+};
+
+constexpr Program programs[] = {
+    {"git-credential-vxfoundation", "Keep the passwords of git in the keychain", addGitHelper},
+    {"vxfoundation", "Codecs, digests, types of files and the keychain on the command line", addSubcommands}};
+
+const Program& programNamed(std::string_view path) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  const auto found = std::find_if(std::begin(programs), std::prev(std::end(programs)),
+                                  [name](const Program& program) { return program.name == name; });
+  return *found;
+}
+
+int run(int argc, char** argv) {
+  const Program& program = programNamed(argc > 0 ? argv[0] : "");
+  CLI::App app(program.purpose, std::string(program.name));
+  app.set_version_flag(
+      "--version", [&app] { return version(app.count("--verbose") > 0); },
+      "Print the version; with --verbose, also the codec kernels in use");
+  app.fallthrough();  // --verbose is accepted anywhere
+  app.add_flag_callback(
+      "--verbose", [] { NSLogSetSink({}); }, "Show the library's log");
+  Action action;
+  program.add(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
