@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures prove
+.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -30,6 +30,9 @@ bench:
 
 desktops:
 	scripts/desktops $(ARGS)
+
+clients:
+	scripts/clients $(ARGS)
 
 check-arm64:
 	scripts/check-arm64 $(ARGS)

@@ -14,6 +14,9 @@ void addKeychain(CLI::App& app, Action& action);
 void addConforms(CLI::App& app, Action& action);
 void addType(CLI::App& app, Action& action);
 
-/// Makes `app` the credential helper of git, which the tool is under another name (gitcredentials(7), "Custom
-/// helpers").
+/// Each makes `app` a credential helper, which the tool is under another name: of git (gitcredentials(7),
+/// "Custom helpers") or of Docker (docker-credential-helpers).
+///@{
 void addGitHelper(CLI::App& app, Action& action);
+void addDockerHelper(CLI::App& app, Action& action);
+///@}

@@ -66,6 +66,7 @@ struct Program {
 
 constexpr Program programs[] = {
     {"git-credential-vxfoundation", "Keep the passwords of git in the keychain", addGitHelper},
+    {"docker-credential-vxfoundation", "Keep the passwords of Docker in the keychain", addDockerHelper},
     {"vxfoundation", "Codecs, digests, types of files and the keychain on the command line", addSubcommands}};
 
 const Program& programNamed(std::string_view path) {
