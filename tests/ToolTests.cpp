@@ -73,8 +73,10 @@ class ToolTest : public testing::TestWithParam<Case> {
     std::filesystem::create_directory(folder_.root / "work");
     setenv("XDG_CONFIG_HOME", (folder_.root / "work").c_str(), 1);
     writeFile(folder_.root / "script", script.str());
-    EXPECT_EQ(std::system(("cd " + (folder_.root / "work").string() + " && sh ../script </dev/null").c_str()),
-              0);
+    EXPECT_EQ(
+        std::system(
+            ("cd " + (folder_.root / "work").string() + " && setsid -w sh ../script </dev/null").c_str()),
+        0);
   }
   std::string written(const char* name, std::size_t command) {
     return readFile(folder_.root / (name + std::to_string(command)));

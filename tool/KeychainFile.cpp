@@ -31,6 +31,14 @@ std::unique_ptr<SecFileStorage> openStoreFile(const KeychainStore& store, SecFil
   return file;
 }
 
+std::unique_ptr<SecFileStorage> findStoreFile(const KeychainStore& store) {
+  std::unique_ptr<SecFileStorage> file;
+  const OSStatus status = SecFileStorage::open(placeOf(store), SecFileStorage::Missing::refuse, file);
+  if (status != errSecNoSuchKeychain || !store.place.empty())
+    requireSuccess(status, "the keychain cannot be opened");
+  return file;
+}
+
 SecFileInfo infoOf(SecFileStorage& file) {
   SecFileInfo info;
   requireSuccess(file.info(info), "the keychain cannot be read");
@@ -43,7 +51,7 @@ NSRefPtr<NSData> readPassphrase(const KeychainStore& store, const std::string& q
     if (!line) throw Failure("there is no passphrase to read");
     return line;
   }
-  return isOnTerminal() ? NSRefPtr<NSData>(askSecret(question)) : nullptr;
+  return !store.noPrompt && hasTerminal() ? NSRefPtr<NSData>(askSecret(question)) : nullptr;
 }
 
 NSRef<NSData> readNewPassphrase(const KeychainStore& store) {

@@ -37,11 +37,13 @@ void KeychainStore::addOptions(CLI::App& keychain) {
   keychain
       .add_option("--keychain", place,
                   "The store file, :memory: or :desktop:; by default the user's store file")
+      ->envname("VXFOUNDATION_KEYCHAIN")
       ->check(isUTF8)
       ->check(isPlace);
   keychain.add_flag("--allow-shared-folder", allowSharedFolder,
                     "Use a store file in a folder that other users may write to");
-  keychain.add_flag("--no-prompt", noPrompt, "Do not let the desktop's credential service ask anything");
+  keychain.add_flag("--no-prompt", noPrompt,
+                    "Ask for no passphrase, and do not let the desktop's credential service ask anything");
   keychain
       .add_option("--passphrase-fd", passphraseDescriptor,
                   "Read a passphrase, one line, from this descriptor")
@@ -54,18 +56,20 @@ bool KeychainStore::isOnDesktop() const { return place == onDesktop; }
 std::shared_ptr<SecStorage> KeychainStore::openAsItIs() const {
   if (isInMemory()) return std::make_shared<SecMemoryStorage>();
   if (isOnDesktop()) return openDesktop(*this);
-  return openStoreFile(*this, SecFileStorage::Missing::make);
+  return findStoreFile(*this);
 }
 
-std::shared_ptr<SecStorage> KeychainStore::openUnlocked() const {
+std::shared_ptr<SecStorage> KeychainStore::openUnlocked(Missing missing) const {
   if (isInMemory() || isOnDesktop()) return openAsItIs();
-  std::unique_ptr<SecFileStorage> file = openStoreFile(*this, SecFileStorage::Missing::make);
+  std::unique_ptr<SecFileStorage> file =
+      missing == Missing::make ? openStoreFile(*this, missing) : findStoreFile(*this);
+  if (!file) return std::make_shared<SecMemoryStorage>();
   unlock(*file, *this);
   return file;
 }
 
-std::shared_ptr<SecStorage> KeychainStore::open() const {
-  const std::shared_ptr<SecStorage> storage = openUnlocked();
+std::shared_ptr<SecStorage> KeychainStore::open(Missing missing) const {
+  const std::shared_ptr<SecStorage> storage = openUnlocked(missing);
   secSetDefaultStorage(storage);
   return storage;
 }

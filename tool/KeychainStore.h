@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Security/SecStorage.h>
+#include <Security/SecFileStorage.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -9,6 +9,8 @@
 
 /// Which store the keychain subcommands act on. Opening throws Failure if it is not possible.
 struct KeychainStore {
+  using Missing = SecFileStorage::Missing;
+
   // Empty for the user's file, ":memory:" for a store that ends with the process, ":desktop:" for the
   // desktop's credential service.
   std::string place;
@@ -23,10 +25,11 @@ struct KeychainStore {
 
   bool isInMemory() const;
   bool isOnDesktop() const;
-  /// Opens it, unlocked if that takes no passphrase.
+  /// Opens it, unlocked if that takes no passphrase; returns null if it is the user's own and is missing.
   std::shared_ptr<SecStorage> openAsItIs() const;
-  /// Opens it, unlocked if that takes no passphrase or one can be obtained.
-  std::shared_ptr<SecStorage> openUnlocked() const;
+  /// Opens it, unlocked if that takes no passphrase or one can be obtained. A file that is missing is made or
+  /// refused, but the user's own, if it is not to be made, is an empty store.
+  std::shared_ptr<SecStorage> openUnlocked(Missing missing) const;
   /// Does the same, and makes it the process's default store.
-  std::shared_ptr<SecStorage> open() const;
+  std::shared_ptr<SecStorage> open(Missing missing = Missing::make) const;
 };

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "tool/Descriptor.h"
 #include "tool/Failure.h"
 #include "tool/Printable.h"
 
@@ -47,8 +48,9 @@ sigset_t interruptions() {
 /// it asks again.
 class HiddenQuestion {
  public:
-  explicit HiddenQuestion(std::string question)
+  HiddenQuestion(std::string question, int terminal)
       : question_(std::move(question)),
+        terminal_(terminal),
         interruptions_(interruptions()),
         interrupted_(signalfd(-1, &interruptions_, SFD_CLOEXEC)) {
     if (interrupted_ < 0) throw Failure(std::string("cannot wait for signals: ") + std::strerror(errno));
@@ -65,7 +67,7 @@ class HiddenQuestion {
   /// Waits until there is something to read. Returns false if a signal came first: what has been read so far
   /// is then not part of the answer.
   bool wait() {
-    pollfd events[] = {{STDIN_FILENO, POLLIN, 0}, {interrupted_, POLLIN, 0}};
+    pollfd events[] = {{terminal_, POLLIN, 0}, {interrupted_, POLLIN, 0}};
     while (poll(events, 2, -1) < 0 && errno == EINTR) continue;
     if (events[1].revents == 0) return true;
     showInput();
@@ -75,21 +77,22 @@ class HiddenQuestion {
 
  private:
   void ask() {
-    if (tcgetattr(STDIN_FILENO, &original_) != 0) throw Failure("the terminal's settings cannot be read");
+    if (tcgetattr(terminal_, &original_) != 0) throw Failure("the terminal's settings cannot be read");
     sigprocmask(SIG_BLOCK, &interruptions_, &before_);
     termios hidden = original_;
     hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) != 0)
+    if (tcsetattr(terminal_, TCSAFLUSH, &hidden) != 0)
       throw Failure("the terminal's echo cannot be turned off");
     show(printable(question_) + ": ");
   }
 
   void showInput() {
-    tcsetattr(STDIN_FILENO, TCSANOW, &original_);
+    tcsetattr(terminal_, TCSANOW, &original_);
     sigprocmask(SIG_SETMASK, &before_, nullptr);  // signals that wait take effect here
   }
 
   std::string question_;
+  int terminal_;
   sigset_t interruptions_;
   int interrupted_;
   termios original_{};
@@ -149,8 +152,10 @@ NSRefPtr<NSData> readSecretLine(int descriptor) {
 }
 
 NSRef<NSData> askSecret(const std::string& question) {
-  HiddenQuestion hidden(question);
-  const NSRefPtr<NSData> answer = readLine(STDIN_FILENO, [&] { return hidden.wait(); });
+  const Descriptor controlling(isOnTerminal() ? -1 : open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
+  const int terminal = controlling ? controlling.number() : STDIN_FILENO;
+  HiddenQuestion hidden(question, terminal);
+  const NSRefPtr<NSData> answer = readLine(terminal, [&] { return hidden.wait(); });
   if (!answer) throw Failure("nothing was entered");
   return answer;
 }

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-/// Questions to the person at the terminal, which is used if it is standard input. They are written to the
+/// Questions to the person at the terminal. They are written to the
 /// terminal itself, so that no part of them is in the tool's output.
 
 bool isOnTerminal();
@@ -15,7 +15,8 @@ bool isOnTerminal();
 /// from.
 bool hasTerminal();
 
-/// Asks for a secret without showing what is typed; asks again when the tool goes on after it was suspended.
+/// Asks for a secret without showing what is typed, at the controlling terminal if standard input is not a
+/// terminal; asks again when the tool goes on after it was suspended.
 /// The result is cleansed from memory after use. Throws Failure if the input ends first, or as
 /// readSecretLine.
 NSRef<NSData> askSecret(const std::string& question);

@@ -37,9 +37,10 @@ SecQuery queryFor(std::string_view server) {
 
 std::vector<SecRow> rowsOf(const KeychainStore& keychain, const SecQuery& query, SecSecrets secrets) {
   std::vector<SecRow> rows;
-  readIn(*keychain.open(), "the keychain cannot be read", [&](SecTransaction& transaction) {
-    rows = matches(transaction, {&query, 1}, secrets);
-  });
+  readIn(*keychain.open(SecFileStorage::Missing::refuse), "the keychain cannot be read",
+         [&](SecTransaction& transaction) {
+           rows = matches(transaction, {&query, 1}, secrets);
+         });
   return rows;
 }
 
@@ -70,7 +71,7 @@ void store(const KeychainStore& keychain) {
 
 void erase(const KeychainStore& keychain) {
   const SecQuery query = queryFor(serverFromInput());
-  changeIn(*keychain.open(), "the password was not erased",
+  changeIn(*keychain.open(SecFileStorage::Missing::refuse), "the password was not erased",
            [&](SecTransaction& transaction) { removeAll(transaction, query); });
 }
 

@@ -82,22 +82,25 @@ void erase(SecStorage& storage, const GitCredential& request) {
   });
 }
 
-using Operation = void (*)(SecStorage&, const GitCredential&);
+struct Operation {
+  void (*run)(SecStorage&, const GitCredential&);
+  SecFileStorage::Missing missing;
+};
 
 Operation operationNamed(const std::string& name) {
-  if (name == "get") return get;
-  if (name == "store") return store;
-  return name == "erase" ? erase : nullptr;
+  if (name == "get") return {get, SecFileStorage::Missing::refuse};
+  if (name == "store") return {store, SecFileStorage::Missing::make};
+  return {name == "erase" ? erase : nullptr, SecFileStorage::Missing::refuse};
 }
 
 int run(const std::string& name, KeychainStore& keychain) {
   const Operation operation = operationNamed(name);
-  if (!operation) return 0;  // of a later git
+  if (!operation.run) return 0;  // of a later git
   const NSRef<NSData> input = readSecretInput();
   const GitCredential request = GitCredential::ofRequest(textOf(input->bytes()));
   const char* const prompts = std::getenv("GIT_TERMINAL_PROMPT");
   if (prompts && isFalseForGit(prompts)) keychain.noPrompt = true;
-  if (request.isNamed()) operation(*keychain.open(), request);
+  if (request.isNamed()) operation.run(*keychain.open(operation.missing), request);
   return 0;
 }
 

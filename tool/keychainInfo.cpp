@@ -26,7 +26,10 @@ std::string leftovers(const KeychainStore& store, SecFileStorage& file) {
 int showInfo(const KeychainStore& store) {
   const std::shared_ptr<SecStorage> storage = store.openAsItIs();
   SecStorageInfo info;
-  requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
+  if (storage)
+    requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
+  else
+    info = {placeOf(store).store, "none; there is no store yet"};
   writeStandardOutput("store: " + printable(info.place) + "\nprotection: " + info.protection +
                       "\nentries: " + std::to_string(info.entries) + '\n');
   if (const auto file = std::dynamic_pointer_cast<SecFileStorage>(storage))
@@ -35,10 +38,12 @@ int showInfo(const KeychainStore& store) {
 }
 
 int verify(const KeychainStore& store) {
-  const auto file = openStoreFile(store, SecFileStorage::Missing::make);
-  unlock(*file, store);
-  requireSuccess(file->verify(), "the keychain failed verification");
-  writeStandardOutput("intact, entries: " + std::to_string(infoOf(*file).entries) + '\n');
+  const auto file = findStoreFile(store);
+  if (file) {
+    unlock(*file, store);
+    requireSuccess(file->verify(), "the keychain failed verification");
+  }
+  writeStandardOutput("intact, entries: " + std::to_string(file ? infoOf(*file).entries : 0) + '\n');
   return 0;
 }
 

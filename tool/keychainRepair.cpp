@@ -30,7 +30,8 @@ int salvage(const KeychainStore& store, const std::string& to) {
   KeychainStore target = store;
   target.place = to;
   std::uint64_t entries = 0;
-  requireSuccess(SecFileStorage::salvage(place, passphrase->bytes(), *target.openUnlocked(), entries),
+  requireSuccess(SecFileStorage::salvage(place, passphrase->bytes(),
+                                         *target.openUnlocked(SecFileStorage::Missing::make), entries),
                  "the entries were not added to " + to);
   writeStandardOutput("salvaged, entries: " + std::to_string(entries) + '\n');
   return 0;
