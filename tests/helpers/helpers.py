@@ -34,7 +34,7 @@ class Home:
         self.path = pathlib.Path(self.folder.name)
         self.environment = {"HOME": self.folder.name, "PATH": f"{os.path.abspath(folder)}:{os.environ['PATH']}", "LC_ALL": "C",
                             "GIT_CONFIG_NOSYSTEM": "1", "GIT_TERMINAL_PROMPT": "0"}
-        kept = r".*SAN_OPTIONS" + (r"|VXFOUNDATION_KEYCHAIN|DBUS_.*" if on_bus else "")
+        kept = r".*SAN_OPTIONS" + ("|DBUS_.*" if on_bus else "")
         self.environment |= {name: value for name, value in os.environ.items() if re.fullmatch(kept, name)}
 
     def run(self, *command, stdin=b"", **environment):
