@@ -5,6 +5,7 @@
 #include "tool/Failure.h"
 #include "tool/StandardStreams.h"
 #include "tool/Subcommands.h"
+#include "tool/UsageError.h"
 
 namespace {
 
@@ -16,26 +17,9 @@ int complain(const std::string& message, int status) {
   return status;
 }
 
-/// Returns the innermost subcommand that the command line reached.
-CLI::App* reached(CLI::App& app) {
-  const auto chosen = app.get_subcommands();
-  return chosen.empty() ? &app : reached(*chosen.front());
-}
-
-std::string explain(CLI::App& app, const CLI::ParseError& error) {
-  const CLI::App* last = reached(app);
-  const bool expectsSubcommand = !last->get_subcommands([](const CLI::App*) { return true; }).empty();
-  const auto unknown = app.remaining(true);
-  if (expectsSubcommand && !unknown.empty() && !unknown.front().starts_with('-')) {
-    return "there is no subcommand '" + unknown.front() + "'";
-  }
-  return error.what();
-}
-
 /// The parser also reports help and version as errors, with the exit code 0.
 int finish(CLI::App& app, const CLI::ParseError& error) {
-  if (error.get_exit_code() != 0)
-    return complain(explain(app, error) + "; see " + app.get_name() + " --help", wrongUsage);
+  if (error.get_exit_code() != 0) return complain(explainUsageError(app, error), wrongUsage);
   std::ostringstream text;
   app.exit(error, text);
   writeStandardOutput(text.str());
