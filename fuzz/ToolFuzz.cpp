@@ -1,3 +1,7 @@
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <iostream>
 #include <sstream>
@@ -26,6 +30,7 @@ Outcome run(const std::filesystem::path& root, std::vector<std::string> argument
   std::filesystem::create_directory(home);
   for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
     ::setenv(variable, home.c_str(), 1);
+  ::unsetenv("VXFOUNDATION_KEYCHAIN");
   writeFile(in, input);
   fuzzRequire(std::freopen(in.c_str(), "r", stdin) && std::freopen(out.c_str(), "w", stdout),
               "streams can be replaced");
@@ -56,6 +61,15 @@ std::vector<std::string> argumentsFrom(FuzzInput& input) {
   return arguments;
 }
 
+/// Leaves the terminal at which passphrases would be asked for.
+bool hasNoTerminal() {
+  const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY);
+  if (terminal < 0) return true;
+  const bool left = ::ioctl(terminal, TIOCNOTTY) == 0;
+  ::close(terminal);
+  return left;
+}
+
 bool has(const std::vector<std::string>& arguments, std::string_view piece) {
   return std::any_of(arguments.begin(), arguments.end(),
                      [=](const std::string& argument) { return argument.find(piece) != std::string::npos; });
@@ -68,6 +82,8 @@ void judge(const std::vector<std::string>& arguments, const Outcome& outcome) {
   if (has(arguments, "--verbose")) return;  // the log is among the messages
   if (outcome.status == 0) return fuzzRequire(lines == 0 || has(arguments, "delete"), "success is silent");
   const bool ofFiles = outcome.status == 1 && has(arguments, "digest");
+  if (outcome.status == 1 && has(arguments, "import"))
+    return fuzzRequire(lines > 0 && outcome.output.empty(), "the entries in the way follow the reason");
   const bool isDocker = outcome.status == 1 && arguments.front() == "docker-credential-vxfoundation";
   if (isDocker) return fuzzRequire(lines == 0 && outcome.output.ends_with('\n'), "Docker reads the output");
   fuzzRequire(saysNo || lines == 1 || (ofFiles && lines > 1), "one line says why");
@@ -78,9 +94,11 @@ void judge(const std::vector<std::string>& arguments, const Outcome& outcome) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const TemporaryPlace place;
+  static const bool hasLeft = hasNoTerminal();
+  fuzzRequire(hasLeft, "nobody is asked anything");
   FuzzInput input(data, size);
   const std::vector<std::string> arguments = argumentsFrom(input);
-  if (has(arguments, "--passphrase-fd")) return 0;  // it would read the fuzzer's own files
+  if (has(arguments, "passphrase-fd")) return 0;  // it would read the fuzzer's own files
   judge(arguments, run(place.root, arguments, input.rest()));
   return 0;
 }

@@ -120,6 +120,7 @@ TEST(ToolTerminal, FollowsTheScript) {
   const auto begin = [&] {
     folder.emplace();
     const std::string store = "--keychain " + (folder->root / "store").string();
+    unsetenv("VXFOUNDATION_KEYCHAIN");
     setenv("tool", VX_TOOL " keychain", 1);
     setenv("vectors", VX_TESTS "/vectors", 1);
     setenv("root", folder->root.c_str(), 1);

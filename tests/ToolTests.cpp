@@ -67,8 +67,10 @@ class ToolTest : public testing::TestWithParam<Case> {
       script << "{\n"
              << commands[i].text << "\n} >../output" << i << " 2>../message" << i << "\necho $? >../status"
              << i << '\n';
+    unsetenv("VXFOUNDATION_KEYCHAIN");
     setenv("tool", VX_TOOL, 1);
     setenv("vectors", VX_TESTS "/vectors", 1);
+    setenv("tests", VX_TESTS, 1);
     setenv("LC_ALL", "C", 1);
     std::filesystem::create_directory(folder_.root / "work");
     setenv("XDG_CONFIG_HOME", (folder_.root / "work").c_str(), 1);

@@ -24,13 +24,13 @@ Descriptor::~Descriptor() {
 
 Descriptor Descriptor::openForReading(const std::string& path) {
   Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-  if (!file) failWithErrno("cannot read " + path);
+  if (!file) failWithErrno("cannot read {1}"_text(path));
   return file;
 }
 
 std::span<const std::byte> readPiece(int descriptor, std::span<std::byte> buffer, const std::string& name) {
   const ssize_t count = retried([&] { return read(descriptor, buffer.data(), buffer.size()); });
-  if (count < 0) failWithErrno("cannot read " + name);
+  if (count < 0) failWithErrno("cannot read {1}"_text(name));
   return buffer.first(static_cast<std::size_t>(count));
 }
 

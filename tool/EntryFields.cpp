@@ -81,6 +81,16 @@ std::vector<std::pair<std::string, FieldValue>> fieldsOf(const SecAttributes& at
   return fields;
 }
 
+std::optional<SecText>* textField(SecAttributes& attributes, std::string_view name) {
+  if (name == "account") return &attributes.account;
+  if (name == "service") return &attributes.service;
+  if (name == "server") return &attributes.server;
+  if (name == "label") return &attributes.label;
+  if (name == "path") return &attributes.path;
+  if (name == "protocol") return &attributes.protocol;
+  return nullptr;
+}
+
 std::string linesOf(const SecAttributes& attributes) {
   std::string lines;
   for (const auto& [name, value] : fieldsOf(attributes)) lines += name + ": " + printed(value) + '\n';

@@ -2,8 +2,10 @@
 
 #include <Security/SecStorage.h>
 
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -14,6 +16,9 @@
 using FieldValue = std::variant<std::u16string_view, std::int64_t>;
 std::vector<std::pair<std::string, FieldValue>> fieldsOf(const SecAttributes& attributes);
 ///@}
+
+/// Returns the place for the text of a field, or null if no field that is text has the name.
+std::optional<SecText>* textField(SecAttributes& attributes, std::string_view name);
 
 /// Returns "generic" or "internet".
 const char* kindOf(const SecAttributes& attributes);

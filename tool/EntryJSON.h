@@ -3,6 +3,8 @@
 #include <Security/SecStorage.h>
 
 #include <span>
+#include <string_view>
+#include <vector>
 
 #include "tool/JSONText.h"
 
@@ -13,3 +15,7 @@ enum class JSONSecrets { leave, write };
 void appendEntry(JSONText& text, const SecEntry& entry, JSONSecrets secrets);
 /// Returns an array of entries, one in a line.
 JSONText arrayOf(std::span<const SecRow> rows, JSONSecrets secrets);
+
+/// Returns the entries of an array that was written with secrets; the numbers of the rows mean nothing.
+/// Throws Failure, with the place, for anything else.
+std::vector<SecRow> rowsOfJSON(std::string_view json);

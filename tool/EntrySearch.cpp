@@ -9,7 +9,7 @@
 
 namespace {
 
-void transact(SecStorage& storage, SecStorage::Access access, const std::string& what,
+void transact(SecStorage& storage, SecStorage::Access access, const Message& what,
               const SecStorage::Work& work) {
   std::exception_ptr thrown;  // storages let only SecFailure pass
   const OSStatus status = storage.transact(access, [&](SecTransaction& transaction) {
@@ -34,6 +34,13 @@ std::vector<SecRow> matches(SecTransaction& transaction, std::span<const SecQuer
   return rows;
 }
 
+std::vector<SecRow> matches(SecStorage& storage, std::span<const SecQuery> queries, SecSecrets secrets) {
+  std::vector<SecRow> rows;
+  readIn(storage, "the keychain cannot be read"_text,
+         [&](SecTransaction& transaction) { rows = matches(transaction, queries, secrets); });
+  return rows;
+}
+
 std::optional<SecRow> exactMatch(SecTransaction& transaction, const SecAttributes& attributes,
                                  SecSecrets secrets) {
   std::optional<SecRow> exact;
@@ -46,15 +53,15 @@ std::optional<SecRow> onlyMatch(SecTransaction& transaction, const SecQuery& que
   if (rows.empty()) return std::nullopt;
   if (rows.size() == 1) return exactMatch(transaction, rows.front().entry.attributes, secrets);
   auto exact = exactMatch(transaction, query.attributes, secrets);
-  if (!exact) throw Failure("several entries match; name one of them exactly", tableOf(rows));
+  if (!exact) throw Failure("several entries match; name one of them exactly"_text, tableOf(rows));
   return exact;
 }
 
-void readIn(SecStorage& storage, const std::string& what, const SecStorage::Work& work) {
+void readIn(SecStorage& storage, const Message& what, const SecStorage::Work& work) {
   transact(storage, SecStorage::Access::read, what, work);
 }
 
-void changeIn(SecStorage& storage, const std::string& what, const SecStorage::Work& work) {
+void changeIn(SecStorage& storage, const Message& what, const SecStorage::Work& work) {
   transact(storage, SecStorage::Access::change, what, work);
 }
 

@@ -23,25 +23,22 @@ std::string explained(std::string what, OSStatus status) {
 
 }  // namespace
 
-void failWithErrno(const std::string& what) { throw Failure(what + ": " + std::strerror(errno)); }
-
-void complain(const std::string& message) {
-  std::cerr << "vxfoundation: " << printable(message) << std::endl;
+void failWithErrno(const Message& what) {
+  const std::string reason = std::strerror(errno);
+  throw Failure(what.text() + ": " + reason);
 }
 
-std::string libraryText(const char* key, const char* table) {
-  const auto bundle = NSBundle::bundleWithIdentifier(VXFoundationBundleIdentifier);
-  return std::string(*bundle->localizedStringForKey(NSString::stringWithUTF8String(key), "",
-                                                    NSString::stringWithUTF8String(table)));
+void complain(const Message& message) {
+  std::cerr << "vxfoundation: " << printable(message.text()) << std::endl;
 }
 
 std::string messageOf(OSStatus status) {
   return std::to_string(status) + ": " + std::string(*SecCopyErrorMessageString(status));
 }
 
-Failure failureOf(OSStatus status, const std::string& what) { return Failure(explained(what, status)); }
+Failure failureOf(OSStatus status, const Message& what) { return Failure(explained(what.text(), status)); }
 
-void requireSuccess(OSStatus status, const std::string& what) {
+void requireSuccess(OSStatus status, const Message& what) {
   if (status != errSecSuccess) throw failureOf(status, what);
 }
 

@@ -29,7 +29,7 @@ std::string_view takeLine(std::string_view& text) {
 std::optional<SecText> textOfValue(const GitCredential::Value& value) {
   if (!value) return std::nullopt;
   const auto units = NSUTF16FromUTF8(*value);
-  if (!units) throw Failure("the name of a credential is not UTF-8");
+  if (!units) throw Failure("the name of a credential is not UTF-8"_text);
   return SecText(*units);
 }
 
@@ -68,10 +68,11 @@ bool GitCredential::addLine(std::string_view line) {
 }
 
 GitCredential GitCredential::ofRequest(std::string_view text) {
-  if (text.size() >= limit) throw Failure("the credential is too large");
+  if (text.size() >= limit) throw Failure("the credential is too large"_text);
   GitCredential credential;
   while (!text.empty() && text.front() != '\n')
-    if (!credential.addLine(takeLine(text))) throw Failure("the description of the credential is malformed");
+    if (!credential.addLine(takeLine(text)))
+      throw Failure("the description of the credential is malformed"_text);
   return credential;
 }
 

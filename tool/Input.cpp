@@ -10,7 +10,7 @@ namespace {
 
 struct stat statusOf(int descriptor, const std::string& name) {
   struct stat status = {};
-  if (fstat(descriptor, &status) != 0) failWithErrno("cannot read " + name);
+  if (fstat(descriptor, &status) != 0) failWithErrno("cannot read {1}"_text(name));
   return status;
 }
 
@@ -21,7 +21,7 @@ bool isSame(const timespec& one, const timespec& other) {
 }  // namespace
 
 Input::Input(const std::string& path)
-    : name_(path == "-" ? "the input" : path),
+    : name_(path == "-" ? "the input"_text.text() : path),
       file_(path == "-" ? Descriptor() : Descriptor::openForReading(path)),
       before_(statusOf(number(), name_)),
       start_(std::max<off_t>(lseek(number(), 0, SEEK_CUR), 0)),
@@ -36,14 +36,14 @@ void Input::requireOtherOutput() const {
   struct stat output = {};
   if (isRegular() && fstat(STDOUT_FILENO, &output) == 0 && output.st_dev == before_.st_dev &&
       output.st_ino == before_.st_ino)
-    throw Failure(name_ + " is also the output");
+    throw Failure("{1} is also the output"_text(name_));
 }
 
 std::span<const std::byte> Input::read() { return readPiece(number(), piece_, name_); }
 
 void Input::rewind() {
   requireUnchanged();
-  if (lseek(number(), start_, SEEK_SET) < 0) failWithErrno("cannot read " + name_ + " again");
+  if (lseek(number(), start_, SEEK_SET) < 0) failWithErrno("cannot read {1} again"_text(name_));
 }
 
 void Input::requireUnchanged() const {
@@ -51,5 +51,5 @@ void Input::requireUnchanged() const {
   const struct stat now = statusOf(number(), name_);
   if (now.st_size != before_.st_size || !isSame(now.st_mtim, before_.st_mtim) ||
       !isSame(now.st_ctim, before_.st_ctim))
-    throw Failure(name_ + " was changed or removed while it was being read");
+    throw Failure("{1} was changed or removed while it was being read"_text(name_));
 }

@@ -3,6 +3,7 @@
 #include <Foundation/NSUnicode.h>
 
 #include <algorithm>
+#include <charconv>
 
 #include "tool/CodePoints.h"
 #include "tool/Failure.h"
@@ -11,19 +12,16 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 constexpr int deepest = 100;
-
-[[noreturn]] void fail() { throw Failure("the JSON is malformed"); }
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-void append(SecretText& text, char32_t point) {
-  encodePoint(point, [&](char unit) { text << std::string_view(&unit, 1); });
-}
+constexpr std::string_view space = " \t\r\n";
 
 }  // namespace
 
+void JSONReader::fail() const {
+  throw Failure("the JSON is malformed at byte {1}"_text(std::to_string(length_ - rest_.size() + 1)));
+}
+
 char JSONReader::peek() {
-  rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t\r\n"), rest_.size()));
+  rest_.remove_prefix(std::min(rest_.find_first_not_of(space), rest_.size()));
   if (rest_.empty()) fail();
   return rest_.front();
 }
@@ -36,6 +34,12 @@ bool JSONReader::take(char expected) {
 
 void JSONReader::require(char expected) {
   if (!take(expected)) fail();
+}
+
+bool JSONReader::skipAny(std::string_view characters) {
+  const bool found = !rest_.empty() && characters.find(rest_.front()) != characters.npos;
+  rest_.remove_prefix(found);
+  return found;
 }
 
 void JSONReader::enter() {
@@ -66,18 +70,13 @@ void JSONReader::word(std::string_view expected) {
 }
 
 void JSONReader::digits() {
-  if (rest_.empty() || !isDigit(rest_.front())) fail();
-  rest_.remove_prefix(std::min(rest_.find_first_not_of("0123456789"), rest_.size()));
+  if (!skipAny("0123456789")) fail();
+  while (skipAny("0123456789")) continue;
 }
 
 std::string_view JSONReader::number() {
   peek();
   const std::string_view start = rest_;
-  const auto skipAny = [this](std::string_view characters) {
-    const bool found = !rest_.empty() && characters.find(rest_.front()) != characters.npos;
-    rest_.remove_prefix(found);
-    return found;
-  };
   skipAny("-");
   if (!skipAny("0")) digits();
   if (skipAny(".")) digits();
@@ -85,41 +84,51 @@ std::string_view JSONReader::number() {
   return start.substr(0, start.size() - rest_.size());
 }
 
-SecretText JSONReader::string() {
+std::int64_t JSONReader::integer() {
+  const std::string_view written = number();
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(written.begin(), written.end(), value);
+  if (error != std::errc() || end != written.end()) fail();
+  return value;
+}
+
+SecText JSONReader::units() {
   require('"');
+  SecText units;
+  while (!rest_.empty() && rest_.front() != '"') appendCharacter(units);
+  require('"');
+  return units;
+}
+
+SecretText JSONReader::utf8Of(std::u16string_view units) {
   SecretText text;
-  while (!rest_.empty() && rest_.front() != '"') appendCharacter(text);
-  require('"');
+  text.reserve(3 * units.size());
+  forEachPoint(units, [&](char32_t point) {
+    const bool isUnpaired = point >> 11 == 0x1B;
+    encodePoint(isUnpaired ? replacement : point, [&](char unit) { text << std::string_view(&unit, 1); });
+  });
   return text;
 }
 
-void JSONReader::appendCharacter(SecretText& text) {
+void JSONReader::appendCharacter(SecText& units) {
   if (static_cast<unsigned char>(rest_.front()) < ' ') fail();
-  if (rest_.front() == '\\') return appendEscape(text);
-  const std::size_t length = NSLengthOfUTF8Sequence(rest_);
-  if (length == 0)
-    append(text, replacement);
-  else
-    text << rest_.substr(0, length);
-  rest_.remove_prefix(std::max<std::size_t>(length, 1));
+  if (rest_.front() == '\\') return appendEscape(units);
+  const std::size_t length = std::max<std::size_t>(NSLengthOfUTF8Sequence(rest_), 1);
+  const auto append = [&](char32_t point) {
+    if (point > 0xFFFF) units.push_back(static_cast<char16_t>(0xD7C0 + (point >> 10)));
+    units.push_back(static_cast<char16_t>(point > 0xFFFF ? 0xDC00 | (point & 0x3FF) : point));
+  };
+  forEachPoint(rest_.substr(0, length), append, [&](unsigned char) { append(replacement); });
+  rest_.remove_prefix(length);
 }
 
-void JSONReader::appendEscape(SecretText& text) {
+void JSONReader::appendEscape(SecText& units) {
   constexpr std::string_view names = "\"\\/bfnrt", characters = "\"\\/\b\f\n\r\t";
   rest_.remove_prefix(1);
-  if (rest_.starts_with('u')) {
-    const char16_t lead = unit();
-    const bool isLead = lead >> 10 == 0x36, isTrail = lead >> 10 == 0x37;
-    if (!isLead && !isTrail) return append(text, lead);
-    const std::string_view after = rest_;
-    const char16_t trail = isLead && rest_.starts_with("\\u") ? (rest_.remove_prefix(1), unit()) : u'\0';
-    if (trail >> 10 == 0x37) return append(text, 0x10000U + ((lead & 0x3FFU) << 10 | (trail & 0x3FFU)));
-    rest_ = after;
-    return append(text, replacement);
-  }
+  if (rest_.starts_with('u')) return units.push_back(unit());
   const std::size_t known = rest_.empty() ? names.npos : names.find(rest_.front());
   if (known == names.npos) fail();
-  text << characters.substr(known, 1);
+  units.push_back(static_cast<char16_t>(characters[known]));
   rest_.remove_prefix(1);
 }
 
@@ -144,7 +153,7 @@ void JSONReader::skip() {
     case Type::array:
       return forEachElement([this] { skip(); });
     case Type::string:
-      string();
+      units();
       return;
     case Type::number:
       number();
@@ -157,5 +166,5 @@ void JSONReader::skip() {
 }
 
 void JSONReader::end() {
-  if (rest_.find_first_not_of(" \t\r\n") != rest_.npos) fail();
+  if (rest_.find_first_not_of(space) != rest_.npos) fail();
 }

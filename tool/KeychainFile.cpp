@@ -16,18 +16,18 @@ bool hasPassphrase(const SecFileInfo& info) {
 }  // namespace
 
 SecFilePlace placeOf(const KeychainStore& store) {
-  if (store.isInMemory()) throw Failure("a keychain in memory has no file");
-  if (store.isOnDesktop()) throw Failure("the desktop's keychain has no file of its own");
+  if (store.isInMemory()) throw Failure("a keychain in memory has no file"_text);
+  if (store.isOnDesktop()) throw Failure("the desktop's keychain has no file of its own"_text);
   SecFilePlace place;
   requireSuccess(store.place.empty() ? secDefaultFilePlace(place) : secFilePlaceAt(store.place, place),
-                 "the keychain cannot be located");
+                 "the keychain cannot be located"_text);
   place.allowSharedFolder = store.allowSharedFolder;
   return place;
 }
 
 std::unique_ptr<SecFileStorage> openStoreFile(const KeychainStore& store, SecFileStorage::Missing missing) {
   std::unique_ptr<SecFileStorage> file;
-  requireSuccess(SecFileStorage::open(placeOf(store), missing, file), "the keychain cannot be opened");
+  requireSuccess(SecFileStorage::open(placeOf(store), missing, file), "the keychain cannot be opened"_text);
   return file;
 }
 
@@ -35,39 +35,40 @@ std::unique_ptr<SecFileStorage> findStoreFile(const KeychainStore& store) {
   std::unique_ptr<SecFileStorage> file;
   const OSStatus status = SecFileStorage::open(placeOf(store), SecFileStorage::Missing::refuse, file);
   if (status != errSecNoSuchKeychain || !store.place.empty())
-    requireSuccess(status, "the keychain cannot be opened");
+    requireSuccess(status, "the keychain cannot be opened"_text);
   return file;
 }
 
 SecFileInfo infoOf(SecFileStorage& file) {
   SecFileInfo info;
-  requireSuccess(file.info(info), "the keychain cannot be read");
+  requireSuccess(file.info(info), "the keychain cannot be read"_text);
   return info;
 }
 
-NSRefPtr<NSData> readPassphrase(const KeychainStore& store, const std::string& question) {
+NSRefPtr<NSData> readPassphrase(const KeychainStore& store, const Message& question) {
   if (store.passphraseDescriptor) {
     const NSRefPtr<NSData> line = readSecretLine(*store.passphraseDescriptor);
-    if (!line) throw Failure("there is no passphrase to read");
+    if (!line) throw Failure("there is no passphrase to read"_text);
     return line;
   }
   return !store.noPrompt && hasTerminal() ? NSRefPtr<NSData>(askSecret(question)) : nullptr;
 }
 
 NSRef<NSData> readNewPassphrase(const KeychainStore& store) {
-  const NSRefPtr<NSData> entered = readPassphrase(store, "New passphrase");
-  if (!entered) throw Failure("a passphrase must come from a terminal or from --passphrase-fd");
-  if (entered->length() == 0) throw Failure("the new passphrase is empty");
+  const NSRefPtr<NSData> entered = readPassphrase(store, "New passphrase"_text);
+  if (!entered) throw Failure("a passphrase must come from a terminal or from --passphrase-fd"_text);
+  if (entered->length() == 0) throw Failure("the new passphrase is empty"_text);
   if (store.passphraseDescriptor) return entered;
-  if (!entered->isEqual(askSecret("Repeat the new passphrase"))) throw Failure("the two passphrases differ");
+  if (!entered->isEqual(askSecret("Repeat the new passphrase"_text)))
+    throw Failure("the two passphrases differ"_text);
   return entered;
 }
 
 void unlock(SecFileStorage& file, const KeychainStore& store) {
   const SecFileInfo info = infoOf(file);
   if (!info.locked || !hasPassphrase(info)) return;
-  const NSRefPtr<NSData> entered = readPassphrase(store, "Passphrase of " + info.path);
-  if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain cannot be unlocked");
+  const NSRefPtr<NSData> entered = readPassphrase(store, "Passphrase of {1}"_text(info.path));
+  if (entered) requireSuccess(file.unlock(entered->bytes()), "the keychain cannot be unlocked"_text);
 }
 
 std::unique_ptr<SecFileStorage> openForUpkeep(const KeychainStore& store) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tool/KeychainStore.h"
+#include "tool/Message.h"
 
 // What the subcommands do with stores in a file. Each throws Failure if it cannot be done.
 
@@ -19,7 +20,7 @@ SecFileInfo infoOf(SecFileStorage& file);
 
 /// Reads a passphrase from the descriptor if one was named, otherwise asks at the terminal; returns nil if
 /// there is neither, or if it may not ask.
-NSRefPtr<NSData> readPassphrase(const KeychainStore& store, const std::string& question);
+NSRefPtr<NSData> readPassphrase(const KeychainStore& store, const Message& question);
 /// Reads one that is to be set, at the terminal twice; fails if there is none.
 NSRef<NSData> readNewPassphrase(const KeychainStore& store);
 /// Unlocks a store that has a passphrase, if it is locked and the passphrase can be obtained.

@@ -18,7 +18,7 @@ std::unique_ptr<SecDesktopStorage> openDesktop(const KeychainStore& store) {
   SecDesktopOptions options;
   options.allowsPrompts = !store.noPrompt && hasTerminal();
   std::unique_ptr<SecDesktopStorage> desktop;
-  requireSuccess(SecDesktopStorage::open(options, desktop), "the keychain cannot be opened");
+  requireSuccess(SecDesktopStorage::open(options, desktop), "the keychain cannot be opened"_text);
   return desktop;
 }
 

@@ -12,6 +12,8 @@ class SecretText {
   SecretText() = default;
   explicit SecretText(std::string_view text) : characters_(text.begin(), text.end()) {}
 
+  /// Makes room for as many characters.
+  void reserve(std::size_t length) { characters_.reserve(length); }
   SecretText& operator<<(std::string_view text) {
     characters_.insert(characters_.end(), text.begin(), text.end());
     return *this;

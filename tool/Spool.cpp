@@ -18,8 +18,8 @@ std::string temporaryFolder() {
 Descriptor makeFile(const std::string& folder) {
   std::string path = folder + "/vxfoundation-XXXXXX";
   Descriptor file(mkostemp(path.data(), O_CLOEXEC));
-  if (!file) failWithErrno("cannot make a temporary file in " + folder);
-  if (unlink(path.c_str()) != 0) failWithErrno("cannot remove the name of " + path);
+  if (!file) failWithErrno("cannot make a temporary file in {1}"_text(folder));
+  if (unlink(path.c_str()) != 0) failWithErrno("cannot remove the name of {1}"_text(path));
   return file;
 }
 
@@ -41,12 +41,13 @@ void Spool::append(std::span<const std::byte> bytes) {
 }
 
 void Spool::writeFile(std::span<const std::byte> bytes) const {
-  if (!writeFully(file_.number(), bytes)) failWithErrno("cannot write a temporary file in " + folder_);
+  if (!writeFully(file_.number(), bytes)) failWithErrno("cannot write a temporary file in {1}"_text(folder_));
 }
 
 void Spool::writeOut() {
   if (!file_) return writeStandardOutput(memory_);
-  if (lseek(file_.number(), 0, SEEK_SET) < 0) failWithErrno("cannot read a temporary file in " + folder_);
+  if (lseek(file_.number(), 0, SEEK_SET) < 0)
+    failWithErrno("cannot read a temporary file in {1}"_text(folder_));
   memory_.resize(memoryLength);
   Progress progress("writing", length_, Progress::Output::written);
   for (;;) {

@@ -46,7 +46,7 @@ void guardSecrets() {
 }
 
 NSRef<NSData> readSecretInput() {
-  const NSRef<NSData> input = readSecret(STDIN_FILENO, "the input");
+  const NSRef<NSData> input = readSecret(STDIN_FILENO, "the input"_text.text());
   const auto content = input->bytes();
   if (content.empty() || content.back() != std::byte{'\n'}) return input;
   return NSData::dataWithBytes(content.first(content.size() - 1), true);
@@ -59,7 +59,7 @@ NSRef<NSData> readSecretFile(const std::string& path) {
 void writeStandardOutput(std::span<const std::byte> bytes) {
   if (writeFully(STDOUT_FILENO, bytes)) return;
   if (errno == EPIPE) throw OutputClosed();
-  failWithErrno("cannot write the output");
+  failWithErrno("cannot write the output"_text);
 }
 
 void writeStandardOutput(std::string_view text) { writeStandardOutput(std::as_bytes(std::span(text))); }
@@ -67,5 +67,5 @@ void writeStandardOutput(std::string_view text) { writeStandardOutput(std::as_by
 void endStandardOutput() {
   // Any descriptor of the file will do: the tool's own stays open.
   const int copy = dup(STDOUT_FILENO);
-  if (copy >= 0 && close(copy) != 0) failWithErrno("cannot write the output");
+  if (copy >= 0 && close(copy) != 0) failWithErrno("cannot write the output"_text);
 }

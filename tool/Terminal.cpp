@@ -17,17 +17,11 @@
 
 namespace {
 
-int openTerminal() { return open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY); }
+Descriptor openTerminal() { return Descriptor(open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY)); }
 
 void show(std::string_view text) {
-  const int terminal = openTerminal();
-  while (!text.empty()) {
-    const ssize_t count = write(terminal < 0 ? STDIN_FILENO : terminal, text.data(), text.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) break;
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-  if (terminal >= 0) close(terminal);
+  const Descriptor terminal = openTerminal();
+  writeFully(terminal ? terminal.number() : STDIN_FILENO, std::as_bytes(std::span(text)));
 }
 
 /// What may end or suspend the tool, or let it go on, unless the caller ignores or blocks it.
@@ -48,12 +42,12 @@ sigset_t interruptions() {
 /// it asks again.
 class HiddenQuestion {
  public:
-  HiddenQuestion(std::string question, int terminal)
-      : question_(std::move(question)),
+  HiddenQuestion(const Message& question, int terminal)
+      : question_(question.text()),
         terminal_(terminal),
         interruptions_(interruptions()),
         interrupted_(signalfd(-1, &interruptions_, SFD_CLOEXEC)) {
-    if (interrupted_ < 0) throw Failure(std::string("cannot wait for signals: ") + std::strerror(errno));
+    if (interrupted_ < 0) failWithErrno("cannot wait for signals"_text);
     ask();
   }
   HiddenQuestion(const HiddenQuestion&) = delete;
@@ -77,12 +71,12 @@ class HiddenQuestion {
 
  private:
   void ask() {
-    if (tcgetattr(terminal_, &original_) != 0) throw Failure("the terminal's settings cannot be read");
+    if (tcgetattr(terminal_, &original_) != 0) throw Failure("the terminal's settings cannot be read"_text);
     sigprocmask(SIG_BLOCK, &interruptions_, &before_);
     termios hidden = original_;
     hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     if (tcsetattr(terminal_, TCSAFLUSH, &hidden) != 0)
-      throw Failure("the terminal's echo cannot be turned off");
+      throw Failure("the terminal's echo cannot be turned off"_text);
     show(printable(question_) + ": ");
   }
 
@@ -104,7 +98,7 @@ constexpr std::size_t terminalLine = 4095;
 
 NSRefPtr<NSData> checkedLine(const NSRef<NSMutableData>& line, int descriptor) {
   if (line->length() >= terminalLine && isatty(descriptor) == 1)
-    throw Failure("a line of 4095 bytes or more may have been cut by the terminal; use a pipe");
+    throw Failure("a line of 4095 bytes or more may have been cut by the terminal; use a pipe"_text);
   return line;
 }
 
@@ -122,7 +116,7 @@ NSRefPtr<NSData> readLine(int descriptor, Wait&& wait) {
     }
     const ssize_t count = read(descriptor, &byte, 1);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw Failure(std::string("cannot read the secret: ") + std::strerror(errno));
+    if (count < 0) failWithErrno("cannot read the secret"_text);
     if (count == 0 && line->length() == 0) return nullptr;
     if (count == 0 || byte == std::byte{'\n'}) return checkedLine(line, descriptor);
     line->appendBytes(&byte, 1);
@@ -141,28 +135,26 @@ std::optional<std::size_t> optionOf(const NSData& line, std::size_t count) {
 
 bool isOnTerminal() { return isatty(STDIN_FILENO) == 1; }
 
-bool hasTerminal() {
-  const int terminal = openTerminal();
-  if (terminal >= 0) close(terminal);
-  return terminal >= 0;
-}
+bool hasTerminal() { return static_cast<bool>(openTerminal()); }
 
 NSRefPtr<NSData> readSecretLine(int descriptor) {
   return readLine(descriptor, [] { return true; });
 }
 
-NSRef<NSData> askSecret(const std::string& question) {
+NSRef<NSData> askSecret(const Message& question) {
   const Descriptor controlling(isOnTerminal() ? -1 : open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
   const int terminal = controlling ? controlling.number() : STDIN_FILENO;
   HiddenQuestion hidden(question, terminal);
   const NSRefPtr<NSData> answer = readLine(terminal, [&] { return hidden.wait(); });
-  if (!answer) throw Failure("nothing was entered");
+  if (!answer) throw Failure("nothing was entered"_text);
   return answer;
 }
 
-bool agrees(const std::string& question) {
+bool agrees(const Message& question, const Message& background) {
+  const std::string known = printable(background.text());
   for (;;) {
-    show(question + " [y/n] ");
+    if (!known.empty()) show(known + '\n');
+    show(printable(question.text()) + " [y/n] ");
     const NSRefPtr<NSData> line = readSecretLine(STDIN_FILENO);
     if (!line) return show("\n"), false;
     const auto answer = line->bytes();
@@ -177,7 +169,7 @@ std::optional<std::size_t> TerminalPresenter::choose(const NSError& error, const
     for (std::size_t index = 0; index < localizedOptions.count(); ++index)
       show("  " + std::to_string(index + 1) + "  " +
            std::string(*localizedOptions.objectAtIndex(index)->description()) + '\n');
-    show("Number: ");
+    show("Number"_text.text() + ": ");
     const NSRefPtr<NSData> answer = readSecretLine(STDIN_FILENO);
     if (!answer) return show("\n"), std::nullopt;
     if (const auto option = optionOf(*answer, localizedOptions.count())) return option;

@@ -4,10 +4,11 @@
 #include <Foundation/NSErrorPresenter.h>
 
 #include <optional>
-#include <string>
 
-/// Questions to the person at the terminal. They are written to the
-/// terminal itself, so that no part of them is in the tool's output.
+#include "tool/Message.h"
+
+/// Questions to the person at the terminal. They are written to the terminal itself, so that no part of them
+/// is in the tool's output.
 
 bool isOnTerminal();
 
@@ -19,11 +20,12 @@ bool hasTerminal();
 /// terminal; asks again when the tool goes on after it was suspended.
 /// The result is cleansed from memory after use. Throws Failure if the input ends first, or as
 /// readSecretLine.
-NSRef<NSData> askSecret(const std::string& question);
+NSRef<NSData> askSecret(const Message& question);
 
-/// Asks the person at the terminal a question until the answer is y or n; returns whether it is y, and false
-/// at the end of the input.
-bool agrees(const std::string& question);
+/// Asks the person at the terminal a question until the answer is y or n, each time below a line with what
+/// one must know to answer it, unless that is empty. Returns whether the answer is y, and false at the end of
+/// the input.
+bool agrees(const Message& question, const Message& background = "");
 
 /// Reads one line from a descriptor, without its end; the result is cleansed from memory after use. Returns
 /// nil at the end of the input. Throws Failure if it cannot be read, or if it was typed and so long that the

@@ -13,13 +13,13 @@ constexpr std::array newline{std::byte{'\n'}};
 
 bool isLineBreak(std::byte unit) { return unit == std::byte{'\n'} || unit == std::byte{'\r'}; }
 
-std::string describe(std::byte unit) {
+Message describe(std::byte unit) {
   constexpr char digits[] = "0123456789ABCDEF";
   const auto value = std::to_integer<unsigned char>(unit);
-  if (isLineBreak(unit)) return "a line break; see --ignore-newlines";
-  if (value > ' ' && value < 0x7F) return std::string("unexpected '") + static_cast<char>(value) + '\'';
-  return value == ' ' ? "unexpected space"
-                      : std::string("unexpected byte 0x") + digits[value >> 4] + digits[value & 15];
+  if (isLineBreak(unit)) return "a line break; see --ignore-newlines"_text;
+  if (value == ' ') return "unexpected space"_text;
+  if (value > ' ' && value < 0x7F) return "unexpected '{1}'"_text(std::string(1, static_cast<char>(value)));
+  return "unexpected byte 0x{1}"_text(std::string{digits[value >> 4], digits[value & 15]});
 }
 
 }  // namespace
@@ -73,8 +73,9 @@ void TextDecoder::add(std::optional<std::size_t> count, Bytes text) {
 
 void TextDecoder::refuse(Bytes text) const {
   const std::size_t place = placeOf(*decoder_.refusal() - read_, text);
-  throw Failure(name_ + " is not " + form_ + " text: byte " + std::to_string(offset_ + place + 1) + ": " +
-                (place < text.size() ? describe(text[place]) : "unexpected end"));
+  throw Failure("{1} is not {2} text: byte {3}: {4}"_text(
+      name_, form_, std::to_string(offset_ + place + 1),
+      (place < text.size() ? describe(text[place]) : "unexpected end"_text).text()));
 }
 
 /// Returns where a unit is in the text that it was read from.

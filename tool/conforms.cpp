@@ -32,7 +32,8 @@ NSRef<NSString> identifierFrom(const std::string& name, const Notation& notation
   const NSRefPtr<NSString> identifier =
       UTTypeIdentifierForTag(notation.isMIMEType ? UTTagClassMIMEType : UTTagClassFilenameExtension, name);
   if (!identifier)
-    throw Failure('\'' + name + "' is not a " + (notation.isMIMEType ? "MIME type" : "filename extension"));
+    throw Failure((notation.isMIMEType ? "'{1}' is not a MIME type"_text
+                                       : "'{1}' is not a filename extension"_text)(name));
   return identifier;
 }
 

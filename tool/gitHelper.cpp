@@ -18,7 +18,7 @@ std::optional<GitCredential> credentialOf(const SecRow& row) {
 SecretText answerOf(const SecRow& row, const GitCredential& request) {
   const auto credential = credentialOf(row);
   if (!credential)
-    throw Failure("the password has several lines or a control character, which git cannot take");
+    throw Failure("the password has several lines or a control character, which git cannot take"_text);
   const auto username = NSUTF8FromUTF16(row.entry.attributes.account.value_or(SecText()));
   const bool isNamed = row.entry.attributes.account && username;
   return credential->answer(request, isNamed ? GitCredential::Value(*username) : std::nullopt);
@@ -28,7 +28,7 @@ SecretText answerOf(const SecRow& row, const GitCredential& request) {
 void get(SecStorage& storage, const GitCredential& request) {
   const SecQuery query{request.attributes()};
   SecretText answer;
-  readIn(storage, "the keychain cannot be read", [&](SecTransaction& transaction) {
+  readIn(storage, "the keychain cannot be read"_text, [&](SecTransaction& transaction) {
     const std::vector<SecRow> rows = matches(transaction, {&query, 1}, SecSecrets::read);
     for (auto row = rows.rbegin(); row != rows.rend() && answer.view().empty(); ++row)
       answer = answerOf(*row, request);
@@ -69,14 +69,14 @@ void put(SecTransaction& transaction, const GitCredential& request) {
 
 void store(SecStorage& storage, const GitCredential& request) {
   if (!request.isLasting()) return;
-  changeIn(storage, "the password was not stored",
+  changeIn(storage, "the password was not stored"_text,
            [&](SecTransaction& transaction) { put(transaction, request); });
 }
 
 /// Removes what matches, unless git rejects another password than the present one.
 void erase(SecStorage& storage, const GitCredential& request) {
   const SecQuery query{request.attributes()};
-  changeIn(storage, "the password was not erased", [&](SecTransaction& transaction) {
+  changeIn(storage, "the password was not erased"_text, [&](SecTransaction& transaction) {
     for (const SecRow& row : matches(transaction, {&query, 1}, SecSecrets::read))
       if (credentialOf(row).value_or(GitCredential()).hasSecretsOf(request)) transaction.remove(row.number);
   });

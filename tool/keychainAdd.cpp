@@ -12,7 +12,7 @@ NSRefPtr<NSString> labelOf(const KeychainRequest& request) {
 
 /// Replaces password and, if there is a new one, label of the entry that is there.
 void replace(const KeychainRequest& request, const NSData& password) {
-  changeIn(*request.storage, "the entry was not changed", [&](SecTransaction& transaction) {
+  changeIn(*request.storage, "the entry was not changed"_text, [&](SecTransaction& transaction) {
     auto row = exactMatch(transaction, request.entry.attributes(), SecSecrets::skip);
     if (!row) failWithoutMatch();
     if (request.label) row->entry.attributes.label = textOfArgument(*request.label);
@@ -41,8 +41,11 @@ bool isDuplicate(const NSError& error) {
 }  // namespace
 
 NSRef<NSData> readPassword() {
-  const NSRef<NSData> entered = isOnTerminal() ? askSecret("Password") : readSecretInput();
-  if (!NSString::stringWithData(entered, NSUTF8StringEncoding)) throw Failure("the password is not UTF-8");
+  const NSRef<NSData> entered = isOnTerminal() ? askSecret("Password"_text) : readSecretInput();
+  if (!NSString::stringWithData(entered, NSUTF8StringEncoding))
+    throw Failure("the password is not UTF-8"_text);
+  if (isOnTerminal() && !entered->isEqual(askSecret("Repeat the password"_text)))
+    throw Failure("the two passwords differ"_text);
   return entered;
 }
 

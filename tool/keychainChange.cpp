@@ -1,5 +1,3 @@
-#include <iostream>
-
 #include "tool/EntrySearch.h"
 #include "tool/Failure.h"
 #include "tool/KeychainRequest.h"
@@ -28,7 +26,7 @@ SecAttributes changed(SecAttributes attributes, const KeychainRequest& request) 
 
 SecAttributes presentAttributes(const KeychainRequest& request) {
   std::optional<SecRow> row;
-  readIn(*request.storage, "the keychain cannot be read", [&](SecTransaction& transaction) {
+  readIn(*request.storage, "the keychain cannot be read"_text, [&](SecTransaction& transaction) {
     row = onlyMatch(transaction, request.entry.queries().front(), SecSecrets::skip);
   });
   if (!row) failWithoutMatch();
@@ -49,7 +47,7 @@ int updateEntry(const KeychainRequest& request) {
   const SecAttributes attributes = changed(present, request);
   const std::optional<SecSecret> secret = newSecret(request);
   // The entry that was found, and no other, even if others have come to match in the meantime.
-  changeIn(*request.storage, "the entry was not changed", [&](SecTransaction& transaction) {
+  changeIn(*request.storage, "the entry was not changed"_text, [&](SecTransaction& transaction) {
     const auto row = exactMatch(transaction, present, SecSecrets::skip);
     if (!row) failWithoutMatch();
     transaction.replace(row->number, attributes, secret);
@@ -60,7 +58,7 @@ int updateEntry(const KeychainRequest& request) {
 int deleteEntries(const KeychainRequest& request) {
   const std::vector<SecQuery> queries = request.entry.queries();
   std::vector<SecRow> rows;
-  changeIn(*request.storage, "nothing was deleted", [&](SecTransaction& transaction) {
+  changeIn(*request.storage, "nothing was deleted"_text, [&](SecTransaction& transaction) {
     if (request.all) {
       rows = matches(transaction, queries, SecSecrets::skip);
     } else if (auto row = onlyMatch(transaction, queries.front(), SecSecrets::skip)) {
@@ -68,6 +66,6 @@ int deleteEntries(const KeychainRequest& request) {
     }
     for (const SecRow& row : rows) transaction.remove(row.number);
   });
-  if (rows.empty()) std::cerr << "vxfoundation: there was no such entry" << std::endl;
+  if (rows.empty()) complain("there was no such entry"_text);
   return 0;
 }

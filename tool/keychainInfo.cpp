@@ -12,14 +12,14 @@ namespace {
 std::string leftovers(const KeychainStore& store, SecFileStorage& file) {
   std::string all;
   for (const SecFileFormerCopy& copy : infoOf(file).formerCopies) {
-    all += "former copy: " + copy.path;
-    all += copy.keyFile.empty() ? "\n" : ", opened by " + copy.keyFile + '\n';
+    all += "former copy: " + printable(copy.path);
+    all += copy.keyFile.empty() ? "\n" : ", opened by " + printable(copy.keyFile) + '\n';
   }
   std::vector<SecFileKeptKey> keys;
-  requireSuccess(SecFileStorage::keptKeys(placeOf(store), keys), "the key files cannot be read");
+  requireSuccess(SecFileStorage::keptKeys(placeOf(store), keys), "the key files cannot be read"_text);
   for (const SecFileKeptKey& key : keys)
     if (key.use == SecFileKeptKey::Use::leftover)
-      all += "leftover: " + key.path + ", made for " + key.store + '\n';
+      all += "leftover: " + printable(key.path) + ", made for " + printable(key.store) + '\n';
   return all;
 }
 
@@ -27,7 +27,7 @@ int showInfo(const KeychainStore& store) {
   const std::shared_ptr<SecStorage> storage = store.openAsItIs();
   SecStorageInfo info;
   if (storage)
-    requireSuccess(storage->copyInfo(info), "the keychain cannot be read");
+    requireSuccess(storage->copyInfo(info), "the keychain cannot be read"_text);
   else
     info = {placeOf(store).store, "none; there is no store yet"};
   writeStandardOutput("store: " + printable(info.place) + "\nprotection: " + info.protection +
@@ -41,7 +41,7 @@ int verify(const KeychainStore& store) {
   const auto file = findStoreFile(store);
   if (file) {
     unlock(*file, store);
-    requireSuccess(file->verify(), "the keychain failed verification");
+    requireSuccess(file->verify(), "the keychain failed verification"_text);
   }
   writeStandardOutput("intact, entries: " + std::to_string(file ? infoOf(*file).entries : 0) + '\n');
   return 0;

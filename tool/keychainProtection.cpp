@@ -12,46 +12,47 @@ std::unique_ptr<SecFileStorage> openOrMake(const KeychainStore& store) {
   const OSStatus status = SecFileStorage::open(place, SecFileStorage::Missing::refuse, file);
   if (status == errSecNoSuchKeychain) {
     requireSuccess(SecFileStorage::make(place, readNewPassphrase(store)->bytes(), file),
-                   "the keychain cannot be made");
+                   "the keychain cannot be made"_text);
     return nullptr;
   }
-  requireSuccess(status, "the keychain cannot be opened");
+  requireSuccess(status, "the keychain cannot be opened"_text);
   return file;
 }
 
-/// Says what still opens without the passphrase; returns an empty string if nothing does.
-std::string describeFormerCopies(SecFileStorage& file) {
-  std::string all;
+/// Says what still opens without the passphrase; returns nothing if nothing does.
+std::vector<Message> describeFormerCopies(SecFileStorage& file) {
+  std::vector<Message> all;
   for (const SecFileFormerCopy& copy : infoOf(file).formerCopies)
-    if (!copy.keyFile.empty()) all += copy.keyFile + " still opens " + copy.path + ". ";
-  if (!all.empty()) all += "Any other copy of the former store needs that key file, too.";
+    if (!copy.keyFile.empty()) all.push_back("{1} still opens {2}."_text(copy.keyFile, copy.path));
+  if (!all.empty()) all.push_back("Any other copy of the former store needs that key file, too."_text);
   return all;
 }
 
 void offerToEraseFormerCopies(SecFileStorage& file) {
-  const std::string description = describeFormerCopies(file);
+  const std::vector<Message> description = describeFormerCopies(file);
   if (description.empty()) return;
-  if (!isOnTerminal()) return complain(description);
-  if (agrees(description + "\nErase the copy and its key file?"))
-    requireSuccess(file.eraseFormerCopies(), "the copy was not erased");
+  if (!isOnTerminal()) return complain(sentences(description));
+  if (agrees("Erase the copy and its key file?"_text, sentences(description)))
+    requireSuccess(file.eraseFormerCopies(), "the copy was not erased"_text);
 }
 
 int setPassphrase(const KeychainStore& store) {
   const auto file = openOrMake(store);
   if (!file) return 0;
   unlock(*file, store);
-  requireSuccess(file->setPassphrase(readNewPassphrase(store)->bytes()), "the passphrase was not changed");
+  requireSuccess(file->setPassphrase(readNewPassphrase(store)->bytes()),
+                 "the passphrase was not changed"_text);
   offerToEraseFormerCopies(*file);
   return 0;
 }
 
 int removePassphrase(const KeychainStore& store) {
-  requireSuccess(openForUpkeep(store)->removePassphrase(), "the passphrase was not removed");
+  requireSuccess(openForUpkeep(store)->removePassphrase(), "the passphrase was not removed"_text);
   return 0;
 }
 
 int rotate(const KeychainStore& store) {
-  requireSuccess(openForUpkeep(store)->rotate(), "the keys were not changed");
+  requireSuccess(openForUpkeep(store)->rotate(), "the keys were not changed"_text);
   return 0;
 }
 

@@ -15,12 +15,12 @@ NSRef<NSData> trySalvage(const KeychainStore& store, const SecFilePlace& place) 
   OSStatus status = attempt(*passphrase);
   if (status == errSecInteractionNotAllowed || status == errSecDataNotAvailable ||
       status == errSecAuthFailed) {
-    if (const auto entered = readPassphrase(store, "Passphrase of " + place.store)) {
+    if (const auto entered = readPassphrase(store, "Passphrase of {1}"_text(place.store))) {
       passphrase = entered;
       status = attempt(*passphrase);
     }
   }
-  requireSuccess(status, "nothing can be salvaged");
+  requireSuccess(status, "nothing can be salvaged"_text);
   return passphrase;
 }
 
@@ -32,13 +32,13 @@ int salvage(const KeychainStore& store, const std::string& to) {
   std::uint64_t entries = 0;
   requireSuccess(SecFileStorage::salvage(place, passphrase->bytes(),
                                          *target.openUnlocked(SecFileStorage::Missing::make), entries),
-                 "the entries were not added to " + to);
+                 "the entries were not added to {1}"_text(to));
   writeStandardOutput("salvaged, entries: " + std::to_string(entries) + '\n');
   return 0;
 }
 
 int accept(const KeychainStore& store) {
-  requireSuccess(openForUpkeep(store)->accept(), "the keychain was not accepted");
+  requireSuccess(openForUpkeep(store)->accept(), "the keychain was not accepted"_text);
   return 0;
 }
 

@@ -24,7 +24,7 @@ void writeEntry(const SecEntry& entry, const KeychainRequest& request) {
 
 int showEntry(const KeychainRequest& request) {
   std::optional<SecRow> row;
-  readIn(*request.storage, "the keychain cannot be read", [&](SecTransaction& transaction) {
+  readIn(*request.storage, "the keychain cannot be read"_text, [&](SecTransaction& transaction) {
     row = onlyMatch(transaction, request.entry.queries().front(),
                     request.password ? SecSecrets::read : SecSecrets::skip);
   });
@@ -34,10 +34,7 @@ int showEntry(const KeychainRequest& request) {
 }
 
 int listEntries(const KeychainRequest& request) {
-  std::vector<SecRow> rows;
-  readIn(*request.storage, "the keychain cannot be read", [&](SecTransaction& transaction) {
-    rows = matches(transaction, request.entry.queries(), SecSecrets::skip);
-  });
+  const std::vector<SecRow> rows = matches(*request.storage, request.entry.queries(), SecSecrets::skip);
   if (request.json)
     writeStandardOutput(arrayOf(rows, JSONSecrets::leave).bytes());
   else

@@ -31,25 +31,27 @@ int listSlots(const KeychainStore& store) {
 
 std::vector<SecFileKeptKey> keptKeys(const SecFilePlace& place) {
   std::vector<SecFileKeptKey> keys;
-  requireSuccess(SecFileStorage::keptKeys(place, keys), "the key files cannot be read");
+  requireSuccess(SecFileStorage::keptKeys(place, keys), "the key files cannot be read"_text);
   return keys;
 }
 
 void erase(const SecFilePlace& place, const std::string& path) {
-  requireSuccess(SecFileStorage::eraseKeptKey(place, path), path + " was not removed");
+  requireSuccess(SecFileStorage::eraseKeptKey(place, path), "{1} was not removed"_text(path));
+}
+
+Message whatItIsFor(const SecFileKeptKey& key) {
+  return sentences({"{1} was made for {2}, where no store needs it."_text(key.path, key.store),
+                    "A copy of that store, or the store if it was moved, may still do."_text});
 }
 
 /// Asks about each key file that no store names.
 void pruneLeftovers(const SecFilePlace& place) {
   std::vector<SecFileKeptKey> keys = keptKeys(place);
   std::erase_if(keys, [](const auto& key) { return key.use != SecFileKeptKey::Use::leftover; });
-  if (!keys.empty() && !isOnTerminal()) throw Failure("without a terminal, name the key files to remove");
+  if (!keys.empty() && !isOnTerminal())
+    throw Failure("without a terminal, name the key files to remove"_text);
   for (const SecFileKeptKey& key : keys)
-    if (agrees(
-            key.path + " was made for " + key.store +
-            ", where no store needs it. A copy of that store, or the store if it was moved, may still do." +
-            "\nRemove the key file?"))
-      erase(place, key.path);
+    if (agrees("Remove the key file?"_text, whatItIsFor(key))) erase(place, key.path);
 }
 
 void pruneNamed(const SecFilePlace& place, const std::vector<std::string>& paths) {
@@ -57,9 +59,9 @@ void pruneNamed(const SecFilePlace& place, const std::vector<std::string>& paths
   for (const std::string& named : paths) {
     const std::string path = std::filesystem::weakly_canonical(named);
     const auto key = std::find_if(keys.begin(), keys.end(), [&](const auto& k) { return k.path == path; });
-    if (key == keys.end()) throw Failure("there is no key file " + path + " in " + place.keyFolder);
+    if (key == keys.end()) throw Failure("there is no key file {1} in {2}"_text(path, place.keyFolder));
     if (key->use == SecFileKeptKey::Use::used)
-      throw Failure(path + " is needed by " + (key->store.empty() ? place.store : key->store));
+      throw Failure("{1} is needed by {2}"_text(path, key->store.empty() ? place.store : key->store));
     erase(place, path);
   }
 }

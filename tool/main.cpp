@@ -12,7 +12,7 @@ namespace {
 constexpr int failed = 1;
 constexpr int wrongUsage = 2;
 
-int complain(const std::string& message, int status) {
+int complain(const Message& message, int status) {
   ::complain(message);
   return status;
 }
@@ -96,7 +96,7 @@ int main(int argc, char** argv) {
     std::cerr << failure.details() << std::flush;
     return failed;
   } catch (const std::bad_alloc&) {
-    return complain("there is not enough memory", failed);
+    return complain("there is not enough memory"_text, failed);
   } catch (const std::exception& error) {
     return complain(error.what(), failed);
   }

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/random.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -61,6 +62,8 @@ PASS_ON(reading, -1, ssize_t, pread64, (int file, void* to, size_t size, off64_t
 PASS_ON(writing, -1, ssize_t, write, (int file, const void* from, size_t size), (file, from, size))
 PASS_ON(writing, -1, ssize_t, pwrite64, (int file, const void* from, size_t size, off64_t at),
         (file, from, size, at))
+PASS_ON(writing, -1, ssize_t, sendmsg, (int socket, const msghdr* message, int flags),
+        (socket, message, flags))
 PASS_ON(writing, -1, int, ftruncate64, (int file, off64_t size) noexcept, (file, size))
 PASS_ON(syncing, -1, int, fsync, (int file), (file))
 PASS_ON(syncing, -1, int, fdatasync, (int file), (file))
