@@ -41,15 +41,15 @@ SecAttributes newEntry(SecAttributes attributes, const GitCredential& request) {
   label += request["host"].value_or("");
   if (request["path"]) label += "/" + std::string(*request["path"]);
   attributes.label = SecText(*NSUTF16FromUTF8(label));
+  if (attributes.port == 0) attributes.port.reset();
   return attributes;
 }
 
-/// Returns whether the entry is the newest of its host, which is the first that git is given.
-bool isNewest(SecTransaction& transaction, const SecRow& row) {
-  SecQuery query{row.entry.attributes};
-  query.attributes.account.reset();
-  query.attributes.path.reset();
-  return matches(transaction, {&query, 1}, SecSecrets::skip).back().number == row.number;
+/// Returns whether the row is the newest of the host, whose entries git is given newest first.
+bool isNewest(SecTransaction& transaction, const SecRow& row, SecQuery host) {
+  host.attributes.account.reset();
+  host.attributes.path.reset();
+  return matches(transaction, {&host, 1}, SecSecrets::skip).back().number == row.number;
 }
 
 void put(SecTransaction& transaction, const GitCredential& request) {
@@ -57,7 +57,7 @@ void put(SecTransaction& transaction, const GitCredential& request) {
   const std::optional<SecRow> present = exactMatch(transaction, wanted, SecSecrets::read);
   const auto former = present ? credentialOf(*present) : std::nullopt;
   const SecretText secret = request.secret(former.value_or(GitCredential()));
-  if (present && isNewest(transaction, *present)) {
+  if (present && isNewest(transaction, *present, {wanted})) {
     if (textOf(present->entry.secret.bytes()) != secret.view())
       transaction.replace(present->number, present->entry.attributes, SecSecret(secret.bytes()));
     return;
