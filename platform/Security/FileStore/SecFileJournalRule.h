@@ -16,5 +16,6 @@ using SecFileReader = std::function<SecBytes(std::size_t offset, std::size_t siz
 
 /// Judges a journal before SQLite plays it back. Every transaction writes page 1 first, so a journal's first
 /// record has to be that page, as it was before: with the file number of the store and with its count of
-/// changes or one less. A store of format 1 has no file number; the count alone decides there.
+/// changes or one less. A store of format 1 has no file number, and wrote page 1 last: the count alone
+/// decides there.
 SecJournalVerdict secJudgeJournal(const SecFileReader& journal, SecView firstPage);

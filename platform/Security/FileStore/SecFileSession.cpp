@@ -104,7 +104,7 @@ void SecFileSession::lock() {
 }
 
 /// Reads who can open the store, which other processes may have changed, and brings the keys up to date.
-void SecFileSession::load(SecFileWork& work) {
+void SecFileSession::load(SecFileWork& work, bool mayBeLocked) {
   if (work.database().format() == secFileFormat1) {
     const auto before = std::exchange(former_, std::make_unique<SecFormat1Store>(work.database()));
     if (!before || before->isLocked()) return;
@@ -115,8 +115,11 @@ void SecFileSession::load(SecFileWork& work) {
   const auto before = std::exchange(former_, nullptr);
   if (before && !before->isLocked()) return openMigrated(*before, work);
   if (keyring_.isLocked() || keyring_.keys().id() == work.header().keyID) return;
-  keyFolder_ = site_.openKeyFolder();
-  keyring_.follow(work.header(), keyFolder());
+  const OSStatus status = secStatusOf([&] {
+    keyFolder_ = site_.openKeyFolder();
+    keyring_.follow(work.header(), keyFolder());
+  });
+  secRequire(mayBeLocked || status == errSecSuccess, status);
 }
 
 /// Another process has migrated the store.
@@ -131,7 +134,7 @@ SecFileWork::SecFileWork(SecFileSession& session, bool writing, Trust trust)
       connection_(session.connection()),
       unit_(connection_.database(), writing),
       writing_(writing) {
-  session_.load(*this);
+  session_.load(*this, trust == Trust::nothing);
   if (trust != Trust::nothing && !former()) believe(trust);
 }
 

@@ -44,7 +44,7 @@ class SecFileSession {
 
  private:
   friend class SecFileWork;
-  void load(SecFileWork& work);
+  void load(SecFileWork& work, bool mayBeLocked);
   void openByKeyFile(SecFileWork& work);
   void openFormerByKeyFile(const SecFileFolder* folder);
   void openMigrated(const SecFormat1Store& before, SecFileWork& work);
