@@ -1,5 +1,12 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
 /// The calls that this program and its libraries make to the system and the C library, one of which can be
 /// made to fail. The definitions here replace those of the C library in all of them.
 class Calls {
@@ -13,4 +20,19 @@ class Calls {
   static bool disarm();
   /// Returns whether a call of this kind must fail now, and sets errno.
   static bool fails(Kind kind) noexcept;
+
+  /// A call that changed a file or a folder, by its inode: bytes written at an offset, the size that it was
+  /// cut to, a sync, or the file that a name in a folder has from now on (0: none).
+  struct Change {
+    enum What { written, cut, synced, named } what;
+    ino_t file;
+    std::uint64_t number = 0;  ///< the offset, the size, or the inode
+    std::string bytes = {};    ///< or the name
+  };
+  /// Appends every such call to `changes` from now on; null ends that.
+  static void record(std::vector<Change>* changes);
+  /// Writes every key that libcrypto gets or makes to this file.
+  static void copyKeysTo(int file);
+  /// Writes them there, if that was asked for: each 32 bytes.
+  static void noteKeys(const void* bytes, std::size_t size);
 };

@@ -36,6 +36,8 @@ const Operation operations[] = {
      [](auto&, auto& passwords) { return passwords.update("ann", "4"); },
      {{"ann", "4"}, {"bob", "2"}}},
     {"remove", [](auto&, auto& passwords) { return passwords.remove("bob"); }, {{"ann", "1"}}},
+    {"set a passphrase", [](auto&, auto& passwords) { return rekeyings[0].act(passwords); }, atFirst},
+    {"rotate", [](auto&, auto& passwords) { return passwords.storage->rotate(); }, atFirst},
 };
 
 struct Kind {
@@ -82,7 +84,10 @@ bool tryOne(const Operation& operation, const Kind& kind, long nth) {
   const std::size_t filesBefore = namesIn("/proc/self/fd");
   bool met = false;
   const OSStatus status = actWithFault(operation, kind, nth, temporary, passwords, met);
+  // After a failed sync the state of the disk is unknown: the change may have been kept, but only as a whole.
+  const bool unsure = kind.kinds == Calls::syncing;
   if (passwords.storage) {
+    if (unsure) static_cast<void>(passwords.storage->unlock(secretFrom("one").bytes()));
     EXPECT_EQ(passwords.add("next", "5"), errSecSuccess) << "the store cannot be used again";
   }
   if (status != errSecSuccess && !making && passwords.storage) {
@@ -92,8 +97,6 @@ bool tryOne(const Operation& operation, const Kind& kind, long nth) {
   Held found = readAll(temporary);
   found.erase("next");
   const Held& before = making ? operation.after : atFirst;
-  // After a failed sync the state of the disk is unknown: the change may have been kept, but only as a whole.
-  const bool unsure = kind.kinds == Calls::syncing;
   EXPECT_TRUE(found == operation.after || (status != errSecSuccess && found == before))
       << "neither old nor new";
   EXPECT_TRUE(status == errSecSuccess || unsure || found == before) << "changed, but " << status;

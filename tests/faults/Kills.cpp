@@ -161,3 +161,32 @@ TEST_F(SecFileFaults, Creations) {
       EXPECT_EQ(item.path().string().find(temporary.place.store), 0u) << "left over: " << item;
   }
 }
+
+TEST_F(SecFileFaults, Rekeyings) {
+  for (const Rekeying& rekeying : rekeyings) {
+    int result = -SIGKILL;
+    for (long nth = 1; result == -SIGKILL; ++nth) {
+      SCOPED_TRACE(rekeying.name + std::string(", killed at call ") + std::to_string(nth));
+      const TemporaryPlace temporary;
+      Passwords passwords;
+      ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);
+      for (const char* account : {"ann", "bob"}) passwords.add(account, std::string(3000, *account));
+      ASSERT_EQ(rekeying.prepare(temporary, passwords), errSecSuccess);
+      passwords.storage.reset();
+      Held before = readAll(temporary);
+      before["account 7"];
+      result = waitFor(inChild([&] {
+        if (openAny(temporary, passwords) != errSecSuccess) return 1;
+        Calls::arm(diskCalls, nth, Calls::Fate::kill);
+        return rekeying.act(passwords) == errSecSuccess ? 0 : 2;
+      }));
+      Held after = readAll(temporary);
+      if (after["account 7"] == "x") before["account 7"] = "x";  // what the change was
+      EXPECT_EQ(after, before);
+      ASSERT_EQ(openAny(temporary, passwords), errSecSuccess);
+      EXPECT_EQ(passwords.add("next", "x"), errSecSuccess);
+      count("killed", result == -SIGKILL);
+    }
+    EXPECT_EQ(result, 0);
+  }
+}
