@@ -31,6 +31,12 @@ struct Listing {
   std::function<std::size_t()> list;
 };
 Listing makeListing(const std::string& folder, std::size_t held);
+/// Adding `held` entries to an empty file store in one transaction, and then giving it new keys.
+struct Rotation {
+  std::function<void()> write;
+  std::function<void()> rotate;
+};
+Rotation makeRotation(const std::string& folder, std::size_t held);
 /// Returns SQLite with durable changes and nothing else: the bound for a store that is built on it.
 std::unique_ptr<Contestant> makeSQLiteAlone(const std::string& folder, bool openedPerCall);
 /// Returns the desktop's store through libsecret's simple functions.

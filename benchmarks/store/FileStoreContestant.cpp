@@ -74,3 +74,11 @@ Listing makeListing(const std::string& folder, std::size_t held) {
   };
   return {rows, list};
 }
+
+Rotation makeRotation(const std::string& folder, std::size_t held) {
+  const auto store = std::make_shared<FileStore>(folder, false);
+  const auto rotate = [store] {
+    if (store->storage()->rotate() != errSecSuccess) throw std::runtime_error("cannot rotate");
+  };
+  return {[store, held] { store->fill(held); }, rotate};
+}

@@ -73,7 +73,8 @@ void requireAnswer(bool right) {
   if (!right) throw std::runtime_error("a lookup returned a wrong result");
 }
 
-void compete(Contestant& contestant, std::size_t held, Journal& journal) {
+/// Returns the median of the look-ups.
+Milliseconds compete(Contestant& contestant, std::size_t held, Journal& journal) {
   contestant.fill(held);
   Times appends, adds, updates, removes, hits, misses;
   for (std::size_t round = 0; round < rounds; ++round) {
@@ -96,6 +97,7 @@ void compete(Contestant& contestant, std::size_t held, Journal& journal) {
   print(contestant, held, "delete", removes, appends);
   print(contestant, held, "look up", hits);
   print(contestant, held, "miss", misses);
+  return median(hits);
 }
 
 void list(const std::string& folder) {
@@ -111,21 +113,39 @@ void list(const std::string& folder) {
               median(lists), median(ratios));
 }
 
+void rotate(const std::string& folder) {
+  constexpr std::size_t held = 10000;
+  Times writes, rotations, ratios;
+  for (std::size_t round = 0; round < 9; ++round) {
+    const Rotation rotation = makeRotation(folder, held);
+    writes.push_back(timed(rotation.write));
+    rotations.push_back(timed(rotation.rotate));
+    ratios.push_back(rotations.back() / writes.back());
+  }
+  std::printf("\n%zu entries: written %.3f ms, rotated %.3f ms, %.2f times as long\n", held, median(writes),
+              median(rotations), median(ratios));
+}
+
 void run(const std::string& folder, bool desktop) {
   Journal journal(folder);
   std::printf("| store                       |   held | what    |      median | to append and sync |\n");
   std::printf("|---|---|---|---|---|\n");
+  std::vector<double> lookUps;
   for (const std::size_t held : {std::size_t{0}, std::size_t{1000}, std::size_t{10000}})
     for (const bool openedPerCall : {false, true}) {
-      compete(*makeFileStore(folder, openedPerCall), held, journal);
-      compete(*makeSQLiteAlone(folder, openedPerCall), held, journal);
+      const Milliseconds ours = compete(*makeFileStore(folder, openedPerCall), held, journal);
+      lookUps.push_back(ours / compete(*makeSQLiteAlone(folder, openedPerCall), held, journal));
     }
   if (desktop)
     for (const std::size_t held : {std::size_t{0}, std::size_t{1000}}) {
       compete(*makeDesktopStore(), held, journal);
       compete(*makeLibsecret(), held, journal);
     }
+  std::printf("\nA look-up compared with SQLite's (kept open, per call; 0, 1000, 10000 entries):");
+  for (const double ratio : lookUps) std::printf(" %.1f", ratio);
+  std::printf("\n");
   list(folder);
+  rotate(folder);
 }
 
 }  // namespace
