@@ -1,4 +1,6 @@
 #include <Foundation/NSString.h>
+#include <Security/SecDefaultStorage.h>
+#include <VXFoundation/VXFoundation.h>
 #include <openssl/evp.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -161,15 +163,28 @@ class StoreSteps {
       writeSlot(path("store"), rest);
     } else if (operation == "files") {
       return std::to_string(snapshot(closed_.temporary.root).size());
+    } else if (operation == "credential") {
+      fs::create_directory(closed_.temporary.place.credentialFolder);
+      writeFile(closed_.temporary.place.credentialFolder + "/vxfoundation.passphrase", rest + '\n');
     } else {
-      std::string given;
-      const OSStatus status = perform(operation, hosts_[first], second, given);
-      return std::to_string(status) + given;
+      return performed(operation, first, second);
     }
     return "";
   }
 
  private:
+  /// A failure leaves the store as it was, unless it was migrated first.
+  std::string performed(const std::string& operation, const std::string& who, const std::string& word) {
+    const std::string before = fs::exists(path("store")) ? readFile(path("store")) : "";
+    std::string given;
+    const OSStatus status = perform(operation, hosts_[who], word, given);
+    const bool isMigrated = fs::exists(path("store").string() + ".format-1");
+    if (status != errSecSuccess && !before.empty() && !isMigrated) {
+      EXPECT_EQ(readFile(path("store")), before);
+    }
+    return std::to_string(status) + given;
+  }
+
   OSStatus perform(const std::string& operation, Passwords& host, const std::string& word,
                    std::string& given) {
     const SecSecret secret = secretFrom(word);
@@ -190,6 +205,13 @@ class StoreSteps {
     if (operation == "no-passphrase") return host.storage->removePassphrase();
     if (operation == "unlock")
       return word.empty() ? host.storage->unlock() : host.storage->unlock(secret.bytes());
+    if (operation == "add-passphrase") return host.storage->addPassphrase(secret.bytes());
+    if (operation == "add-key") return host.storage->addKeyFile();
+    if (operation == "add-recovery") return addRecovery(host);
+    if (operation == "recover") return host.storage->unlock(recoveryTyped(word).bytes());
+    if (operation == "drop") return drop(host, word);
+    if (operation == "slots") return slots(host, given);
+    if (operation == "ask") return ask(host, word), errSecSuccess;
     if (operation != "lock") throw std::invalid_argument("no operation " + operation);
     host.storage->lock();
     return errSecSuccess;
@@ -220,6 +242,49 @@ class StoreSteps {
     return host.storage->verify();
   }
 
+  OSStatus addRecovery(Passwords& host) {
+    SecSecret passphrase;
+    EXPECT_EQ(SecFileStorage::makeRecoveryPassphrase(passphrase), errSecSuccess);
+    recovery_ = textFrom(passphrase);
+    return host.storage->addPassphrase(passphrase.bytes());
+  }
+
+  /// The recovery passphrase as somebody types it.
+  SecSecret recoveryTyped(const std::string& manner) const {
+    std::string typed = recovery_;
+    EXPECT_EQ(typed.size(), 34u);
+    if (manner == "capitals") std::transform(typed.begin(), typed.end(), typed.begin(), ::toupper);
+    if (manner == "letters") std::erase(typed, '-');
+    if (manner == "spaces") std::replace(typed.begin(), typed.end(), '-', ' ');
+    if (manner == "wrong") typed[0] = typed[0] == 'a' ? 'b' : 'a';
+    return secretFrom(typed);
+  }
+
+  static OSStatus drop(Passwords& host, const std::string& number) {
+    SecFileInfo info;
+    EXPECT_EQ(host.storage->info(info), errSecSuccess);
+    return host.storage->removeSlot(number == "none" ? number
+                                                     : info.keySlots.at(std::stoul(number) - 1).name);
+  }
+
+  static OSStatus slots(Passwords& host, std::string& given) {
+    SecFileInfo info;
+    const OSStatus status = host.storage->info(info);
+    for (const SecFileSlotInfo& slot : info.keySlots) given += slot.keyFile.empty() ? " passphrase" : " key";
+    return status;
+  }
+
+  /// Installs a function that gives one answer after another, "-" for none, and notes what it was told.
+  void ask(Passwords& host, const std::string& answers) {
+    host.storage->setAsk([rest = answers](OSStatus reason) mutable -> std::optional<SecSecret> {
+      const auto [answer, others] = cut(rest, ",");
+      EXPECT_EQ(reason, answer.starts_with('+') ? errSecAuthFailed : errSecInteractionNotAllowed);
+      rest = others;
+      if (answer.ends_with('-')) return std::nullopt;
+      return secretFrom(answer.starts_with('+') ? answer.substr(1) : answer);
+    });
+  }
+
   OSStatus salvage(SecFileStorage::Bytes passphrase, std::string& given) const {
     std::set<std::string> left;
     const OSStatus status = SecFileStorage::salvage(
@@ -236,6 +301,7 @@ class StoreSteps {
   const ClosedStore closed_, other_;
   SecFilePlace place_ = closed_.temporary.place;
   std::map<std::string, Passwords> hosts_;
+  std::string recovery_;
 };
 
 }  // namespace
@@ -357,4 +423,24 @@ TEST(SecFileStorage, AFailureThatTheWorkHidesUndoesTheTransaction) {
   Passwords::Found found;
   EXPECT_EQ(passwords.look("a", found), errSecSuccess);
   EXPECT_FALSE(found);
+}
+
+TEST(SecFileStorage, AnItemOpensALockedStoreByAskingTheHost) {
+  const TemporaryPlace temporary;
+  Passwords passwords;
+  ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);
+  EXPECT_EQ(passwords.add("ann", "secret"), errSecSuccess);
+  EXPECT_EQ(passwords.storage->setPassphrase(secretFrom("one").bytes()), errSecSuccess);
+  ASSERT_EQ(passwords.open(temporary.place), errSecSuccess);
+  std::vector<OSStatus> reasons;
+  passwords.storage->setAsk([&](OSStatus reason) -> std::optional<SecSecret> {
+    reasons.push_back(reason);
+    return secretFrom(reasons.size() == 1 ? "wrong" : "one");
+  });
+  secSetDefaultStorage(std::shared_ptr<SecStorage>(std::move(passwords.storage)));
+  const auto item = VXGenericKeychainItem::findKeychainItemForUsername("ann", "service");
+  EXPECT_TRUE(item->refreshItemFromKeychainIncludePassword(true));
+  EXPECT_EQ(std::string(*item->password()), "secret");
+  EXPECT_EQ(reasons, (std::vector<OSStatus>{errSecInteractionNotAllowed, errSecAuthFailed}));
+  secSetDefaultStorage(SecStorageKind::memory);
 }

@@ -26,7 +26,7 @@ std::string keyFolder() { return baseFolder("XDG_CONFIG_HOME", "/.config") + "/V
 OSStatus secDefaultFilePlace(SecFilePlace& place) {
   return secStatusOf([&] {
     const std::string folder = baseFolder("XDG_DATA_HOME", "/.local/share") + "/VXFoundation";
-    place = {folder + "/credentials.store", keyFolder(), true};
+    place = {folder + "/credentials.store", keyFolder(), true, false, folderFrom("CREDENTIALS_DIRECTORY")};
   });
 }
 
@@ -34,6 +34,6 @@ OSStatus secFilePlaceAt(std::string_view path, SecFilePlace& place) {
   return secStatusOf([&] {
     secRequire(!path.empty() && path.find('\0') == path.npos, errSecParam);
     secRequire(path.size() - (path.rfind('/') + 1) <= secLongestStoreName, errSecParam);
-    place = {std::string(path), keyFolder(), false};
+    place = {std::string(path), keyFolder(), false, false, folderFrom("CREDENTIALS_DIRECTORY")};
   });
 }

@@ -13,16 +13,17 @@ constexpr std::size_t secLongestStoreName = 240;
 
 /// Where the files of a store are.
 struct SecFilePlace {
-  std::string store;               ///< the store file
-  std::string keyFolder;           ///< where key files are, each named by a number in its store
-  bool ownsFolder = false;         ///< whether the store makes its folder and insists that it is private
-  bool allowSharedFolder = false;  ///< whether others may write to the folder of the store
+  std::string store;                  ///< the store file
+  std::string keyFolder;              ///< where key files are, each named by a number in its store
+  bool ownsFolder = false;            ///< whether the store makes its folder and insists that it is private
+  bool allowSharedFolder = false;     ///< whether others may write to the folder of the store
+  std::string credentialFolder = {};  ///< where a service manager puts a passphrase, or empty
 };
 
 /// Sets `place` to the user's own store: VXFoundation/credentials.store in $XDG_DATA_HOME or ~/.local/share,
 /// its key in VXFoundation/keys in $XDG_CONFIG_HOME or ~/.config. A variable that does not hold an absolute
 /// path counts as unset. Returns errSecNotAvailable if HOME is needed in place of another variable and is
-/// unset too. Nothing is made or read on the disk.
+/// unset too. The credential folder is $CREDENTIALS_DIRECTORY. Nothing is made or read on the disk.
 NS_EXPORT OSStatus secDefaultFilePlace(SecFilePlace& place);
 
 /// Sets `place` to a store file of the host's choice, in an existing folder; its key is kept where the

@@ -6,5 +6,5 @@
 enum class SecFileProtection : std::uint8_t {
   keyFile = 1,     ///< a file in the key folder
   passphrase = 2,  ///< a secret that a person knows
-  desktop = 3,     ///< an item of the desktop's credential service; kept, but not used by this version
+  desktop = 3,     ///< an item of the desktop's credential service
 };

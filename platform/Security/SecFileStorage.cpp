@@ -4,15 +4,17 @@
 #include <utility>
 
 #include <Security/FileStore/SecFileCreation.h>
+#include <Security/FileStore/SecFileDesktopKeeper.h>
 #include <Security/FileStore/SecFileLeftovers.h>
 #include <Security/FileStore/SecFileMigration.h>
 #include <Security/FileStore/SecFileOperations.h>
 #include <Security/FileStore/SecFileProtecting.h>
+#include <Security/FileStore/SecFileRecovery.h>
 #include <Security/FileStore/SecFileSalvage.h>
 
 class SecFileStorage::Implementation {
  public:
-  explicit Implementation(SecFileOpenSite site) : session_(std::move(site)) {}
+  explicit Implementation(SecFileOpenSite site) : session_(std::move(site), secMakeDesktopKeeper()) {}
 
   /// Runs `action` with exclusive use of the session.
   template <class Action>
@@ -21,6 +23,33 @@ class SecFileStorage::Implementation {
     const OSStatus status = secStatusOf([&] { action(session_); });
     if (status == errSecDecode) session_.noteDamage();
     return status;
+  }
+
+  /// Does the same for a transaction, on a store that is unlocked for it.
+  OSStatus transact(Access access, const Work& work) {
+    return alone([&](SecFileSession& session) {
+      if (ask_ && mayAsk_ && session.isLocked()) unlockByAsking(session);
+      secTransact(session, access, work);
+    });
+  }
+
+  /// Does the same for an action that unlocks or locks the store.
+  template <class Action>
+  OSStatus unlock(Action&& action) {
+    return alone([&](SecFileSession& session) {
+      action(session);
+      mayAsk_ = true;
+    });
+  }
+  void lock() {
+    static_cast<void>(alone([&](SecFileSession& session) {
+      session.lock();
+      mayAsk_ = false;
+    }));
+  }
+  void setAsk(Ask ask) {
+    const std::lock_guard lock(mutex_);
+    ask_ = std::move(ask);
   }
 
   /// Does the same for an action that needs a store of this format.
@@ -33,8 +62,21 @@ class SecFileStorage::Implementation {
   }
 
  private:
+  void unlockByAsking(SecFileSession& session) {
+    if (secStatusOf([&] { session.unlockUnattended(); }) == errSecSuccess || !session.hasPassphrase()) return;
+    OSStatus reason = errSecInteractionNotAllowed;
+    do {
+      const std::optional<SecSecret> passphrase = ask_(reason);
+      secRequire(passphrase.has_value(), errSecUserCanceled);
+      reason = secStatusOf([&] { session.unlockByPassphrase(passphrase->bytes()); });
+    } while (reason == errSecAuthFailed);
+    secCheck(reason);
+  }
+
   std::mutex mutex_;
   SecFileSession session_;
+  Ask ask_;
+  bool mayAsk_ = true;  // unless the host has locked the store
 };
 
 namespace {
@@ -81,7 +123,7 @@ OSStatus SecFileStorage::make(const SecFilePlace& place, Bytes passphrase,
 }
 
 OSStatus SecFileStorage::transact(Access access, const Work& work) {
-  return implementation_->alone([&](SecFileSession& session) { secTransact(session, access, work); });
+  return implementation_->transact(access, work);
 }
 
 OSStatus SecFileStorage::copyInfo(SecStorageInfo& info) {
@@ -97,15 +139,34 @@ void SecFileStorage::setWaitLimit(std::chrono::milliseconds limit) {
 }
 
 OSStatus SecFileStorage::unlock() {
-  return implementation_->alone([](SecFileSession& session) { session.unlockByKeyFile(); });
+  return implementation_->unlock([](SecFileSession& session) { session.unlockUnattended(); });
 }
 
 OSStatus SecFileStorage::unlock(Bytes passphrase) {
-  return implementation_->alone([&](SecFileSession& session) { session.unlockByPassphrase(passphrase); });
+  return implementation_->unlock([&](SecFileSession& session) { session.unlockByPassphrase(passphrase); });
 }
 
-void SecFileStorage::lock() {
-  static_cast<void>(implementation_->alone([](SecFileSession& session) { session.lock(); }));
+void SecFileStorage::lock() { implementation_->lock(); }
+
+void SecFileStorage::setAsk(Ask ask) { implementation_->setAsk(std::move(ask)); }
+
+OSStatus SecFileStorage::addPassphrase(Bytes passphrase) {
+  return implementation_->aloneMigrated(
+      [&](SecFileSession& session) { secAddPassphrase(session, passphrase); });
+}
+
+OSStatus SecFileStorage::addKeyFile() { return implementation_->aloneMigrated(secAddKeyFile); }
+
+OSStatus SecFileStorage::addDesktop(const SecDesktopOptions& options) {
+  return implementation_->aloneMigrated([&](SecFileSession& session) { secAddDesktop(session, options); });
+}
+
+OSStatus SecFileStorage::removeSlot(const std::string& name) {
+  return implementation_->aloneMigrated([&](SecFileSession& session) { secRemoveSlot(session, name); });
+}
+
+OSStatus SecFileStorage::makeRecoveryPassphrase(SecSecret& passphrase) {
+  return secStatusOf([&] { passphrase = secMakeRecoveryPassphrase(); });
 }
 
 OSStatus SecFileStorage::setPassphrase(Bytes passphrase) {
@@ -151,4 +212,12 @@ OSStatus SecFileStorage::keptKeys(const SecFilePlace& place, std::vector<SecFile
 
 OSStatus SecFileStorage::eraseKeptKey(const SecFilePlace& place, const std::string& path) {
   return secStatusOf([&] { secEraseKeyFile(place, path); });
+}
+
+OSStatus SecFileStorage::keptDesktopKeys(const SecFilePlace& place, std::vector<SecFileKeptKey>& keys) {
+  return secStatusOf([&] { keys = secJudgeItems(place, *secMakeDesktopKeeper()); });
+}
+
+OSStatus SecFileStorage::eraseKeptDesktopKey(const SecFilePlace& place, const std::string& number) {
+  return secStatusOf([&] { secEraseItem(place, *secMakeDesktopKeeper(), number); });
 }

@@ -5,12 +5,15 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include <Security/SecDesktopStorage.h>
 #include <Security/SecFilePlace.h>
 #include <Security/SecFileProtection.h>
+#include <Security/SecSecret.h>
 #include <Security/SecStorage.h>
 
 /// One way to open a store.
@@ -69,13 +72,17 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
     refuse,  ///< it fails with errSecNoSuchKeychain
     make,    ///< it makes a new store under a new key file
   };
+  /// Asks somebody for the passphrase of a locked store. `reason` is errSecInteractionNotAllowed at first,
+  /// and errSecAuthFailed after a wrong one. No value refuses.
+  using Ask = std::function<std::optional<SecSecret>(OSStatus reason)>;
   /// A passphrase: one or more bytes of any value.
   using Bytes = std::span<const std::byte>;
 
   /// Opens the store at `place`; a missing one is made, under a new key file, or refused with
-  /// errSecNoSuchKeychain. A store under a key file is unlocked: errSecDataNotAvailable if its key file is
-  /// missing, errSecAuthFailed if the key file is another store's. A store under a passphrase stays locked. A
-  /// store of an older format is opened as it is; its first change makes a copy of it and then migrates it.
+  /// errSecNoSuchKeychain. It is unlocked if that takes nobody, see unlock; otherwise it stays locked or, if
+  /// nothing but a key file opens it, fails: with errSecDataNotAvailable if the key file is missing, with
+  /// errSecAuthFailed if it is another store's. A store of an older format is opened as it is; its first
+  /// change makes a copy of it and then migrates it.
   static OSStatus open(const SecFilePlace& place, Missing missing, std::unique_ptr<SecFileStorage>& storage);
   /// Makes a store that only the passphrase opens, and opens it; errSecDuplicateItem if there is a file at
   /// `place`, errSecParam for an empty passphrase.
@@ -86,12 +93,18 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
   OSStatus copyInfo(SecStorageInfo& info) override;
   void setWaitLimit(std::chrono::milliseconds limit) override;
 
-  /// Unlocks with the key file; errSecInteractionNotAllowed if the store has none.
+  /// Unlocks with what takes nobody, in this order: the key file; the desktop's credential service, unless
+  /// that is locked; the passphrase in the file vxfoundation.passphrase of the credential folder. The status
+  /// is that of the first that the store has; errSecInteractionNotAllowed if it has none of them.
   OSStatus unlock();
   /// Unlocks with the passphrase; errSecAuthFailed if the passphrase is wrong or the store has none.
   OSStatus unlock(Bytes passphrase);
   /// Forgets all keys. Access to the entries is refused from then on, until the store is unlocked.
   void lock();
+  /// Sets what to ask when a transaction begins on a store that is locked and has a passphrase, unless it was
+  /// locked by lock(). It is called on the thread of the transaction, before that begins, until the
+  /// passphrase is right or refused: errSecUserCanceled. It must not use this storage. Null asks nobody.
+  void setAsk(Ask ask);
 
   /// Changes who can open the unlocked store, gives it new keys, and encrypts every entry anew, in one
   /// transaction: a key file or passphrase that opened it before opens nothing that is written later. A key
@@ -105,6 +118,21 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
   /// Leaves who can open it; a key file is replaced by a new one.
   OSStatus rotate();
   ///@}
+
+  /// Add a way to open the unlocked store, next to those that it has; errSecParam if there are eight.
+  ///@{
+  OSStatus addPassphrase(Bytes passphrase);
+  OSStatus addKeyFile();
+  /// Adds a key in the desktop's credential service; fails as SecDesktopStorage does. It is stored and read
+  /// back before the store refers to it.
+  OSStatus addDesktop(const SecDesktopOptions& options);
+  ///@}
+  /// Removes a way to open it, by the name of the slot, and gives the store new keys, as above. errSecParam
+  /// if there is no such slot, and if no key file and no passphrase would be left.
+  OSStatus removeSlot(const std::string& name);
+  /// Sets `passphrase` to a new random one worth 128 bits, in groups of letters that can be typed in either
+  /// case and with or without hyphens and spaces, to be added for recovery.
+  static OSStatus makeRecoveryPassphrase(SecSecret& passphrase);
 
   /// Accepts a store that went back to a former state, such as a backup that was restored. Until then its
   /// entries cannot be read or changed: errSecRolledBack.
@@ -137,6 +165,12 @@ class NS_EXPORT SecFileStorage final : public SecStorage {
   /// or may do so, or if it is not a key file of that folder; errSecBusy while keys are being made. Nothing
   /// that needs the key, such as a backup, can be opened after that.
   static OSStatus eraseKeptKey(const SecFilePlace& place, const std::string& path);
+  /// Do the same for items of the desktop's credential service, unless that is locked. Instead of a path, an
+  /// item has the number of its slot. Fail as SecDesktopStorage does; nothing is asked.
+  ///@{
+  static OSStatus keptDesktopKeys(const SecFilePlace& place, std::vector<SecFileKeptKey>& keys);
+  static OSStatus eraseKeptDesktopKey(const SecFilePlace& place, const std::string& number);
+  ///@}
 
  private:
   class Implementation;

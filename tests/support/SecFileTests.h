@@ -14,7 +14,7 @@
 /// killed leaves the same files there as on a disk, and everything is many times faster.
 struct TemporaryPlace : TemporaryFolder {
   TemporaryPlace() : TemporaryFolder(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") {}
-  SecFilePlace place = {root / "data/credentials.store", root / "keys", true};
+  SecFilePlace place = {root / "data/credentials.store", root / "keys", true, false, root / "credentials"};
 };
 
 inline SecSecret secretFrom(std::string_view text) { return SecSecret(std::as_bytes(std::span(text))); }

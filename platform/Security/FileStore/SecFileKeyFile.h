@@ -2,15 +2,8 @@
 
 #include <optional>
 
-#include <Security/FileStore/SecFileFolder.h>
+#include <Security/FileStore/SecFileOwner.h>
 #include <Security/FileStore/SecFileSlot.h>
-
-/// Which store a key file was made for. Copying or moving a store changes one of the three.
-struct SecFileOwner {
-  std::string path;
-  SecFileNumber file;
-  friend bool operator==(const SecFileOwner&, const SecFileOwner&) = default;
-};
 
 /// The content of a key file: the secret of a slot, and the store that the file was made for.
 struct SecFileKey {

@@ -48,6 +48,21 @@ void SecFileKeyring::openByPassphrase(const SecFileHeader& header, SecView passp
   throw SecFailure{errSecAuthFailed};
 }
 
+void SecFileKeyring::openByDesktop(const SecFileHeader& header, SecFileKeeper& desktop) {
+  OSStatus failure = errSecInteractionNotAllowed;
+  for (const SecFileSlot& slot : header.slots) {
+    if (slot.protection != SecFileProtection::desktop) continue;
+    failure = secStatusOf([&] {
+      for (const SecSecret& secret : desktop.read(secHexadecimal(slot.number)))
+        if (secStatusOf([&] { open(header, slot, secDeriveSlotKey(slot, secret.bytes())); }) == errSecSuccess)
+          return;
+      throw SecFailure{errSecAuthFailed};
+    });
+    if (failure == errSecSuccess) return;
+  }
+  throw SecFailure{failure};
+}
+
 void SecFileKeyring::follow(const SecFileHeader& header, const SecFileFolder* keyFolder) {
   if (isLocked() || opened_->keys.id() == header.keyID) return;
   Opened former = std::move(*opened_);

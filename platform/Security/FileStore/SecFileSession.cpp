@@ -3,25 +3,46 @@
 #include <algorithm>
 #include <utility>
 
+#include <Security/FileStore/SecFileCredential.h>
 #include <Security/FileStore/SecFileFormat.h>
 
 namespace {
 
-bool hasKeyFile(const SecFileHeader& header) {
+bool hasSlot(const SecFileHeader& header, SecFileProtection protection) {
   return std::any_of(header.slots.begin(), header.slots.end(),
-                     [](const SecFileSlot& slot) { return slot.protection == SecFileProtection::keyFile; });
+                     [&](const SecFileSlot& slot) { return slot.protection == protection; });
 }
 
 }  // namespace
 
-SecFileSession::SecFileSession(SecFileOpenSite site)
+SecFileSession::SecFileSession(SecFileOpenSite site, std::unique_ptr<SecFileKeeper> desktop)
     : site_(std::move(site.site)),
+      desktop_(std::move(desktop)),
       connection_(std::make_unique<SecFileConnection>(std::move(site.folder), site_.name, waitLimit_)),
       watch_(site_.folder + '/' + site_.name) {
+  const OSStatus status = secStatusOf([&] { unlockUnattended(); });
+  const bool isUnlocked = status == errSecSuccess || status == errSecInteractionNotAllowed;
+  secRequire(isUnlocked || (status != errSecDecode && mayBeUnlocked()), status);
+}
+
+/// Returns no value for a store of format 1.
+std::optional<SecFileHeader> SecFileSession::readHeader() {
   SecFileWork work(*this, false, SecFileWork::Trust::nothing);
-  const auto* former = work.former();
-  if (former ? former->protection() == SecFileProtection::keyFile : hasKeyFile(work.header()))
-    openByKeyFile(work);
+  if (work.former()) return std::nullopt;
+  return work.header();
+}
+
+bool SecFileSession::hasPassphrase() {
+  const auto header = readHeader();
+  return header ? hasSlot(*header, SecFileProtection::passphrase)
+                : former_->protection() == SecFileProtection::passphrase;
+}
+
+/// Whether something other than a key file opens the store.
+bool SecFileSession::mayBeUnlocked() {
+  const auto header = readHeader();
+  return header &&
+         (hasSlot(*header, SecFileProtection::passphrase) || hasSlot(*header, SecFileProtection::desktop));
 }
 
 SecFileConnection& SecFileSession::connection() {
@@ -49,9 +70,40 @@ const SecFileFolder* SecFileSession::keyFolder(bool makes) {
   return keyFolder_ ? &*keyFolder_ : nullptr;
 }
 
-void SecFileSession::unlockByKeyFile() {
+void SecFileSession::unlockUnattended() {
+  SecFileHeader header;
+  {
+    SecFileWork work(*this, false, SecFileWork::Trust::nothing);
+    if (work.former()) return openFormerUnattended();
+    header = work.header();
+  }
+  // Outside of the transaction, as it may take long.
+  openUnattended(header);
   SecFileWork work(*this, false, SecFileWork::Trust::nothing);
-  openByKeyFile(work);
+  verifySeal(work);
+}
+
+void SecFileSession::openUnattended(const SecFileHeader& header) {
+  OSStatus failure = errSecInteractionNotAllowed;
+  const auto attempt = [&](auto&& open) {
+    const OSStatus status = secStatusOf(open);
+    if (failure == errSecInteractionNotAllowed) failure = status;
+    return status == errSecSuccess;
+  };
+  const bool isOpen = attempt([&] {
+                        keyFolder_ = site_.openKeyFolder();
+                        keyring_.openByKeyFile(header, keyFolder_ ? &*keyFolder_ : nullptr);
+                      }) ||
+                      attempt([&] { keyring_.openByDesktop(header, *desktop_); }) ||
+                      attempt([&] { openByCredential(header); });
+  if (!isOpen) throw SecFailure{failure};
+}
+
+void SecFileSession::openByCredential(const SecFileHeader& header) {
+  secRequire(hasSlot(header, SecFileProtection::passphrase), errSecInteractionNotAllowed);
+  const auto passphrase = secReadCredential(site_.credentialFolder);
+  secRequire(passphrase.has_value(), errSecInteractionNotAllowed);
+  keyring_.openByPassphrase(header, passphrase->bytes());
 }
 
 void SecFileSession::openByKeyFile(SecFileWork& work) {
@@ -60,6 +112,16 @@ void SecFileSession::openByKeyFile(SecFileWork& work) {
   if (work.former()) return openFormerByKeyFile(folder);
   keyring_.openByKeyFile(work.header(), folder);
   verifySeal(work);
+}
+
+void SecFileSession::openFormerUnattended() {
+  if (former_->protection() == SecFileProtection::keyFile) {
+    keyFolder_ = site_.openKeyFolder();
+    return openFormerByKeyFile(keyFolder_ ? &*keyFolder_ : nullptr);
+  }
+  auto passphrase = secReadCredential(site_.credentialFolder);
+  secRequire(passphrase.has_value(), errSecInteractionNotAllowed);
+  former_->unlock(std::move(*passphrase));
 }
 
 void SecFileSession::openFormerByKeyFile(const SecFileFolder* folder) {

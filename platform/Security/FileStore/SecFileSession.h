@@ -14,8 +14,9 @@ class SecFileWork;
 /// SecFailure. Used by one thread at a time.
 class SecFileSession {
  public:
-  /// Opens the file of a site and unlocks it if a key file does.
-  explicit SecFileSession(SecFileOpenSite site);
+  /// Opens the file of a site, and unlocks it if that takes nobody. Otherwise it stays locked or, if a key
+  /// file is all that opens it, fails.
+  SecFileSession(SecFileOpenSite site, std::unique_ptr<SecFileKeeper> desktop);
 
   /// Returns the connection to the file that is there now; opens it again after a fork, or if the file was
   /// replaced.
@@ -23,12 +24,17 @@ class SecFileSession {
   void setWaitLimit(std::chrono::milliseconds limit);
 
   bool isLocked() const { return former_ ? former_->isLocked() : keyring_.isLocked(); }
-  void unlockByKeyFile();
+  /// Whether some passphrase opens the store.
+  bool hasPassphrase();
+  /// Unlocks with what takes nobody: a key file, the desktop if that is unlocked, the service manager's
+  /// passphrase. Fails as the first of those that the store has.
+  void unlockUnattended();
   void unlockByPassphrase(SecView passphrase);
   void lock();
 
   const SecFileSite& site() const { return site_; }
   SecFileKeyring& keyring() { return keyring_; }
+  SecFileKeeper& desktop() { return *desktop_; }
   /// Ends the use of a store that was migrated.
   void forgetFormer() { former_.reset(); }
   SecFileWatch& watch() { return watch_; }
@@ -45,12 +51,18 @@ class SecFileSession {
  private:
   friend class SecFileWork;
   void load(SecFileWork& work, bool mayBeLocked);
+  std::optional<SecFileHeader> readHeader();
+  bool mayBeUnlocked();
+  void openUnattended(const SecFileHeader& header);
+  void openByCredential(const SecFileHeader& header);
   void openByKeyFile(SecFileWork& work);
+  void openFormerUnattended();
   void openFormerByKeyFile(const SecFileFolder* folder);
   void openMigrated(const SecFormat1Store& before, SecFileWork& work);
   void verifySeal(SecFileWork& work);
 
   const SecFileSite site_;
+  const std::unique_ptr<SecFileKeeper> desktop_;
   std::chrono::milliseconds waitLimit_{5000};
   std::unique_ptr<SecFileConnection> connection_;
   std::unique_ptr<SecFormat1Store> former_;  // while the file has format 1

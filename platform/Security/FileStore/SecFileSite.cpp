@@ -8,7 +8,8 @@ SecFileFolder SecFileSite::openFolder() const {
 
 SecFileOpenSite secFindSite(const SecFilePlace& place, bool makes) {
   const std::size_t end = place.store.rfind('/') + 1;  // 0 if there is no slash
-  SecFileSite site{end == 0 ? "." : place.store.substr(0, end), place.store.substr(end), place.keyFolder};
+  SecFileSite site{end == 0 ? "." : place.store.substr(0, end), place.store.substr(end), place.keyFolder,
+                   place.credentialFolder};
   secRequire(!site.name.empty() && site.name.size() <= secLongestStoreName, errSecParam);
   if (place.ownsFolder) site.rule = SecFolderRule::own;
   if (place.allowSharedFolder) site.rule = SecFolderRule::any;

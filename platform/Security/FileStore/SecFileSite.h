@@ -11,6 +11,7 @@ struct SecFileSite {
   std::string folder;
   std::string name;
   std::string keyFolder;
+  std::string credentialFolder;
   SecFolderRule rule = SecFolderRule::others;
 
   /// Opens the folder of the store; fails with errSecNoSuchKeychain if it is missing.

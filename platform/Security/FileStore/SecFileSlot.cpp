@@ -1,6 +1,7 @@
 #include <Security/FileStore/SecFileSlot.h>
 
 #include <Security/FileStore/SecFileFormat.h>
+#include <Security/FileStore/SecFileRecovery.h>
 
 namespace {
 
@@ -61,7 +62,7 @@ SecFileSlot secMakeSlot(SecFileProtection protection) {
 
 SecSecret secDeriveSlotKey(const SecFileSlot& slot, SecView secret) {
   return slot.protection == SecFileProtection::passphrase
-             ? secStretch(secret, slot.number, slot.cost)
+             ? secStretch(secMeantPassphrase(secret).bytes(), slot.number, slot.cost)
              : secDeriveKey(secret, slot.number, "VXFoundation slot key");
 }
 
