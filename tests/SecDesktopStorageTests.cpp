@@ -1,5 +1,6 @@
 // The store in a credential service that tests/desktop/on has started, and in fakes of one.
 #include <Security/SecDesktopStorage.h>
+#include <Security/SecFileStorage.h>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -184,6 +185,22 @@ TEST(SecDesktopFaults, EachHasItsStatusInTimeAndChangesNothing) {
   for (const auto& [fault, time] : longest)
     std::cout << fault << ": at most " << std::chrono::duration_cast<std::chrono::milliseconds>(time).count()
               << " ms\n";
+}
+
+TEST(SecDesktopFaults, AStoreThatDoesNotGetItsKeyStaysAsItIs) {
+  for (const auto& row : vectors("desktop-slots.tsv")) {
+    SCOPED_TRACE(row.at(0) + " " + row.at(1));
+    const TemporaryFolder folder;
+    const SecFilePlace place{folder.root / "data/store", folder.root / "keys", true};
+    std::unique_ptr<SecFileStorage> file;
+    ASSERT_EQ(SecFileStorage::open(place, SecFileStorage::Missing::make, file), errSecSuccess);
+    const std::string before = readFile(place.store);
+    FakeService service;
+    service.breakNext(row[0], row[1]);
+    EXPECT_EQ(file->addDesktop({limit, limit, true, ""}), std::stoi(row[2]));
+    EXPECT_EQ(readFile(place.store), before);
+    EXPECT_TRUE(service.items() == 0 || row[1] == "die" || row[1] == "wrong types");
+  }
 }
 
 TEST(SecDesktopStorage, OneOfSeveralAddersSucceeds) {
