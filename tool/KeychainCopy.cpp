@@ -51,7 +51,7 @@ void addKeychainCopy(CLI::App& keychain, Action& action, const std::shared_ptr<K
   copy->from.addOptions(*command, "--from", "The store to copy from");
   copy->to.addOptions(*command, "--to", "The store to copy to");
   copy->existing.addOptions(*command);
-  command->callback([copy, store, command, &action] {
+  command->callback([copy, store, &action] {
     if (!copy->from.place && !copy->to.place) throw CLI::RequiredError("--from or --to");
     action = [copy, store] { return copy->run(*store); };
   });
