@@ -37,9 +37,9 @@ struct SecFileKeptKey {
     leftover,  ///< the store that it was made for can be reached, and does not name it
     unknown,   ///< its store cannot be reached, or nothing says which store that is
   };
-  std::string path;   ///< of the key file
-  std::string store;  ///< the path of the store that it was made for, or empty
-  Use use = Use::unknown;
+  std::string path;        ///< of the key file
+  std::string store;       ///< the path of the store that it was made for, or empty
+  Use use = Use::unknown;  ///< whether a store needs it
 };
 
 /// What is known about a store without decrypting any entry.
