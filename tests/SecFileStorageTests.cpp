@@ -274,7 +274,7 @@ class StoreSteps {
     return status;
   }
 
-  /// Installs a function that gives one answer after another, "-" for none, and notes what it was told.
+  /// Installs a function that returns one passphrase after another, "-" for none, and notes each reason.
   void ask(Passwords& host, const std::string& answers) {
     host.storage->setAsk([rest = answers](OSStatus reason) mutable -> std::optional<SecSecret> {
       const auto [answer, others] = cut(rest, ",");
