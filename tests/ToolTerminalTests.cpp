@@ -78,9 +78,19 @@ class TerminalRun {
   std::size_t waited_ = 0;
 };
 
+/// The recovery passphrase that the tool showed last.
+std::string recovery;
+
+void noteRecovery(const std::string& shown) {
+  const std::string rest = cut(shown, "Recovery passphrase: ").second;
+  if (!rest.empty()) recovery = cut(rest, "\r").first;
+}
+
 /// Acts at a prompt: types keys, where "<N>" stands for N letters; "!NAME" sends a signal, "!hang up" closes
 /// the terminal.
 void act(TerminalRun& run, const std::string& keys) {
+  noteRecovery(run.shown());
+  if (keys == "!as shown\\x0a") return run.type(recovery + '\n');
   if (keys == "!hang up") return run.hangUp();
   if (keys.starts_with('!')) return run.send(keys.substr(1));
   if (!keys.starts_with('<')) return run.type(unescaped(keys));

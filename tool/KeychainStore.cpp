@@ -1,7 +1,6 @@
 #include "tool/KeychainStore.h"
 
 #include <Security/SecDefaultStorage.h>
-#include <Security/SecDesktopStorage.h>
 #include <Security/SecMemoryStorage.h>
 
 #include "tool/Failure.h"
@@ -15,10 +14,9 @@ constexpr char inMemory[] = ":memory:";
 constexpr char onDesktop[] = ":desktop:";
 
 std::unique_ptr<SecDesktopStorage> openDesktop(const KeychainStore& store) {
-  SecDesktopOptions options;
-  options.allowsPrompts = !store.noPrompt && hasTerminal();
   std::unique_ptr<SecDesktopStorage> desktop;
-  requireSuccess(SecDesktopStorage::open(options, desktop), "the keychain cannot be opened"_text);
+  requireSuccess(SecDesktopStorage::open(store.desktopOptions(), desktop),
+                 "the keychain cannot be opened"_text);
   return desktop;
 }
 
@@ -52,6 +50,12 @@ void KeychainStore::addOptions(CLI::App& keychain) {
 
 bool KeychainStore::isInMemory() const { return place == inMemory; }
 bool KeychainStore::isOnDesktop() const { return place == onDesktop; }
+
+SecDesktopOptions KeychainStore::desktopOptions() const {
+  SecDesktopOptions options;
+  options.allowsPrompts = !noPrompt && hasTerminal();
+  return options;
+}
 
 std::shared_ptr<SecStorage> KeychainStore::openAsItIs() const {
   if (isInMemory()) return std::make_shared<SecMemoryStorage>();

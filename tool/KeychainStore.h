@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Security/SecDesktopStorage.h>
 #include <Security/SecFileStorage.h>
 
 #include <CLI/CLI.hpp>
@@ -25,6 +26,8 @@ struct KeychainStore {
 
   bool isInMemory() const;
   bool isOnDesktop() const;
+  /// Returns what the desktop's credential service may do.
+  SecDesktopOptions desktopOptions() const;
   /// Opens it, unlocked if that takes no passphrase; returns null if it is the user's own and is missing.
   std::shared_ptr<SecStorage> openAsItIs() const;
   /// Opens it, unlocked if that takes no passphrase or one can be obtained. A file that is missing is made or

@@ -150,6 +150,8 @@ NSRef<NSData> askSecret(const Message& question) {
   return answer;
 }
 
+void showAtTerminal(std::string_view text) { show(text); }
+
 bool agrees(const Message& question, const Message& background) {
   const std::string known = printable(background.text());
   for (;;) {

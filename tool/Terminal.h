@@ -4,6 +4,7 @@
 #include <Foundation/NSErrorPresenter.h>
 
 #include <optional>
+#include <string_view>
 
 #include "tool/Message.h"
 
@@ -21,6 +22,9 @@ bool hasTerminal();
 /// The result is cleansed from memory after use. Throws Failure if the input ends first, or as
 /// readSecretLine.
 NSRef<NSData> askSecret(const Message& question);
+
+/// Shows text at the terminal.
+void showAtTerminal(std::string_view text);
 
 /// Asks the person at the terminal a question until the answer is y or n, each time below a line with what
 /// one must know to answer it, unless that is empty. Returns whether the answer is y, and false at the end of
