@@ -187,20 +187,28 @@ TEST(SecDesktopFaults, EachHasItsStatusInTimeAndChangesNothing) {
               << " ms\n";
 }
 
+/// Breaks the service while it is to keep the key of a store.
+void breakSlot(const std::string& member, const std::string& fault, OSStatus status) {
+  SCOPED_TRACE(member + " " + fault);
+  const TemporaryFolder folder;
+  const SecFilePlace place{folder.root / "data/store", folder.root / "keys", true};
+  std::unique_ptr<SecFileStorage> file;
+  ASSERT_EQ(SecFileStorage::open(place, SecFileStorage::Missing::make, file), errSecSuccess);
+  const std::string before = readFile(place.store);
+  FakeService service;
+  service.breakNext(member, fault);
+  EXPECT_EQ(file->addDesktop({limit, limit, true, ""}), status);
+  EXPECT_EQ(readFile(place.store), before);
+  EXPECT_TRUE(service.items() == 0 || fault == "die" || fault == "wrong types" || fault == "bus gone");
+}
+
 TEST(SecDesktopFaults, AStoreThatDoesNotGetItsKeyStaysAsItIs) {
-  for (const auto& row : vectors("desktop-slots.tsv")) {
-    SCOPED_TRACE(row.at(0) + " " + row.at(1));
-    const TemporaryFolder folder;
-    const SecFilePlace place{folder.root / "data/store", folder.root / "keys", true};
-    std::unique_ptr<SecFileStorage> file;
-    ASSERT_EQ(SecFileStorage::open(place, SecFileStorage::Missing::make, file), errSecSuccess);
-    const std::string before = readFile(place.store);
-    FakeService service;
-    service.breakNext(row[0], row[1]);
-    EXPECT_EQ(file->addDesktop({limit, limit, true, ""}), std::stoi(row[2]));
-    EXPECT_EQ(readFile(place.store), before);
-    EXPECT_TRUE(service.items() == 0 || row[1] == "die" || row[1] == "wrong types");
-  }
+  for (const auto& row : vectors("desktop-slots.tsv")) breakSlot(row.at(0), row.at(1), std::stoi(row.at(2)));
+}
+
+// Last on its bus, which ends while the key is read back.
+TEST(SecDesktopBusDeath, AStoreThatDoesNotGetItsKeyStaysAsItIs) {
+  breakSlot("GetSecret", "bus gone", errSecIO);
 }
 
 TEST(SecDesktopStorage, OneOfSeveralAddersSucceeds) {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <map>
 #include <new>
 #include <stdexcept>
@@ -104,12 +105,22 @@ class FakeProcess {
   }
 
  private:
+  void endBus() {
+    sd_bus_message* reply = nullptr;
+    std::uint32_t daemon = 0;
+    const char* const bus = "org.freedesktop.DBus";
+    sd_bus_call_method(bus_, bus, "/", bus, "GetConnectionUnixProcessID", nullptr, &reply, "s", bus);
+    if (reply && sd_bus_message_read(reply, "u", &daemon) > 0) kill(static_cast<pid_t>(daemon), SIGKILL);
+    _exit(0);
+  }
+
   static int handle(sd_bus_message* call, void* process, sd_bus_error*) {
     auto& self = *static_cast<FakeProcess*>(process);
     const std::string member = sd_bus_message_get_member(call);
     const std::string fault = member == self.shared_.member ? self.shared_.fault : "";
     if (!fault.empty()) self.shared_.member[0] = '\0';
     if (fault == "die") _exit(0);
+    if (fault == "bus gone") self.endBus();
     if (fault == "silent") return 1;
     if (fault == "fail") return sd_bus_reply_method_errorf(call, "org.freedesktop.DBus.Error.Failed", "-");
     if (fault == "wrong types") return sd_bus_reply_method_return(call, "u", 1u);

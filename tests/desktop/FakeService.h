@@ -18,7 +18,8 @@ class FakeService {
 
   /// Lets the next call of `member` go wrong: "silent", "die", "wrong types", "no object", "stay locked",
   /// "fail" before or "fail late" after it was done, or "prompt" for an answer that is first asked for, which
-  /// then is "prompt dismissed", "prompt silent" or "prompt die". What concerns unlocking also locks.
+  /// then is "prompt dismissed", "prompt silent" or "prompt die", or "bus gone". What concerns unlocking also
+  /// locks.
   void breakNext(const std::string& member, const std::string& fault);
   void lock();
   void kill();
