@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures prove
+.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -56,6 +56,10 @@ large:
 # The pictures of the window in README.md, drawn without a screen.
 pictures:
 	scripts/pictures
+
+# The source archive of a release, from the last commit.
+archive:
+	scripts/archive
 
 prove:
 	scripts/prove
