@@ -34,45 +34,38 @@ double speedOf(const std::map<std::size_t, double>& bySize, std::size_t size) {
 
 }  // namespace
 
-Report::Operation& Report::operation(const std::string& name) {
-  const auto found = std::find_if(operations_.begin(), operations_.end(),
-                                  [&](const Operation& operation) { return operation.name == name; });
-  return found != operations_.end() ? *found : operations_.emplace_back(Operation{name, {}});
-}
-
 void Report::ReportRuns(const std::vector<Run>& runs) {
   for (const Run& run : runs) {
     if (run.run_type != Run::RT_Iteration) continue;
     const std::string name = run.run_name.function_name;
     const std::size_t first = name.find('/'), last = name.rfind('/');
-    double& best = operation(name.substr(0, first))
-                       .speeds[name.substr(first + 1, last - first - 1)][std::stoul(name.substr(last + 1))];
+    Speeds& speeds = operations_[name.substr(0, first)];
+    double& best = speeds[name.substr(first + 1, last - first - 1)][std::stoul(name.substr(last + 1))];
     best = std::max(best, run.counters.at("bytes_per_second").value / 1e9);
   }
 }
 
-std::pair<std::string, double> Report::bestPeer(const Operation& operation, std::size_t size) {
+std::pair<std::string, double> Report::bestPeer(const Speeds& speeds, std::size_t size) {
   std::pair<std::string, double> best;
-  for (const auto& [contestant, bySize] : operation.speeds)
+  for (const auto& [contestant, bySize] : speeds)
     if (!isOurs(contestant) && contestant != "memcpy" && speedOf(bySize, size) > best.second)
       best = {contestant, speedOf(bySize, size)};
   return best;
 }
 
-void Report::printTable(std::ostream& out, const Operation& operation) {
-  out << "\n### " << operation.name << "\n\n| |";
-  for (const auto& column : operation.speeds) out << " " << column.first << " |";
+void Report::printTable(std::ostream& out, const std::string& operation, const Speeds& speeds) {
+  out << "\n### " << operation << "\n\n| |";
+  for (const auto& column : speeds) out << " " << column.first << " |";
   out << " to best peer |\n|---|";
-  for (std::size_t i = 0; i <= operation.speeds.size(); ++i) out << "---|";
+  for (std::size_t i = 0; i <= speeds.size(); ++i) out << "---|";
   out << "\n";
   for (const std::size_t size : sizes) {
     out << "| " << sizeName(size) << " |";
-    for (const auto& column : operation.speeds)
-      out << " " << figure(speedOf(column.second, size), size) << " |";
+    for (const auto& column : speeds) out << " " << figure(speedOf(column.second, size), size) << " |";
     char ratio[32] = "";
-    const auto own = operation.speeds.find(us);
-    const double peer = bestPeer(operation, size).second;
-    if (own != operation.speeds.end() && peer > 0)
+    const auto own = speeds.find(us);
+    const double peer = bestPeer(speeds, size).second;
+    if (own != speeds.end() && peer > 0)
       std::snprintf(ratio, sizeof ratio, "%.2f", speedOf(own->second, size) / peer);
     out << " " << ratio << " |\n";
   }
@@ -81,7 +74,7 @@ void Report::printTable(std::ostream& out, const Operation& operation) {
 void Report::printTables(std::ostream& out) const {
   out << "GB/s of input (32 B: time of a call); best of all rounds; our result object included.\n"
          "\"*\" marks a peer that skips checks which we make.\n";
-  for (const Operation& operation : operations_) printTable(out, operation);
+  for (const auto& [operation, speeds] : operations_) printTable(out, operation, speeds);
 }
 
 void Report::drawChart(std::ostream& out) const {
@@ -98,13 +91,13 @@ void Report::drawChart(std::ostream& out) const {
       << "' font-family='sans-serif' font-size='12'>\n<rect width='100%' height='100%' fill='white'/>\n"
       << "<text x='10' y='20'>GB/s of input at 64 KiB, logarithmic; longer is faster</text>\n";
   double y = 34;
-  for (const Operation& operation : operations_) {
-    out << "<text x='10' y='" << y + 20 << "'>" << operation.name << "</text>\n";
-    const auto [peer, speed] = bestPeer(operation, size);
-    if (const auto own = operation.speeds.find(us); own != operation.speeds.end())
+  for (const auto& [operation, speeds] : operations_) {
+    out << "<text x='10' y='" << y + 20 << "'>" << operation << "</text>\n";
+    const auto [peer, speed] = bestPeer(speeds, size);
+    if (const auto own = speeds.find(us); own != speeds.end())
       bar(y, speedOf(own->second, size), "#2a6fbb", us);
     if (speed > 0) bar(y + 15, speed, "#b0b0b0", peer);
-    if (const auto copy = operation.speeds.find("memcpy"); copy != operation.speeds.end())
+    if (const auto copy = speeds.find("memcpy"); copy != speeds.end())
       bar(y, speedOf(copy->second, size), "#d9b44a", "memcpy");
     y += row;
   }

@@ -25,16 +25,11 @@ class Report : public benchmark::BenchmarkReporter {
 
  private:
   using Speeds = std::map<std::string, std::map<std::size_t, double>>;  // contestant, size: GB/s
-  struct Operation {
-    std::string name;
-    Speeds speeds;
-  };
 
-  Operation& operation(const std::string& name);
-  static void printTable(std::ostream& out, const Operation& operation);
-  static std::pair<std::string, double> bestPeer(const Operation& operation, std::size_t size);
+  static void printTable(std::ostream& out, const std::string& operation, const Speeds& speeds);
+  static std::pair<std::string, double> bestPeer(const Speeds& speeds, std::size_t size);
 
-  std::vector<Operation> operations_;  // in the order in which they first ran
+  std::map<std::string, Speeds> operations_;
 };
 
 }  // namespace Contest
