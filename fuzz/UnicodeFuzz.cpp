@@ -1,3 +1,5 @@
+#include <Foundation/NSString.h>
+
 #include "Foundation/kernels/UnicodeDispatch.h"
 #include "tests/support/Fuzz.h"
 
@@ -38,11 +40,25 @@ void compareKernels(const std::vector<Unit>& text) {
     fuzzRequire(converted(*set, text) == expected, "all kernels convert and refuse alike");
 }
 
+/// A string takes ASCII by another way, which the kernels know nothing of.
+void compareString(const std::vector<char>& bytes) {
+  const std::string_view text(bytes.data(), bytes.size());
+  const auto& scalar = *NSKernels::availableUnicodeKernels()[0];
+  const NSRefPtr<NSString> string = NSString::stringWithUTF8String(text);
+  const bool isWellFormed = converted(scalar, bytes).place == text.size();
+  fuzzRequire((string != nullptr) == isWellFormed, "a string refuses what the scalar kernel does");
+  if (!string) return;
+  fuzzRequire(string->UTF8String() == text, "a string is what it was made of");
+  fuzzRequire(string->isASCII() == (scalar.asciiBytes(text.data(), text.size()) == text.size()),
+              "ASCII alone is stored as ASCII");
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::vector<char> bytes(data, data + size);
   compareKernels(bytes);
+  compareString(bytes);
   std::vector<char16_t> units;
   for (std::size_t i = 0; i + 1 < size; i += 2)
     units.push_back(static_cast<char16_t>(data[i] | data[i + 1] << 8));

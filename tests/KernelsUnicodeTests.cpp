@@ -4,7 +4,8 @@
 #include <random>
 #include <string>
 
-#include "Foundation/kernels/UnicodeDispatch.h"
+#include "Foundation/NSUnicode.h"
+#include "Foundation/kernels/ASCII.h"
 #include "tests/support/GuardedBuffer.h"
 
 namespace {
@@ -209,8 +210,25 @@ TEST_P(KernelsUnicode, CountsASCIIUpToTheFirstOtherAndUnitsUpToTheFirstEqual) {
       if (at < length) wide[at] = u"\x80\x100\x7F80\x8000\xFF7F"[at % 5];
       ASSERT_EQ(kernels.asciiBytes(narrow.data(), length), at);
       ASSERT_EQ(kernels.asciiUnits(wide.data(), length), at);
+      ASSERT_EQ(NSIsASCII(std::string_view(narrow.data(), length)), at == length) << length << ", " << at;
       ASSERT_EQ(kernels.unitsBefore(wide.data(), length, at < length ? wide[at] : u'\0'), at);
     }
+}
+
+/// Strings take short ASCII without a kernel, in parts that overlap.
+TEST(KernelsASCII, CopiesBytesOfEveryLengthWithinBounds) {
+  const GuardedBuffer<char> source(4096), target(4096);
+  const std::string ascii = mixture("1", threeWidths, 2);
+  target.fill('\x80');
+  for (std::size_t length = 0; length <= threeWidths; ++length) {
+    const auto from = length % 2 == 0 ? source.first(length) : source.last(length);
+    const auto to = length % 2 == 0 ? target.last(length) : target.first(length);
+    std::copy_n(ascii.begin(), length, from.begin());
+    NSKernels::copy({from.data(), length}, to.data());
+    ASSERT_TRUE(target.isFilledAround(to, '\x80')) << length;
+    ASSERT_EQ(std::string(to.begin(), to.end()), ascii.substr(0, length));
+    std::fill(to.begin(), to.end(), '\x80');
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(EverySet, KernelsUnicode, testing::ValuesIn(NSKernels::availableUnicodeKernels()),

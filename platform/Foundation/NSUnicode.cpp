@@ -1,12 +1,10 @@
 #include <Foundation/NSUnicode.h>
 
-#include <Foundation/kernels/UnicodeDispatch.h>
+#include <Foundation/kernels/ASCII.h>
 
 using NSKernels::unicode;
 
-bool NSIsASCII(std::string_view text) noexcept {
-  return unicode().asciiBytes(text.data(), text.size()) == text.size();
-}
+bool NSIsASCII(std::string_view text) noexcept { return NSKernels::isASCII(text); }
 
 bool NSIsASCII(std::u16string_view text) noexcept {
   return unicode().asciiUnits(text.data(), text.size()) == text.size();
