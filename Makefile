@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive prove
+.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive subproject prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -60,6 +60,9 @@ pictures:
 # The source archive of a release, from the last commit.
 archive:
 	scripts/archive
+
+subproject:
+	scripts/subproject
 
 prove:
 	scripts/prove

@@ -1,7 +1,20 @@
 #include <VXFoundation/Internal/VXBundleInformation.h>
 
+#include <string_view>
+
 #include <Foundation/NSBundle.h>
+#include <VXFoundation/Internal/VXEmbeddedResources.h>
 #include <VXFoundation/VXFoundationConstants.h>
+
+namespace {
+
+std::string_view contentOf(std::string_view name) {
+  const VXEmbeddedResource* resource = VXEmbeddedResources;
+  while (!resource->name.empty() && resource->name != name) ++resource;
+  return resource->content;
+}
+
+}  // namespace
 
 void VXRegisterBundleInformation() {
   NSBundle::setLibraryInformation(
@@ -12,5 +25,6 @@ void VXRegisterBundleInformation() {
                                                   {"VXFoundation", "CFBundleName"},
                                                   {"FMWK", "CFBundlePackageType"},
                                                   {VX_VERSION, "CFBundleShortVersionString"},
-                                                  {VX_VERSION, "CFBundleVersion"}}));
+                                                  {VX_VERSION, "CFBundleVersion"}}),
+      VXEmbeddedResources->name.empty() ? nullptr : contentOf);
 }

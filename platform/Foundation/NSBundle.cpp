@@ -2,26 +2,33 @@
 
 #include <filesystem>
 #include <mutex>
+#include <span>
 
 #include <Foundation/Internal/NSLoadedCode.h>
 #include <Foundation/Internal/NSResourceFile.h>
 #include <Foundation/NSLocale.h>
+#include <Foundation/NSPropertyList.h>
 
 namespace {
 
 namespace files = std::filesystem;
 
+struct LibraryInformation {
+  NSRefPtr<NSDictionary> dictionary;
+  NSBundle::ResourceContent* resources = nullptr;
+};
+
 // Never destroyed: exit handlers of a host may still need it.
 struct Registered {
   std::mutex mutex;
-  NSRefPtr<NSDictionary> information;
+  LibraryInformation information;
 };
 Registered& registered() {
   static Registered& ofLibrary = *new Registered;
   return ofLibrary;
 }
 
-NSRefPtr<NSDictionary> registeredInformation() {
+LibraryInformation libraryInformation() {
   const std::lock_guard lock(registered().mutex);
   return registered().information;
 }
@@ -36,17 +43,22 @@ NSRefPtr<NSBundle> NSBundle::bundleWithIdentifier(NSStringArg identifier) {
   const auto ifSought = [&](const NSRef<NSBundle>& bundle) -> NSRefPtr<NSBundle> {
     return sought->isEqual(bundle->bundleIdentifier()) ? NSRefPtr<NSBundle>(bundle) : nullptr;
   };
+  const LibraryInformation information = libraryInformation();
+  const auto library = [&]() -> NSRefPtr<NSBundle> {
+    if (!information.dictionary) return nullptr;
+    return ifSought(alloc(NSFolderOfLibrary(), information.dictionary, information.resources));
+  };
+  if (const auto bundle = information.resources ? library() : nullptr) return bundle;
   if (const auto bundle = ifSought(alloc(NSFolderOfProgram()))) return bundle;
   if (const auto bundle = ifSought(alloc(NSFolderOfLibrary()))) return bundle;
   for (const std::string& folder : NSFoldersOfLoadedLibraries())
     if (const auto bundle = ifSought(alloc(folder))) return bundle;
-  const NSRefPtr<NSDictionary> information = registeredInformation();
-  return information ? ifSought(alloc(NSFolderOfLibrary(), information)) : nullptr;
+  return library();
 }
 
-void NSBundle::setLibraryInformation(const NSRefPtr<NSDictionary>& information) {
+void NSBundle::setLibraryInformation(const NSRefPtr<NSDictionary>& information, ResourceContent* resources) {
   const std::lock_guard lock(registered().mutex);
-  registered().information = information ? NSRefPtr<NSDictionary>(information->copy()) : nullptr;
+  registered().information = {information ? NSRefPtr<NSDictionary>(information->copy()) : nullptr, resources};
 }
 
 NSRefPtr<NSBundle> NSBundle::bundleWithPath(NSStringArg path) {
@@ -73,6 +85,8 @@ NSRef<NSDictionary> NSBundle::infoDictionary() const {
 }
 
 NSRefPtr<NSDictionary> NSBundle::resource(const std::string& name) const {
+  if (resources_)
+    return NSDynamicCast<NSDictionary>(NSPropertyListWithData(std::as_bytes(std::span(resources_(name)))));
   if (folder_.empty()) return nullptr;
   return NSResourceDictionary(folder_ + "/Resources/" + name);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSString.h>
@@ -19,9 +20,15 @@ class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
   /// Returns the bundle in a folder, named in UTF-8, or nil if the folder holds no resources.
   static NSRefPtr<NSBundle> bundleWithPath(NSStringArg path);
 
+  /// Returns the content of a resource, such as "de.lproj/Localizable.strings"; empty if there is none.
+  using ResourceContent = std::string_view(std::string_view name);
+
   /// Registers the information of this library, for copies of it without its resources: where no information
-  /// file has its identifier, bundleWithIdentifier returns a bundle with this information. Nil removes it.
-  static void setLibraryInformation(const NSRefPtr<NSDictionary>& information);
+  /// file has its identifier, bundleWithIdentifier returns a bundle with this information. With a function
+  /// that is not null, it always does, and the resources are those that the function returns. Nil removes the
+  /// information.
+  static void setLibraryInformation(const NSRefPtr<NSDictionary>& information,
+                                    ResourceContent* resources = nullptr);
 
   /// Returns the path of the folder: absolute and without symbolic links for the program or a loaded library,
   /// otherwise as it was given. Empty if it is unknown or not UTF-8.
@@ -38,9 +45,10 @@ class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
 
  protected:
   /// Creates a bundle in the folder, which need not exist; an empty one has no resources. Information that is
-  /// not nil stands for that of the file.
-  explicit NSBundle(std::string folder, NSRefPtr<NSDictionary> registered = nullptr)
-      : folder_(std::move(folder)), registered_(std::move(registered)) {}
+  /// not nil stands for that of the file, and a function that is not null for the resources.
+  explicit NSBundle(std::string folder, NSRefPtr<NSDictionary> registered = nullptr,
+                    ResourceContent* resources = nullptr)
+      : folder_(std::move(folder)), registered_(std::move(registered)), resources_(resources) {}
 
  private:
   NSRefPtr<NSDictionary> resource(const std::string& name) const;
@@ -48,4 +56,5 @@ class NS_EXPORT NSBundle : public NSObject::Subclass<NSBundle> {
 
   std::string folder_;
   NSRefPtr<NSDictionary> registered_;
+  ResourceContent* resources_;
 };
