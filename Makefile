@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive subproject prove
+.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive packages subproject prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -63,6 +63,10 @@ archive:
 
 subproject:
 	scripts/subproject
+
+# ARGS=arm64 makes the packages of that architecture.
+packages:
+	scripts/packages $(ARGS)
 
 prove:
 	scripts/prove
