@@ -66,7 +66,12 @@ class TerminalRun {
   bool read() {
     pollfd ready = {terminal_, POLLIN, 0};
     char block[1024];
-    const ssize_t count = poll(&ready, 1, 20000) == 1 ? ::read(terminal_, block, sizeof block) : -1;
+    const int events = isThere() ? poll(&ready, 1, 20000) : -1;
+    if (events == 0) {
+      ADD_FAILURE() << "neither an end nor anything more after: " << shown_;
+      hangUp();
+    }
+    const ssize_t count = events == 1 ? ::read(terminal_, block, sizeof block) : -1;
     if (count <= 0) return false;
     shown_.append(block, static_cast<std::size_t>(count));
     return true;
