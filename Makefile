@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive packages subproject prove
+.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive check-archive packages check-packages subproject prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -64,9 +64,15 @@ archive:
 subproject:
 	scripts/subproject
 
+check-archive:
+	scripts/check-archive
+
 # ARGS=arm64 makes the packages of that architecture.
 packages:
 	scripts/packages $(ARGS)
+
+check-packages:
+	scripts/check-packages
 
 prove:
 	scripts/prove
