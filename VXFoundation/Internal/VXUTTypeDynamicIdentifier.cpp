@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 
 #include <Foundation/NSUnicode.h>
 #include <VXFoundation/kernels/Radix.h>
@@ -16,8 +17,10 @@ constexpr VXKernels::Radix radix{5, 5, 8, _VXUTTypeBase32Alphabet, false};
 
 constexpr VXKernels::DigitValues values = VXKernels::digitValues(radix);
 
-unsigned char valueOf(char16_t character) {
-  return character < std::size(values.of) ? values.of[character] : VXKernels::notADigit;
+template <class Unit>
+unsigned char valueOf(Unit character) {
+  const std::size_t index = static_cast<std::make_unsigned_t<Unit>>(character);
+  return index < std::size(values.of) ? values.of[index] : VXKernels::notADigit;
 }
 
 template <class Unit>
