@@ -35,13 +35,21 @@ NSRefPtr<NSObject> integerFrom(std::string_view text) {
   return NSNumber::numberWithInteger(value);
 }
 
+// UTF-16 that ends in half a code unit, which the parser overlooks after a carriage return. It recognises
+// UTF-16 by the mark or the NUL in the first two bytes (XML 1.0, appendix F).
+bool endsInHalfAUnit(std::span<const std::byte> xml) {
+  if (xml.size() % 2 == 0 || xml.size() < 2) return false;
+  const auto first = std::to_integer<unsigned>(xml[0]), second = std::to_integer<unsigned>(xml[1]);
+  return first == 0 || second == 0 || (first >= 0xFE && second >= 0xFE);
+}
+
 // Turns the parser's events into objects; anything unexpected stops the parser.
 class Reader {
  public:
   NSRefPtr<NSObject> read(std::span<const std::byte> xml) {
     const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
         XML_ParserCreate(nullptr), &XML_ParserFree);
-    if (!parser || xml.size() > largestFile) return nullptr;
+    if (!parser || xml.size() > largestFile || endsInHalfAUnit(xml)) return nullptr;
     parser_ = parser.get();
     XML_SetUserData(parser_, this);
     XML_SetElementHandler(
