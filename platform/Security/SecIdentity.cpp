@@ -25,9 +25,10 @@ SecAttributes secIdentity(const SecAttributes& attributes) {
 
 bool secMatches(const SecQuery& query, const SecAttributes& entry) {
   const SecAttributes& wanted = query.attributes;
-  if (query.exactly) return secIdentity(wanted) == secIdentity(entry);
-  return wanted.itemClass == entry.itemClass && agrees(wanted.account, entry.account) &&
-         agrees(wanted.service, entry.service) && agrees(wanted.server, entry.server) &&
-         agreesOrDefault(wanted.path, entry.path) && agreesOrDefault(wanted.port, entry.port) &&
-         agrees(wanted.protocol, entry.protocol);
+  const bool agree = wanted.itemClass == entry.itemClass && agrees(wanted.account, entry.account) &&
+                     agrees(wanted.service, entry.service) && agrees(wanted.server, entry.server) &&
+                     agreesOrDefault(wanted.path, entry.path) && agreesOrDefault(wanted.port, entry.port) &&
+                     agrees(wanted.protocol, entry.protocol);
+  // Identities are copies, which most entries must not cost.
+  return agree && (!query.exactly || secIdentity(wanted) == secIdentity(entry));
 }

@@ -74,8 +74,9 @@ void SecMemoryStorage::Transaction::put(std::int64_t number, std::optional<SecEn
 
 void SecMemoryStorage::Transaction::requireUnique(std::int64_t number,
                                                   const SecAttributes& attributes) const {
+  const SecQuery query{attributes, true};
   for (const auto& [other, held] : storage_.entries_)
-    secRequire(other == number || !secMatches({attributes, true}, held.attributes), errSecDuplicateItem);
+    secRequire(other == number || !secMatches(query, held.attributes), errSecDuplicateItem);
 }
 
 OSStatus SecMemoryStorage::transact(Access access, const Work& work) {
