@@ -1,5 +1,7 @@
 #include <Security/SecMemory.h>
 
+// libcrypto's macros for memory would put the path of this file into the library.
+#define OPENSSL_NO_FILENAMES
 #include <openssl/crypto.h>
 #include <sys/mman.h>
 #include <unistd.h>
