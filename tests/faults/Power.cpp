@@ -184,7 +184,7 @@ OSStatus changeMany(Passwords& passwords,
 
 const Act addMany = [](auto&, Passwords& passwords) {
   return changeMany(passwords, [](SecTransaction& store, const std::string& name) {
-    store.insert(Passwords::entryOf(name, std::string(9000, 'x')));
+    store.insert(Passwords::entryOf(name, std::string(5000, 'x')));
   });
 };
 
@@ -204,19 +204,29 @@ Act rekey(std::size_t number) {
   return [=](auto&, Passwords& passwords) { return rekeyings[number].act(passwords); };
 }
 
+const Act make = [](auto& place, auto& store) { return store.open(place.place); };
+
+Act add(const std::string& name, const std::string& password) {
+  return [=](auto&, auto& store) { return store.add(name, password); };
+}
+
 }  // namespace
 
 TEST_F(SecFileFaults, PowerCuts) {
   const TemporaryPlace temporary;
   Passwords passwords;
-  cutPowerDuring(
-      {[](auto& place, auto& store) { return store.open(place.place); },
-       [](auto&, auto& store) { return store.add("ann", "1"); },
-       [](auto&, auto& store) { return store.add("bob", std::string(9000, '2')); },
-       [](auto&, auto& store) { return store.update("ann", std::string(5000, '3')); },
-       [](auto&, auto& store) { return store.remove("bob"); }, addMany, removeMany, rekey(3), rekey(0),
-       [](auto&, auto& store) { return store.add("cy", "4"); }, rekey(1), rekey(4), rekey(2)},
-      temporary, passwords);
+  cutPowerDuring({make, add("ann", "1"), add("bob", std::string(9000, '2')),
+                  [](auto&, auto& store) { return store.update("ann", std::string(5000, '3')); },
+                  [](auto&, auto& store) { return store.remove("bob"); }, addMany, removeMany},
+                 temporary, passwords);
+}
+
+TEST_F(SecFileFaults, PowerCutsOfRekeyings) {
+  const TemporaryPlace temporary;
+  Passwords passwords;
+  cutPowerDuring({make, add("ann", std::string(5000, '3')), rekey(3), rekey(0), add("cy", "4"), rekey(1),
+                  rekey(4), rekey(2)},
+                 temporary, passwords);
 }
 
 TEST_F(SecFileFaults, PowerCutsOfMigrations) {
