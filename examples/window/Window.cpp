@@ -56,7 +56,7 @@ QWidget* Window::makeStoreRow(const QString& place) {
   columns->addWidget(stores_, 1);
   stores_->addItem(localised("My keychain"), "");
   stores_->addItem(localised("The desktop's password service"), ":desktop:");
-  stores_->addItem(localised("In memory, for this session"), ":memory:");
+  stores_->addItem(localised("In memory, until the window closes"), ":memory:");
   if (stores_->findData(place) < 0) stores_->addItem(QFileInfo(place).fileName(), place);
   stores_->setCurrentIndex(stores_->findData(place));
   stores_->addItem(localised("Another file…"), anotherFile);
