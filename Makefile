@@ -1,5 +1,5 @@
 # The entry point: each target is one command, and the script of its name does the work.
-.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive check-archive packages check-packages subproject abi prove
+.PHONY: demo check clients desktops format bench check-arm64 clang sanitize tidy faults fuzz coverage reference large pictures archive check-archive packages check-packages subproject reproducible abi prove
 
 PRESET = release
 # Options for CTest, such as ARGS="-R Base64".
@@ -73,6 +73,9 @@ packages:
 
 check-packages:
 	scripts/check-packages
+
+reproducible:
+	scripts/reproducible
 
 # ARGS=prove also shows that a change is noticed; ARGS=update stores the present interface.
 abi:
