@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t blockWidth = 16;
 
-__m128i load(const void* from) { return _mm_loadu_si128(static_cast<const __m128i*>(from)); }
-void store(void* to, __m128i bytes) { _mm_storeu_si128(static_cast<__m128i*>(to), bytes); }
+inline __m128i load(const void* from) { return _mm_loadu_si128(static_cast<const __m128i*>(from)); }
+inline void store(void* to, __m128i bytes) { _mm_storeu_si128(static_cast<__m128i*>(to), bytes); }
 
 struct alignas(blockWidth) Block {
   unsigned char at[blockWidth];
@@ -28,9 +28,11 @@ constexpr Block unreservedByLowHalf() {
   return rows;
 }
 
-__m128i highHalves(__m128i bytes) { return _mm_and_si128(_mm_srli_epi16(bytes, 4), _mm_set1_epi8(15)); }
+inline __m128i highHalves(__m128i bytes) {
+  return _mm_and_si128(_mm_srli_epi16(bytes, 4), _mm_set1_epi8(15));
+}
 
-unsigned reservedIn(__m128i bytes) {
+inline unsigned reservedIn(__m128i bytes) {
   static constexpr Block unreserved = unreservedByLowHalf();
   const Block bits{1, 2, 4, 8, 16, 32, 64, 128};
   const __m128i row = _mm_shuffle_epi8(bits.vector(), highHalves(bytes));
@@ -59,13 +61,13 @@ constexpr Escapes escapesOfFour() {
   return escapes;
 }
 
-std::byte* storeFour(std::byte* text, unsigned reserved, __m128i parts) {
+inline std::byte* storeFour(std::byte* text, unsigned reserved, __m128i parts) {
   static constexpr Escapes escapes = escapesOfFour();
   store(text, _mm_shuffle_epi8(parts, escapes.order[reserved & 15].vector()));
   return text + escapes.length[reserved & 15];
 }
 
-std::byte* encodeBlock(std::byte* text, __m128i bytes, unsigned reserved) {
+inline std::byte* encodeBlock(std::byte* text, __m128i bytes, unsigned reserved) {
   const __m128i digits = load(_base16Alphabet);
   const __m128i high = _mm_shuffle_epi8(digits, highHalves(bytes));
   const __m128i low = _mm_shuffle_epi8(digits, _mm_and_si128(bytes, _mm_set1_epi8(15)));
@@ -80,7 +82,7 @@ std::byte* encodeBlock(std::byte* text, __m128i bytes, unsigned reserved) {
 }
 
 /// Returns the values of hexadecimal digits; -1 for all other characters.
-__m128i valuesOf(__m128i characters) {
+inline __m128i valuesOf(__m128i characters) {
   const auto inRange = [](__m128i places, char size) {
     return _mm_cmpeq_epi8(_mm_min_epu8(places, _mm_set1_epi8(static_cast<char>(size - 1))), places);
   };
@@ -106,14 +108,14 @@ constexpr Compressions compressionsOfEight() {
   return compressions;
 }
 
-std::byte* storeChosen(std::byte* to, unsigned chosen, __m128i eight) {
+inline std::byte* storeChosen(std::byte* to, unsigned chosen, __m128i eight) {
   static constexpr Compressions compressions = compressionsOfEight();
   const __m128i order = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&compressions.order[chosen & 255]));
   _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(eight, order));
   return to + __builtin_popcount(chosen & 255);
 }
 
-std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
+inline std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
   std::byte* end = text;
   for (; count >= blockWidth + 2; bytes += blockWidth, count -= blockWidth) {
     const __m128i block = load(bytes);
@@ -128,7 +130,7 @@ std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* 
   return static_cast<std::size_t>(end - text) + scalarKernels.percentEncode(bytes, count, end);
 }
 
-std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
+inline std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
   std::byte* end = bytes;
   unsigned digitsAhead = 0;  // those in the next block that belong to an escape in the previous one
   for (; count >= blockWidth + 2; text += blockWidth, count -= blockWidth) {

@@ -9,7 +9,7 @@
 namespace VXKernels {
 namespace {
 
-void storeHalves(std::byte* low, std::byte* high, __m256i halves) {
+inline void storeHalves(std::byte* low, std::byte* high, __m256i halves) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(low), _mm256_castsi256_si128(halves));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(high), _mm256_extracti128_si256(halves, 1));
 }

@@ -9,14 +9,14 @@
 namespace VXKernels {
 namespace {
 
-__m256i loadHalves(const void* low, const void* high) {
+inline __m256i loadHalves(const void* low, const void* high) {
   const __m128i first = _mm_loadu_si128(static_cast<const __m128i*>(low));
   return _mm256_inserti128_si256(_mm256_castsi128_si256(first),
                                  _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
 }
 
 /// Digit i lies in the 16 bits that begin with byte `5 * i / 8` of its group.
-__m256i base32Digits(__m256i bytes) {
+inline __m256i base32Digits(__m256i bytes) {
   const Half evenBytes{1, 0, 2, 1, 3, 2, 4, 3, 6, 5, 7, 6, 8, 7, 9, 8};
   const Half oddBytes{1, 0, 2, 1, 4, 3, 5, 4, 6, 5, 7, 6, 9, 8, 10, 9};
   const __m256i even = _mm256_mulhi_epu16(_mm256_shuffle_epi8(bytes, evenBytes.vector()),
@@ -29,7 +29,7 @@ __m256i base32Digits(__m256i bytes) {
 }
 
 /// Makes the words ba and cb from three bytes a, b and c; multiplying shifts each digit to its byte.
-__m256i base64Digits(__m256i bytes) {
+inline __m256i base64Digits(__m256i bytes) {
   const Half words{1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10};
   const __m256i spread = _mm256_shuffle_epi8(bytes, words.vector());
   const __m256i even = _mm256_mulhi_epu16(spread, _mm256_set1_epi32(0x0400'0040));
@@ -38,14 +38,14 @@ __m256i base64Digits(__m256i bytes) {
                          _mm256_and_si256(odd, _mm256_set1_epi16(0x3F00)));
 }
 
-__m256i base16Digits(__m256i bytes) {
+inline __m256i base16Digits(__m256i bytes) {
   const Half twice{0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7};
   const __m256i spread = _mm256_shuffle_epi8(bytes, twice.vector());
   const __m256i high = _mm256_and_si256(_mm256_srli_epi16(spread, 4), _mm256_set1_epi16(0x000F));
   return _mm256_or_si256(high, _mm256_and_si256(spread, _mm256_set1_epi16(0x0F00)));
 }
 
-__m256i add(__m256i digits, __m256i where, int difference) {
+inline __m256i add(__m256i digits, __m256i where, int difference) {
   return _mm256_add_epi8(digits, _mm256_and_si256(where, _mm256_set1_epi8(static_cast<char>(difference))));
 }
 

@@ -30,14 +30,14 @@ constexpr __mmask64 placesFrom(std::size_t first, std::size_t place) {
   return places;
 }
 
-std::size_t storeChosen(std::byte* to, __mmask64 chosen, __m512i from) {
+inline std::size_t storeChosen(std::byte* to, __mmask64 chosen, __m512i from) {
   // Compresses into a register: the form that writes to memory is many times slower on some machines.
   const auto count = static_cast<std::size_t>(_mm_popcnt_u64(chosen));
   _mm512_mask_storeu_epi8(to, firstBytes(count), _mm512_maskz_compress_epi8(chosen, from));
   return count;
 }
 
-__mmask64 reservedIn(__m512i bytes) {
+inline __mmask64 reservedIn(__m512i bytes) {
   static constexpr Block lower = reservedFrom(0), upper = reservedFrom(width);
   const __m512i marks = _mm512_permutex2var_epi8(lower.vector(), bytes, upper.vector());
   return _mm512_movepi8_mask(_mm512_or_si512(bytes, marks));
@@ -62,7 +62,7 @@ std::size_t storeThird(std::byte* text, __m512i bytes, __m512i firstPlaces, __mm
   return storeChosen(text, (escapes | characterPlaces) & present, characters);
 }
 
-std::size_t encodeBlock(std::byte* text, __m512i bytes, __mmask64 wanted) {
+inline std::size_t encodeBlock(std::byte* text, __m512i bytes, __mmask64 wanted) {
   const __mmask64 reserved = reservedIn(bytes) & wanted;
   if (reserved == 0) {
     _mm512_mask_storeu_epi8(text, wanted, bytes);
@@ -78,12 +78,12 @@ std::size_t encodeBlock(std::byte* text, __m512i bytes, __mmask64 wanted) {
 }
 
 /// Returns the values of hexadecimal digits; the top bit is set for all other characters.
-__m512i hexadecimalValues(__m512i characters) {
+inline __m512i hexadecimalValues(__m512i characters) {
   const __m512i values = valuesOf<base16>(characters);
   return _mm512_or_si512(values, _mm512_and_si512(characters, _mm512_set1_epi8(-128)));
 }
 
-std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
+inline std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
   std::byte* end = text;
   for (std::size_t i = 0; i < count; i += width) {
     const __mmask64 wanted = firstBytes(count - i);
@@ -92,7 +92,7 @@ std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* 
   return static_cast<std::size_t>(end - text);
 }
 
-std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
+inline std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
   std::byte* end = bytes;
   __mmask64 digitsAhead = 0;  // those in the next block that belong to an escape in the previous one
   __mmask64 faults = 0;

@@ -11,8 +11,10 @@
 namespace VXKernels {
 namespace {
 
-uint8x16_t load(const std::byte* from) { return vld1q_u8(reinterpret_cast<const std::uint8_t*>(from)); }
-void store(std::byte* to, uint8x16_t bytes) { vst1q_u8(reinterpret_cast<std::uint8_t*>(to), bytes); }
+inline uint8x16_t load(const std::byte* from) {
+  return vld1q_u8(reinterpret_cast<const std::uint8_t*>(from));
+}
+inline void store(std::byte* to, uint8x16_t bytes) { vst1q_u8(reinterpret_cast<std::uint8_t*>(to), bytes); }
 
 /// For each of the 128 characters, 255 if it stands for itself.
 struct Marks {
@@ -26,7 +28,7 @@ constexpr Marks unreservedMarks() {
   return marks;
 }
 
-bool allUnreserved(uint8x16_t bytes) {
+inline bool allUnreserved(uint8x16_t bytes) {
   static constexpr Marks marks = unreservedMarks();
   // Beyond its table, the first look-up returns 0, and the second keeps what the first one found.
   const uint8x16_t found = vqtbl4q_u8(vld1q_u8_x4(marks.of), bytes);
@@ -34,7 +36,7 @@ bool allUnreserved(uint8x16_t bytes) {
 }
 
 /// Returns the number of bytes before the first percent sign, at most sixteen.
-std::size_t beforeEscape(uint8x16_t characters) {
+inline std::size_t beforeEscape(uint8x16_t characters) {
   const uint8x16_t signs = vceqq_u8(characters, vdupq_n_u8('%'));
   // Takes four bits of each byte, which make a number of 64 bits.
   const std::uint64_t mask =
@@ -42,7 +44,7 @@ std::size_t beforeEscape(uint8x16_t characters) {
   return mask == 0 ? width : static_cast<std::size_t>(__builtin_ctzll(mask)) / 4;
 }
 
-std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
+inline std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
   std::byte* end = text;
   for (; count >= width; bytes += width, count -= width) {
     const uint8x16_t block = load(bytes);
@@ -56,7 +58,7 @@ std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* 
   return static_cast<std::size_t>(end - text) + scalarKernels.percentEncode(bytes, count, end);
 }
 
-std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
+inline std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
   std::byte* end = bytes;
   while (count >= width + 2) {
     const uint8x16_t block = load(text);

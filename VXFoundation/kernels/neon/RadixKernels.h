@@ -11,8 +11,8 @@
 namespace VXKernels {
 namespace {
 
-const std::uint8_t* raw(const void* from) { return static_cast<const std::uint8_t*>(from); }
-std::uint8_t* raw(void* to) { return static_cast<std::uint8_t*>(to); }
+inline const std::uint8_t* raw(const void* from) { return static_cast<const std::uint8_t*>(from); }
+inline std::uint8_t* raw(void* to) { return static_cast<std::uint8_t*>(to); }
 
 /// Returns the values of characters, with one look-up for each 64 of the 128; 255 for those that are not
 /// digits.
@@ -25,7 +25,7 @@ uint8x16_t valuesOf(uint8x16_t characters) {
   return vqtbx4q_u8(found, upper, vsubq_u8(characters, vdupq_n_u8(64)));
 }
 
-bool allDigits(uint8x16_t values) { return vmaxvq_u8(values) != notADigit; }
+inline bool allDigits(uint8x16_t values) { return vmaxvq_u8(values) != notADigit; }
 
 /// Loads three vectors, of the first, second and third bytes of sixteen groups.
 template <const Radix& radix>
@@ -58,13 +58,13 @@ bool decodeBase64Block(const char* digits, std::byte* bytes) {
 
 /// Digit i lies in the 16 bits that begin with byte `5 * i / 8` of its group; a shift by its distance moves
 /// it to the low end.
-uint16x8_t base32Digits(uint8x16_t bytes, const std::uint8_t (&windows)[width]) {
+inline uint16x8_t base32Digits(uint8x16_t bytes, const std::uint8_t (&windows)[width]) {
   static constexpr std::int16_t distances[8] = {-11, -6, -9, -4, -7, -10, -5, -8};
   const uint16x8_t window = vreinterpretq_u16_u8(vqtbl1q_u8(bytes, vld1q_u8(windows)));
   return vandq_u16(vshlq_u16(window, vld1q_s16(distances)), vdupq_n_u16(31));
 }
 
-void encodeBase32Block(const std::byte* bytes, char* text) {
+inline void encodeBase32Block(const std::byte* bytes, char* text) {
   static constexpr std::uint8_t first[width] = {1, 0, 1, 0, 2, 1, 2, 1, 3, 2, 4, 3, 4, 3, 5, 4};
   static constexpr std::uint8_t second[width] = {6, 5, 6, 5, 7, 6, 7, 6, 8, 7, 9, 8, 9, 8, 10, 9};
   const uint8x16x2_t characters = vld1q_u8_x2(raw(base32.alphabet));
@@ -75,7 +75,7 @@ void encodeBase32Block(const std::byte* bytes, char* text) {
 }
 
 /// Joins neighbouring digits until a lane of 64 bits holds the five bytes of a group, the last one lowest.
-bool decodeBase32Block(const char* digits, std::byte* bytes) {
+inline bool decodeBase32Block(const char* digits, std::byte* bytes) {
   static constexpr std::uint8_t order[width] = {4, 3, 2,   1,   0,   12,  11,  10,
                                                 9, 8, 255, 255, 255, 255, 255, 255};
   const uint8x16_t values = valuesOf<base32>(vld1q_u8(raw(digits)));
@@ -89,7 +89,7 @@ bool decodeBase32Block(const char* digits, std::byte* bytes) {
   return allDigits(values);
 }
 
-void encodeBase16Block(const std::byte* bytes, char* text) {
+inline void encodeBase16Block(const std::byte* bytes, char* text) {
   const uint8x16_t characters = vld1q_u8(raw(base16.alphabet));
   const uint8x16_t block = vld1q_u8(raw(bytes));
   uint8x16x2_t digits;
@@ -98,7 +98,7 @@ void encodeBase16Block(const std::byte* bytes, char* text) {
   vst2q_u8(raw(text), digits);
 }
 
-bool decodeBase16Block(const char* digits, std::byte* bytes) {
+inline bool decodeBase16Block(const char* digits, std::byte* bytes) {
   const uint8x16x2_t pairs = vld2q_u8(raw(digits));
   const uint8x16_t high = valuesOf<base16>(pairs.val[0]), low = valuesOf<base16>(pairs.val[1]);
   vst1q_u8(raw(bytes), vsliq_n_u8(low, high, 4));

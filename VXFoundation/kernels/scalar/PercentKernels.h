@@ -7,7 +7,7 @@
 namespace VXKernels {
 namespace {
 
-std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
+inline std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* text) {
   static constexpr CharacterSet unreserved = unreservedCharacters();
   std::byte* end = text;
   for (std::size_t i = 0; i < count; ++i) {
@@ -23,7 +23,7 @@ std::size_t percentEncode(const std::byte* bytes, std::size_t count, std::byte* 
   return static_cast<std::size_t>(end - text);
 }
 
-std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
+inline std::size_t percentDecode(const std::byte* text, std::size_t count, std::byte* bytes) {
   std::byte* end = bytes;
   for (std::size_t i = 0; i < count; ++end) {
     if (text[i] != std::byte{'%'}) {

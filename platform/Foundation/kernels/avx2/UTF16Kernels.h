@@ -6,16 +6,16 @@
 namespace NSKernels {
 namespace {
 
-__m256i atLeastUnit(__m256i units, int least) {
+inline __m256i atLeastUnit(__m256i units, int least) {
   return _mm256_cmpeq_epi16(_mm256_max_epu16(units, eachUnit(least)), units);
 }
 
 /// Whether code units are surrogates whose first six bits are those of `first`.
-__m256i surrogatesFrom(__m256i units, int first) {
+inline __m256i surrogatesFrom(__m256i units, int first) {
   return _mm256_cmpeq_epi16(_mm256_and_si256(units, eachUnit(0xFC00)), eachUnit(first));
 }
 
-std::size_t asciiUnits(const char16_t* units, std::size_t count) {
+inline std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   std::size_t i = 0;
   for (; count - i >= unitWidth; i += unitWidth) {
     const std::uint32_t others = bitsOf(atLeastUnit(load(units + i), 0x80));
@@ -24,7 +24,7 @@ std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   return i + scalarKernels.asciiUnits(units + i, count - i);
 }
 
-std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+inline std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
   std::size_t i = 0;
   for (; count - i >= unitWidth; i += unitWidth) {
     const std::uint32_t found = bitsOf(_mm256_cmpeq_epi16(load(units + i), eachUnit(unit)));
@@ -33,7 +33,7 @@ std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit)
   return i + scalarKernels.unitsBefore(units + i, count - i, unit);
 }
 
-std::size_t utf8Length(const char16_t* units, std::size_t count) {
+inline std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t twice = 0;  // every unit has two bits
   std::size_t i = 0;
   for (; count - i >= unitWidth; i += unitWidth) {
@@ -54,7 +54,7 @@ struct UnitKinds {
 
 /// Returns the bits that the two bytes of each surrogate have in its place: the upper eleven of a pair, less
 /// two, or the lower ten and those two.
-__m256i withPairsSplit(__m256i units, const UnitKinds& kinds) {
+inline __m256i withPairsSplit(__m256i units, const UnitKinds& kinds) {
   const __m256i high = _mm256_srli_epi16(_mm256_sub_epi16(units, eachUnit(0xD7C0)), 2);
   const __m256i before = _mm256_slli_epi16(movedOn<2>(units), 10);
   const __m256i low = _mm256_or_si256(_mm256_and_si256(units, eachUnit(0x03FF)), before);
@@ -62,7 +62,7 @@ __m256i withPairsSplit(__m256i units, const UnitKinds& kinds) {
 }
 
 /// Returns the last two bytes of each code unit, with that of ASCII in the upper one.
-__m256i lastBytesOf(__m256i units, const UnitKinds& kinds) {
+inline __m256i lastBytesOf(__m256i units, const UnitKinds& kinds) {
   const __m256i following = _mm256_or_si256(kinds.three, kinds.low);
   __m256i tags = _mm256_blendv_epi8(eachUnit(0x80C0), eachUnit(0x8080), following);
   tags = _mm256_or_si256(tags, _mm256_and_si256(kinds.high, eachUnit(0x80F0)));
@@ -73,7 +73,7 @@ __m256i lastBytesOf(__m256i units, const UnitKinds& kinds) {
 }
 
 /// Stores code units of up to two bytes, two to a lane of which the last ones count.
-char* storeShort(char* to, __m256i lastBytes, const UnitKinds& kinds) {
+inline char* storeShort(char* to, __m256i lastBytes, const UnitKinds& kinds) {
   const std::uint32_t two = bitsOf(_mm256_packs_epi16(kinds.two, kinds.two));
   for (unsigned half = 0; half < 2; ++half) {
     const std::uint32_t bits = two >> half * 16 & 255;
@@ -84,7 +84,7 @@ char* storeShort(char* to, __m256i lastBytes, const UnitKinds& kinds) {
 }
 
 /// Stores code units of any length, four bytes to a lane of which the last ones count.
-char* storeLong(char* to, __m256i units, __m256i lastBytes, const UnitKinds& kinds) {
+inline char* storeLong(char* to, __m256i units, __m256i lastBytes, const UnitKinds& kinds) {
   const __m256i first =
       _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi16(units, 4), eachUnit(0x0F00)), eachUnit(0xE000));
   const __m256i even = _mm256_unpacklo_epi16(first, lastBytes), odd = _mm256_unpackhi_epi16(first, lastBytes);
@@ -101,7 +101,7 @@ char* storeLong(char* to, __m256i units, __m256i lastBytes, const UnitKinds& kin
   return to;
 }
 
-std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t room) {
+inline std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t room) {
   std::size_t i = 0;
   char* const end = bytes + room;
   while (count - i >= unitWidth && static_cast<std::size_t>(end - bytes) >= 4 * unitWidth) {

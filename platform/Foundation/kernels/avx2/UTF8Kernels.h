@@ -6,7 +6,7 @@
 namespace NSKernels {
 namespace {
 
-std::size_t asciiBytes(const char* bytes, std::size_t count) {
+inline std::size_t asciiBytes(const char* bytes, std::size_t count) {
   std::size_t i = 0;
   for (; count - i >= width; i += width) {
     const std::uint32_t others = bitsOf(load(bytes + i));
@@ -16,13 +16,13 @@ std::size_t asciiBytes(const char* bytes, std::size_t count) {
 }
 
 /// Whether bytes continue a sequence: 80 to BF.
-__m256i continuationsIn(__m256i bytes) { return _mm256_cmpgt_epi8(eachByte(0xC0), bytes); }
+inline __m256i continuationsIn(__m256i bytes) { return _mm256_cmpgt_epi8(eachByte(0xC0), bytes); }
 
-std::uint32_t atLeast(__m256i bytes, int least) {
+inline std::uint32_t atLeast(__m256i bytes, int least) {
   return bitsOf(_mm256_cmpeq_epi8(_mm256_max_epu8(bytes, eachByte(least)), bytes));
 }
 
-std::size_t utf16Length(const char* bytes, std::size_t count) {
+inline std::size_t utf16Length(const char* bytes, std::size_t count) {
   std::size_t units = 0;
   for (; count >= width; bytes += width, count -= width) {
     const __m256i block = load(bytes);
@@ -43,7 +43,7 @@ struct Kinds {
   }
 };
 
-Kinds kindsOf(__m256i block) {
+inline Kinds kindsOf(__m256i block) {
   const std::uint32_t continuing = bitsOf(continuationsIn(block));
   Kinds kinds{continuing, bitsOf(block) & ~continuing, atLeast(block, 0xE0), 0, ~0U, width};
   if (kinds.three != 0) kinds.four = atLeast(block, 0xF0);
@@ -56,7 +56,7 @@ Kinds kindsOf(__m256i block) {
 
 /// Returns the bytes that begin no sequence, and those whose next byte belongs to an overlong sequence, a
 /// surrogate or a value beyond U+10FFFF.
-std::uint32_t wrongIn(__m256i block, const Kinds& kinds) {
+inline std::uint32_t wrongIn(__m256i block, const Kinds& kinds) {
   const std::uint32_t wrong = kinds.two & ~atLeast(block, 0xC2);
   if (kinds.three == 0) return wrong;
   const auto is = [block](int byte) { return bitsOf(_mm256_cmpeq_epi8(block, eachByte(byte))); };
@@ -66,7 +66,7 @@ std::uint32_t wrongIn(__m256i block, const Kinds& kinds) {
          atLeast(block, 0xF5);
 }
 
-bool isMalformed(__m256i block, const Kinds& kinds) {
+inline bool isMalformed(__m256i block, const Kinds& kinds) {
   const auto expected = static_cast<std::uint32_t>(kinds.expected());
   return ((expected ^ kinds.continuing) | (wrongIn(block, kinds) & kinds.wanted)) != 0;
 }
@@ -76,7 +76,7 @@ struct Units {
   __m256i even, odd;  // of the first and third, and of the second and fourth eight bytes
 };
 
-Units unitsOf(__m256i block, const Kinds& kinds) {
+inline Units unitsOf(__m256i block, const Kinds& kinds) {
   const __m256i zero = _mm256_setzero_si256(), continuing = continuationsIn(block);
   const __m256i tags = _mm256_and_si256(_mm256_cmpgt_epi8(zero, block), eachByte(0xC0));
   const __m256i lower = _mm256_andnot_si256(tags, block);
@@ -101,7 +101,7 @@ Units unitsOf(__m256i block, const Kinds& kinds) {
           withPairs(units.odd, _mm256_unpackhi_epi8(high, high), _mm256_unpackhi_epi8(low, low))};
 }
 
-char16_t* storeUnits(char16_t* to, const Units& units, std::uint32_t kept) {
+inline char16_t* storeUnits(char16_t* to, const Units& units, std::uint32_t kept) {
   const auto storeEight = [&](__m256i vector, unsigned half) {
     storeHalf(to, vector, half, unitOrders, kept);
     to += bitCount(kept & 255);
@@ -114,13 +114,13 @@ char16_t* storeUnits(char16_t* to, const Units& units, std::uint32_t kept) {
   return to;
 }
 
-char16_t* storeASCII(char16_t* to, const char* bytes) {
+inline char16_t* storeASCII(char16_t* to, const char* bytes) {
   for (int half = 0; half < 2; ++half, bytes += unitWidth, to += unitWidth)
     store(to, _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))));
   return to;
 }
 
-std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t room) {
+inline std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t room) {
   std::size_t i = 0;
   char16_t* const end = units + room;
   while (count - i >= width && static_cast<std::size_t>(end - units) >= width) {

@@ -18,7 +18,7 @@ __mmask32 surrogatesFrom(__m512i units) {
   return _mm512_cmpeq_epi16_mask(tags, unitsOf<first>());
 }
 
-std::size_t asciiUnits(const char16_t* units, std::size_t count) {
+inline std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   for (std::size_t i = 0; i < count; i += unitWidth) {
     const __mmask32 others = atLeastUnit<0x80>(loadUnits(units + i, count - i));
     if (others != 0) return i + static_cast<std::size_t>(__builtin_ctz(others));
@@ -26,7 +26,7 @@ std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   return count;
 }
 
-std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+inline std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
   const __m512i sought = _mm512_set1_epi16(static_cast<short>(unit));
   for (std::size_t i = 0; i < count; i += unitWidth) {
     const __mmask32 equal = _mm512_cmpeq_epi16_mask(loadUnits(units + i, count - i), sought);
@@ -36,7 +36,7 @@ std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit)
   return count;
 }
 
-std::size_t utf8Length(const char16_t* units, std::size_t count) {
+inline std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t bytes = count;
   for (std::size_t i = 0; i < count; i += unitWidth) {
     const __m512i block = loadUnits(units + i, count - i);
@@ -47,7 +47,7 @@ std::size_t utf8Length(const char16_t* units, std::size_t count) {
   return bytes;
 }
 
-std::size_t storeBytes(char* to, __m512i from, __mmask64 kept, std::size_t room) {
+inline std::size_t storeBytes(char* to, __m512i from, __mmask64 kept, std::size_t room) {
   const std::size_t count = bitCount(kept);
   // Compresses into a register: the form that writes to memory is many times slower on some machines.
   const __m512i bytes = _mm512_maskz_compress_epi8(kept, from);
@@ -63,12 +63,12 @@ std::size_t storeBytes(char* to, __m512i from, __mmask64 kept, std::size_t room)
 constexpr std::size_t unitsBack = 1, unitStep = unitWidth - unitsBack;
 
 /// Returns each code unit's predecessor, zero for that of the first.
-__m512i predecessors(__m512i units) {
+inline __m512i predecessors(__m512i units) {
   const __m512i ends = _mm512_alignr_epi32(units, _mm512_setzero_si512(), 15);
   return _mm512_or_si512(_mm512_slli_epi32(units, 16), _mm512_srli_epi32(ends, 16));
 }
 
-__m512i unitBlockAt(const char16_t* units, std::size_t count, std::size_t at) {
+inline __m512i unitBlockAt(const char16_t* units, std::size_t count, std::size_t at) {
   if (at == 0) return predecessors(loadUnits(units, count < unitStep ? count : unitStep));
   return loadUnits(units + at - unitsBack, count - at + unitsBack);
 }
@@ -81,7 +81,7 @@ struct UnitKinds {
 
 /// Returns the bits that the two bytes of each surrogate have in its place: the upper eleven of a pair, less
 /// two, or the lower ten and those two.
-__m512i withPairsSplit(__m512i units, const UnitKinds& kinds) {
+inline __m512i withPairsSplit(__m512i units, const UnitKinds& kinds) {
   const __m512i high = _mm512_srli_epi16(_mm512_sub_epi16(units, unitsOf<0xD7C0>()), 2);
   const __m512i before = _mm512_slli_epi16(predecessors(units), 10);
   const __m512i low = _mm512_ternarylogic_epi32(unitsOf<0x03FF>(), units, before, 0xCA);
@@ -89,7 +89,7 @@ __m512i withPairsSplit(__m512i units, const UnitKinds& kinds) {
 }
 
 /// Returns the last two bytes of each code unit, with that of ASCII in the upper one.
-__m512i lastBytesOf(__m512i units, const UnitKinds& kinds) {
+inline __m512i lastBytesOf(__m512i units, const UnitKinds& kinds) {
   __m512i tags = _mm512_mask_mov_epi16(unitsOf<0x80C0>(), kinds.three | kinds.low, unitsOf<0x8080>());
   tags = _mm512_mask_mov_epi16(tags, kinds.high, unitsOf<0x80F0>());
   const __m512i last = _mm512_slli_epi16(units, 8);
@@ -99,15 +99,15 @@ __m512i lastBytesOf(__m512i units, const UnitKinds& kinds) {
   return _mm512_mask_mov_epi16(last, kinds.two, both);
 }
 
-std::size_t storeShort(char* to, __m512i lastBytes, const UnitKinds& kinds, __mmask32 wanted,
-                       std::size_t room) {
+inline std::size_t storeShort(char* to, __m512i lastBytes, const UnitKinds& kinds, __mmask32 wanted,
+                              std::size_t room) {
   const __mmask64 kept =
       _pdep_u64(wanted, 0xAAAA'AAAA'AAAA'AAAA) | _pdep_u64(wanted & kinds.two, 0x5555'5555'5555'5555);
   return storeBytes(to, lastBytes, kept, room);
 }
 
-std::size_t storeHalf(char* to, __m512i bytes, const UnitKinds& kinds, __mmask32 wanted, unsigned from,
-                      std::size_t room) {
+inline std::size_t storeHalf(char* to, __m512i bytes, const UnitKinds& kinds, __mmask32 wanted, unsigned from,
+                             std::size_t room) {
   const auto every = [from, wanted](__mmask32 units, __mmask64 places) {
     return _pdep_u64((units & wanted) >> from, places);
   };
@@ -117,8 +117,8 @@ std::size_t storeHalf(char* to, __m512i bytes, const UnitKinds& kinds, __mmask32
 }
 
 /// Stores code units of any length, four bytes to a lane of which the last ones count.
-std::size_t storeLong(char* to, __m512i units, __m512i lastBytes, const UnitKinds& kinds, __mmask32 wanted,
-                      std::size_t room) {
+inline std::size_t storeLong(char* to, __m512i units, __m512i lastBytes, const UnitKinds& kinds,
+                             __mmask32 wanted, std::size_t room) {
   // Unpacking takes four units of each quarter of a vector.
   const __m512i order = _mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7);
   // (units >> 4 & 0F00) | E000
@@ -130,7 +130,7 @@ std::size_t storeLong(char* to, __m512i units, __m512i lastBytes, const UnitKind
   return count + storeHalf(to + count, _mm512_unpackhi_epi16(first, last), kinds, wanted, 16, room - count);
 }
 
-std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t room) {
+inline std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t room) {
   for (std::size_t at = 0; at <= count; at += unitStep) {
     __m512i block = unitBlockAt(units, count, at);
     const __mmask32 wanted = firstUnits(count - at + unitsBack) & ~__mmask32{1};

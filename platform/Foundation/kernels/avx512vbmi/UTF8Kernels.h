@@ -6,7 +6,7 @@
 namespace NSKernels {
 namespace {
 
-std::size_t asciiBytes(const char* bytes, std::size_t count) {
+inline std::size_t asciiBytes(const char* bytes, std::size_t count) {
   for (std::size_t i = 0; i < count; i += width) {
     const __mmask64 others = _mm512_movepi8_mask(loadBytes(bytes + i, count - i));
     if (others != 0) return i + static_cast<std::size_t>(__builtin_ctzll(others));
@@ -15,14 +15,14 @@ std::size_t asciiBytes(const char* bytes, std::size_t count) {
 }
 
 /// Whether bytes continue a sequence: 80 to BF.
-__mmask64 continuationsIn(__m512i bytes) { return _mm512_cmplt_epi8_mask(bytes, bytesOf<0xC0>()); }
+inline __mmask64 continuationsIn(__m512i bytes) { return _mm512_cmplt_epi8_mask(bytes, bytesOf<0xC0>()); }
 
 template <unsigned char least>
 __mmask64 atLeast(__m512i bytes) {
   return _mm512_cmpge_epu8_mask(bytes, bytesOf<least>());
 }
 
-std::size_t utf16Length(const char* bytes, std::size_t count) {
+inline std::size_t utf16Length(const char* bytes, std::size_t count) {
   std::size_t units = 0;
   for (std::size_t i = 0; i < count; i += width) {
     const __m512i block = loadBytes(bytes + i, count - i);
@@ -45,7 +45,7 @@ constexpr Block lanesFrom(int distance) {
   return lanes;
 }
 
-__m512i blockAt(const char* bytes, std::size_t count, std::size_t at) {
+inline __m512i blockAt(const char* bytes, std::size_t count, std::size_t at) {
   static constexpr Block lanes = lanesFrom(-static_cast<int>(lookBack));
   if (at > 0) return loadBytes(bytes + at - lookBack, count - at + lookBack);
   return _mm512_maskz_permutexvar_epi8(allButLookBack, lanes.vector(), loadBytes(bytes, count));
@@ -73,12 +73,12 @@ struct Kinds {
   __mmask64 continuing, two, three, four;
 };
 
-__m512i moved(__m512i block, __mmask64 wanted, const Block& lanes) {
+inline __m512i moved(__m512i block, __mmask64 wanted, const Block& lanes) {
   return _mm512_maskz_permutexvar_epi8(wanted, lanes.vector(), block);
 }
 
 /// Lead bytes whose next byte is not one of their followers.
-__mmask64 wrongPairsIn(__m512i block, const Kinds& kinds) {
+inline __mmask64 wrongPairsIn(__m512i block, const Kinds& kinds) {
   static constexpr Followers followers = followersOfLeads();
   static constexpr Block lanes = lanesFrom(1);
   if (kinds.three == 0) return kinds.two & ~atLeast<0xC2>(block);
@@ -88,7 +88,7 @@ __mmask64 wrongPairsIn(__m512i block, const Kinds& kinds) {
   return _mm512_mask_cmpgt_epu8_mask(kinds.two, _mm512_sub_epi8(next, first), more);
 }
 
-bool isMalformed(__m512i block, const Kinds& kinds) {
+inline bool isMalformed(__m512i block, const Kinds& kinds) {
   const __mmask64 expected = kinds.two << 1 | kinds.three << 2 | kinds.four << 3;
   return (((expected ^ kinds.continuing) & allButLookBack) |
           (wrongPairsIn(block, kinds) & allButLookBack >> 1)) != 0;
@@ -100,7 +100,7 @@ struct Bits {
   __m512i lower, middle, upper;
 };
 
-Bits bitsOf(__m512i block, const Kinds& kinds) {
+inline Bits bitsOf(__m512i block, const Kinds& kinds) {
   const __m512i bits =
       _mm512_mask_mov_epi8(block, kinds.continuing | kinds.two, _mm512_and_si512(block, bytesOf<0x3F>()));
   return {bits, _mm512_maskz_mov_epi8(kinds.continuing >> 1, bits),
@@ -134,7 +134,7 @@ __m512i unitsOfHalf(const Bits& bits, const Kinds& kinds) {
   return _mm512_mask_mov_epi16(units, halfOf(kinds.four << 3), low);
 }
 
-std::size_t storeUnits(char16_t* to, __m512i units, __mmask32 kept, std::size_t room) {
+inline std::size_t storeUnits(char16_t* to, __m512i units, __mmask32 kept, std::size_t room) {
   const std::size_t count = bitCount(kept);
   const __m512i compressed = _mm512_maskz_compress_epi16(kept, units);
   if (room >= unitWidth)
@@ -158,7 +158,7 @@ std::size_t storeUnits(char16_t* to, __m512i units, __mmask32 kept, std::size_t 
   return count + storeUnits(units + count, unitsOfHalf<1>(bits, kinds), upper, room - count);
 }
 
-std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t room) {
+inline std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t room) {
   for (std::size_t at = 0; at <= count; at += step) {
     const __m512i block = blockAt(bytes, count, at);
     const __mmask64 wanted = firstBytes(count - at + lookBack) & allButLookBack;

@@ -6,27 +6,29 @@
 namespace NSKernels {
 namespace {
 
-uint16x8_t atLeastUnit(uint16x8_t units, std::uint16_t least) { return vcgeq_u16(units, vdupq_n_u16(least)); }
+inline uint16x8_t atLeastUnit(uint16x8_t units, std::uint16_t least) {
+  return vcgeq_u16(units, vdupq_n_u16(least));
+}
 
 /// Whether code units are surrogates whose first six bits are those of `first`.
-uint16x8_t surrogatesFrom(uint16x8_t units, std::uint16_t first) {
+inline uint16x8_t surrogatesFrom(uint16x8_t units, std::uint16_t first) {
   return vceqq_u16(vandq_u16(units, vdupq_n_u16(0xFC00)), vdupq_n_u16(first));
 }
 
-std::size_t asciiUnits(const char16_t* units, std::size_t count) {
+inline std::size_t asciiUnits(const char16_t* units, std::size_t count) {
   std::size_t i = 0;
   while (count - i >= unitWidth && vmaxvq_u16(loadUnits(units + i)) < 0x80) i += unitWidth;
   return i + scalarKernels.asciiUnits(units + i, count - i);
 }
 
-std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+inline std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
   std::size_t i = 0;
   while (count - i >= unitWidth && vmaxvq_u16(vceqq_u16(loadUnits(units + i), vdupq_n_u16(unit))) == 0)
     i += unitWidth;
   return i + scalarKernels.unitsBefore(units + i, count - i, unit);
 }
 
-std::size_t utf8Length(const char16_t* units, std::size_t count) {
+inline std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t bytes = 0;
   for (; count >= unitWidth; units += unitWidth, count -= unitWidth) {
     const uint16x8_t block = loadUnits(units);
@@ -46,11 +48,11 @@ struct UnitKinds {
 };
 
 /// Returns each code unit's predecessor, zero for that of the first.
-uint16x8_t predecessors(uint16x8_t units) { return vextq_u16(vdupq_n_u16(0), units, 7); }
+inline uint16x8_t predecessors(uint16x8_t units) { return vextq_u16(vdupq_n_u16(0), units, 7); }
 
 /// Returns the bits that the two bytes of each surrogate have in its place: the upper eleven of a pair, less
 /// two, or the lower ten and those two.
-uint16x8_t withPairsSplit(uint16x8_t units, const UnitKinds& kinds) {
+inline uint16x8_t withPairsSplit(uint16x8_t units, const UnitKinds& kinds) {
   const uint16x8_t high = vshrq_n_u16(vsubq_u16(units, vdupq_n_u16(0xD7C0)), 2);
   const uint16x8_t before = vshlq_n_u16(predecessors(units), 10);
   const uint16x8_t low = vorrq_u16(vandq_u16(units, vdupq_n_u16(0x03FF)), before);
@@ -58,7 +60,7 @@ uint16x8_t withPairsSplit(uint16x8_t units, const UnitKinds& kinds) {
 }
 
 /// Returns the last two bytes of each code unit, with that of ASCII in the upper one.
-uint16x8_t lastBytesOf(uint16x8_t units, const UnitKinds& kinds) {
+inline uint16x8_t lastBytesOf(uint16x8_t units, const UnitKinds& kinds) {
   const uint16x8_t following = vorrq_u16(kinds.three, kinds.low);
   const uint16x8_t tags = vorrq_u16(vbslq_u16(following, vdupq_n_u16(0x8080), vdupq_n_u16(0x80C0)),
                                     vandq_u16(kinds.high, vdupq_n_u16(0x80F0)));
@@ -68,14 +70,14 @@ uint16x8_t lastBytesOf(uint16x8_t units, const UnitKinds& kinds) {
 }
 
 /// Stores code units of up to two bytes, two to a lane of which the last ones count.
-char* storeShort(char* to, uint16x8_t lastBytes, const UnitKinds& kinds) {
+inline char* storeShort(char* to, uint16x8_t lastBytes, const UnitKinds& kinds) {
   const unsigned bits = bitsOf(kinds.two);
   storeOrdered(to, vreinterpretq_u8_u16(lastBytes), shortOrders, bits);
   return to + unitWidth + bitCount(bits);
 }
 
 /// Stores code units of any length, four bytes to a lane of which the last ones count.
-char* storeLong(char* to, uint16x8_t units, uint16x8_t lastBytes, const UnitKinds& kinds) {
+inline char* storeLong(char* to, uint16x8_t units, uint16x8_t lastBytes, const UnitKinds& kinds) {
   const uint16x8_t first =
       vorrq_u16(vandq_u16(vshrq_n_u16(units, 4), vdupq_n_u16(0x0F00)), vdupq_n_u16(0xE000));
   const unsigned two = bitsOf(kinds.two), three = bitsOf(kinds.three);
@@ -88,7 +90,7 @@ char* storeLong(char* to, uint16x8_t units, uint16x8_t lastBytes, const UnitKind
   return to;
 }
 
-std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t room) {
+inline std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t room) {
   std::size_t i = 0;
   char* const end = bytes + room;
   while (count - i >= unitWidth && static_cast<std::size_t>(end - bytes) >= 4 * unitWidth) {

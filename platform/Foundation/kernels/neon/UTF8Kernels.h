@@ -6,18 +6,20 @@
 namespace NSKernels {
 namespace {
 
-std::size_t asciiBytes(const char* bytes, std::size_t count) {
+inline std::size_t asciiBytes(const char* bytes, std::size_t count) {
   std::size_t i = 0;
   while (count - i >= width && vmaxvq_u8(loadBytes(bytes + i)) < 0x80) i += width;
   return i + scalarKernels.asciiBytes(bytes + i, count - i);
 }
 
-uint8x16_t atLeast(uint8x16_t bytes, std::uint8_t least) { return vcgeq_u8(bytes, vdupq_n_u8(least)); }
+inline uint8x16_t atLeast(uint8x16_t bytes, std::uint8_t least) { return vcgeq_u8(bytes, vdupq_n_u8(least)); }
 
 /// Whether bytes continue a sequence: 80 to BF.
-uint8x16_t continuationsIn(uint8x16_t bytes) { return vcltq_s8(vreinterpretq_s8_u8(bytes), vdupq_n_s8(-64)); }
+inline uint8x16_t continuationsIn(uint8x16_t bytes) {
+  return vcltq_s8(vreinterpretq_s8_u8(bytes), vdupq_n_s8(-64));
+}
 
-std::size_t utf16Length(const char* bytes, std::size_t count) {
+inline std::size_t utf16Length(const char* bytes, std::size_t count) {
   std::size_t units = 0;
   for (; count >= width; bytes += width, count -= width) {
     const uint8x16_t block = loadBytes(bytes);
@@ -37,7 +39,7 @@ struct Kinds {
 };
 
 /// Whether a sequence goes on after the block: it has fewer bytes there than its lead byte announces.
-bool goesOn(const Kinds& kinds) {
+inline bool goesOn(const Kinds& kinds) {
   const uint8x16_t inLast3 = vextq_u8(vdupq_n_u8(0), vdupq_n_u8(255), 3);
   const uint8x16_t inLast2 = vextq_u8(vdupq_n_u8(0), vdupq_n_u8(255), 2);
   const uint8x16_t inLast = vextq_u8(vdupq_n_u8(0), vdupq_n_u8(255), 1);
@@ -46,7 +48,7 @@ bool goesOn(const Kinds& kinds) {
   return vmaxvq_u8(cut) != 0;
 }
 
-Kinds kindsOf(uint8x16_t block) {
+inline Kinds kindsOf(uint8x16_t block) {
   static constexpr std::uint8_t places[width] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   Kinds kinds{continuationsIn(block), atLeast(block, 0xC0), atLeast(block, 0xE0),
               atLeast(block, 0xF0),   vdupq_n_u8(255),      width};
@@ -58,7 +60,7 @@ Kinds kindsOf(uint8x16_t block) {
 
 /// Returns the bytes that begin no sequence, and those whose next byte belongs to an overlong sequence, a
 /// surrogate or a value beyond U+10FFFF.
-uint8x16_t wrongIn(uint8x16_t block, const Kinds& kinds) {
+inline uint8x16_t wrongIn(uint8x16_t block, const Kinds& kinds) {
   const uint8x16_t next = vextq_u8(block, vdupq_n_u8(0), 1);
   const auto is = [block](std::uint8_t byte) { return vceqq_u8(block, vdupq_n_u8(byte)); };
   const uint8x16_t fromA0 = atLeast(next, 0xA0), from90 = atLeast(next, 0x90);
@@ -68,7 +70,7 @@ uint8x16_t wrongIn(uint8x16_t block, const Kinds& kinds) {
   return vorrq_u8(vorrq_u8(low, high), noLead);
 }
 
-bool isMalformed(uint8x16_t block, const Kinds& kinds) {
+inline bool isMalformed(uint8x16_t block, const Kinds& kinds) {
   const uint8x16_t expected =
       vorrq_u8(vorrq_u8(movedOn<1>(kinds.two), movedOn<2>(kinds.three)), movedOn<3>(kinds.four));
   const uint8x16_t wrong = vandq_u8(wrongIn(block, kinds), kinds.wanted);
@@ -80,18 +82,18 @@ struct Units {
   uint16x8_t first, second;
 };
 
-uint16x8_t joined(uint8x8_t upper, uint8x8_t middle, uint8x8_t lower) {
+inline uint16x8_t joined(uint8x8_t upper, uint8x8_t middle, uint8x8_t lower) {
   return vorrq_u16(vorrq_u16(vshlq_n_u16(vmovl_u8(upper), 12), vshll_n_u8(middle, 6)), vmovl_u8(lower));
 }
 
-uint16x8_t withPairs(uint16x8_t units, uint8x8_t isHigh, uint8x8_t isLow) {
+inline uint16x8_t withPairs(uint16x8_t units, uint8x8_t isHigh, uint8x8_t isLow) {
   const auto wide = [](uint8x8_t mask) { return vreinterpretq_u16_s16(vmovl_s8(vreinterpret_s8_u8(mask))); };
   const uint16x8_t high = vaddq_u16(vshrq_n_u16(units, 4), vdupq_n_u16(0xD7C0));
   const uint16x8_t low = vorrq_u16(vandq_u16(units, vdupq_n_u16(0x03FF)), vdupq_n_u16(0xDC00));
   return vbslq_u16(wide(isHigh), high, vbslq_u16(wide(isLow), low, units));
 }
 
-Units unitsOf(uint8x16_t block, const Kinds& kinds) {
+inline Units unitsOf(uint8x16_t block, const Kinds& kinds) {
   const uint8x16_t lower = vbicq_u8(block, vandq_u8(atLeast(block, 0x80), vdupq_n_u8(0xC0)));
   const uint8x16_t middle = vandq_u8(movedOn<1>(lower), kinds.continuing);
   const uint8x16_t upper =
@@ -103,13 +105,13 @@ Units unitsOf(uint8x16_t block, const Kinds& kinds) {
                     vget_high_u8(high), vget_high_u8(low))};
 }
 
-char16_t* storeUnits(char16_t* to, uint16x8_t units, uint8x8_t kept) {
+inline char16_t* storeUnits(char16_t* to, uint16x8_t units, uint8x8_t kept) {
   const unsigned bits = bitsOf(kept);
   storeOrdered(to, vreinterpretq_u8_u16(units), unitOrders, bits);
   return to + bitCount(bits);
 }
 
-std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t room) {
+inline std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t room) {
   std::size_t i = 0;
   char16_t* const end = units + room;
   while (count - i >= width && static_cast<std::size_t>(end - units) >= width) {

@@ -8,21 +8,21 @@ namespace {
 constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
-std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
+inline std::size_t unitsBefore(const char16_t* units, std::size_t count, char16_t unit) {
   std::size_t i = 0;
   while (i < count && units[i] != unit) ++i;
   return i;
 }
 
 /// Two code units of a pair have four bytes.
-std::size_t utf8Length(const char16_t* units, std::size_t count) {
+inline std::size_t utf8Length(const char16_t* units, std::size_t count) {
   std::size_t bytes = count;
   for (std::size_t i = 0; i < count; ++i)
     bytes += (units[i] >= 0x80) + (units[i] >= 0x800 && (units[i] & 0xF800) != 0xD800);
   return bytes;
 }
 
-char* appendUTF8(char* bytes, char32_t value) {
+inline char* appendUTF8(char* bytes, char32_t value) {
   const auto append = [&bytes](char32_t tag, char32_t bits) { *bytes++ = static_cast<char>(tag | bits); };
   const auto continuation = [&](int shift) { append(0x80, value >> shift & 0x3F); };
   if (value < 0x80) {
@@ -43,7 +43,7 @@ char* appendUTF8(char* bytes, char32_t value) {
   return bytes;
 }
 
-std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t) {
+inline std::size_t utf8FromUTF16(const char16_t* units, std::size_t count, char* bytes, std::size_t) {
   std::size_t i = 0;
   for (; i < count; ++i) {
     char32_t value = units[i];

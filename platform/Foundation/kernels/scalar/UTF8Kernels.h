@@ -16,7 +16,7 @@ std::size_t asciiPrefix(const Unit* units, std::size_t count) {
 }
 
 /// Every character has one byte that does not continue a sequence; one above U+FFFF has two code units.
-std::size_t utf16Length(const char* bytes, std::size_t count) {
+inline std::size_t utf16Length(const char* bytes, std::size_t count) {
   std::size_t units = 0;
   for (std::size_t i = 0; i < count; ++i) {
     const auto byte = static_cast<unsigned char>(bytes[i]);
@@ -26,7 +26,7 @@ std::size_t utf16Length(const char* bytes, std::size_t count) {
 }
 
 /// Returns the scalar value of a sequence that is known to be well-formed.
-char32_t valueOf(const char* sequence, std::size_t length) {
+inline char32_t valueOf(const char* sequence, std::size_t length) {
   constexpr unsigned char leadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
   char32_t value = static_cast<unsigned char>(sequence[0]) & leadBits[length];
   for (std::size_t i = 1; i < length; ++i)
@@ -34,7 +34,7 @@ char32_t valueOf(const char* sequence, std::size_t length) {
   return value;
 }
 
-std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t) {
+inline std::size_t utf16FromUTF8(const char* bytes, std::size_t count, char16_t* units, std::size_t) {
   std::size_t i = 0;
   while (i < count) {
     const std::size_t length = NSLengthOfUTF8Sequence({bytes + i, count - i});
