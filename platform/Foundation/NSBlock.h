@@ -50,7 +50,10 @@ class [[gnu::visibility("default")]] NSBlock<Result(Arguments...)>
 
   /// Returns a block with a copy of the callable, so that neither sees changes of the other's state; the
   /// block itself if the callable has no state, as a function or a lambda without captures.
-  NSRef<NSBlock> duplicate() const { return hasState_ ? NSBlock::alloc(callable_) : copy(); }
+  NSRef<NSBlock> duplicate() const {
+    if (!hasState_) return copy();
+    return NSBlock::alloc(callable_);
+  }
 
  private:
   std::function<Result(Arguments...)> callable_;

@@ -42,6 +42,17 @@ bool isPlain(const struct stat& status) {
   return S_ISREG(status.st_mode) && status.st_size <= static_cast<off_t>(largestFile);
 }
 
+/// Replaces the content by what can be read, at most as many bytes as it has.
+void readInto(std::string& content, int descriptor) {
+  std::size_t done = 0;
+  while (done < content.size()) {
+    const ssize_t count = ::read(descriptor, content.data() + done, content.size() - done);
+    if (count <= 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  content.resize(done);
+}
+
 // Looks before it opens, since opening some devices has effects, and again at what was opened.
 std::optional<std::string> readPlainFile(const std::string& path) {
   struct stat status {};
@@ -51,10 +62,7 @@ std::optional<std::string> readPlainFile(const std::string& path) {
   std::optional<std::string> content;
   if (::fstat(descriptor, &status) == 0 && isPlain(status)) {
     content.emplace(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t done = 0;
-    for (ssize_t count = 1; count > 0 && done < content->size(); done += static_cast<std::size_t>(count))
-      count = std::max<ssize_t>(::read(descriptor, content->data() + done, content->size() - done), 0);
-    content->resize(done);
+    readInto(*content, descriptor);
   }
   ::close(descriptor);
   return content;

@@ -86,7 +86,7 @@ SecDesktopBox secDesktopEncrypt(View key, View plaintext) {
   secRequireDone(EVP_EncryptUpdate(context.get(), secOut(box.ciphertext), &written, secIn(plaintext),
                                    secLength(plaintext)));
   secRequireDone(EVP_EncryptFinal_ex(context.get(), secOut(box.ciphertext) + written, &last));
-  box.ciphertext.resize(static_cast<std::size_t>(written + last));
+  box.ciphertext.resize(static_cast<std::size_t>(written) + static_cast<std::size_t>(last));
   return box;
 }
 
@@ -100,7 +100,7 @@ SecSecret secDesktopDecrypt(View key, View vector, View ciphertext) {
   secRequireDone(EVP_DecryptInit_ex(context.get(), cipher().get(), nullptr, secIn(key), secIn(vector)));
   secRequireDone(EVP_DecryptUpdate(context.get(), text, &written, secIn(ciphertext), secLength(ciphertext)));
   secRequire(EVP_DecryptFinal_ex(context.get(), text + written, &last) == 1, errSecDecode);
-  return SecSecret(padded.bytes().first(static_cast<std::size_t>(written + last)));
+  return SecSecret(padded.bytes().first(static_cast<std::size_t>(written) + static_cast<std::size_t>(last)));
 }
 
 std::string secDesktopDigest(std::string_view content) {

@@ -61,8 +61,9 @@ SecFileBucket secReadBucket(const SecFileContext& context, std::uint8_t number) 
 
 void secWriteBucket(const SecFileContext& context, std::uint8_t number, SecFileBucket& bucket) {
   if (bucket.lines.empty()) {
-    if (bucket.tag != SecTag()) secRemoveRecord(context.database, recordOf(number));
-    bucket.tag = {};
+    constexpr SecTag none{};
+    if (bucket.tag != none) secRemoveRecord(context.database, recordOf(number));
+    bucket.tag = none;
     return;
   }
   const SecBytes box = secSeal(context.keys.index(), binding(context.store, number), encode(bucket));
