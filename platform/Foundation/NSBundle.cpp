@@ -104,7 +104,9 @@ NSRef<NSString> NSBundle::localizedStringForKey(NSStringArg key, NSStringArg val
 NSRefPtr<NSString> NSBundle::translationOf(const NSString& key, const std::string& table) const {
   for (const std::string& language : NSPreferredLanguages()) {
     if (language.find('/') != std::string::npos) continue;
-    const NSRefPtr<NSDictionary> strings = resource(language + ".lproj/" + table + ".strings");
+    std::string name = language;
+    name.append(".lproj/").append(table).append(".strings");
+    const NSRefPtr<NSDictionary> strings = resource(name);
     if (!strings) continue;
     if (const auto translation = NSDynamicCast<NSString>(strings->objectForKey(key))) return translation;
   }

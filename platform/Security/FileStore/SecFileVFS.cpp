@@ -155,7 +155,8 @@ int SecFileVFS::access(sqlite3_vfs* vfs, const char* path, int, int* result) {
 }
 
 int SecFileVFS::fullPath(sqlite3_vfs*, const char* path, int size, char* full) {
-  if (std::strlen(path) >= static_cast<std::size_t>(size)) return SQLITE_CANTOPEN;
-  std::strcpy(full, path);
+  const std::size_t length = std::strlen(path);
+  if (length >= static_cast<std::size_t>(size)) return SQLITE_CANTOPEN;
+  std::memcpy(full, path, length + 1);
   return SQLITE_OK;
 }
