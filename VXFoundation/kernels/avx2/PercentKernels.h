@@ -9,7 +9,7 @@
 namespace VXKernels {
 namespace {
 
-constexpr std::size_t blockWidth = 16;
+inline constexpr std::size_t blockWidth = 16;
 
 inline __m128i load(const void* from) { return _mm_loadu_si128(static_cast<const __m128i*>(from)); }
 inline void store(void* to, __m128i bytes) { _mm_storeu_si128(static_cast<__m128i*>(to), bytes); }

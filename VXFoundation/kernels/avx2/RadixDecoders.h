@@ -27,7 +27,7 @@ constexpr Half digitsByLowHalf(const Radix& radix) {
 /// The only digit whose value minus character is not that of its row: "/" or "_", by the alphabet.
 constexpr char irregularDigit(const Radix& radix) { return radix.bits == 6 ? radix.alphabet[63] : '\xFF'; }
 /// The row that it uses instead, which has no digits.
-constexpr int spareRow = 1;
+inline constexpr int spareRow = 1;
 
 /// Value minus character, by row.
 constexpr Half differencesByRow(const Radix& radix) {

@@ -51,7 +51,7 @@ inline __m256i add(__m256i digits, __m256i where, int difference) {
 
 /// Character minus digit, which changes at 26, 52, 62 and 63. Capitals have a separate place; the others have
 /// the place `digit - 51`, or 0 if that is negative.
-constexpr std::size_t capitalsPlace = 13;
+inline constexpr std::size_t capitalsPlace = 13;
 
 constexpr Half base64Differences(const Radix& radix) {
   Half differences{};
@@ -74,14 +74,14 @@ __m256i charactersOf(__m256i bytes) {
 }
 
 template <>
-__m256i charactersOf<base32>(__m256i bytes) {
+inline __m256i charactersOf<base32>(__m256i bytes) {
   const __m256i digits = base32Digits(bytes);
   const __m256i numerals = _mm256_cmpgt_epi8(digits, _mm256_set1_epi8(25));
   return add(_mm256_add_epi8(digits, _mm256_set1_epi8('A')), numerals, '2' - 'A' - 26);
 }
 
 template <>
-__m256i charactersOf<base16>(__m256i bytes) {
+inline __m256i charactersOf<base16>(__m256i bytes) {
   const __m256i characters =
       _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(base16.alphabet)));
   return _mm256_shuffle_epi8(characters, base16Digits(bytes));

@@ -60,7 +60,7 @@ inline std::size_t storeBytes(char* to, __m512i from, __mmask64 kept, std::size_
 
 // A block is 31 code units and, in front of them, the last one of the block before, so that a pair that
 // begins there is seen as a whole. Each half of a pair is two bytes of the four.
-constexpr std::size_t unitsBack = 1, unitStep = unitWidth - unitsBack;
+inline constexpr std::size_t unitsBack = 1, unitStep = unitWidth - unitsBack;
 
 /// Returns each code unit's predecessor, zero for that of the first.
 inline __m512i predecessors(__m512i units) {

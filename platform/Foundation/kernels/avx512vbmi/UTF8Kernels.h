@@ -34,9 +34,9 @@ inline std::size_t utf16Length(const char* bytes, std::size_t count) {
 // A block is 61 bytes and, in front of them, the last three of the block before, so that a sequence that
 // begins there is seen as a whole. A byte that completes a code unit has a unit in the output: the last one
 // of each sequence and, if it has four, the third.
-constexpr std::size_t malformed = static_cast<std::size_t>(-1);
-constexpr std::size_t lookBack = 3, step = width - lookBack;
-constexpr __mmask64 allButLookBack = ~__mmask64{0} << lookBack;
+inline constexpr std::size_t malformed = static_cast<std::size_t>(-1);
+inline constexpr std::size_t lookBack = 3, step = width - lookBack;
+inline constexpr __mmask64 allButLookBack = ~__mmask64{0} << lookBack;
 
 /// Returns the order in which each lane takes the byte `distance` lanes further on.
 constexpr Block lanesFrom(int distance) {
