@@ -86,7 +86,8 @@ class Salvage {
   }
 
   bool mayBeCurrent(const SecFileIdentity& identity, std::int64_t number, const SecTag& tag) const {
-    if (seal_ && seal_->buckets[identity.bucket()] == SecTag()) return false;
+    constexpr SecTag none{};
+    if (seal_ && seal_->buckets[identity.bucket()] == none) return false;
     const auto bucket = buckets_.find(identity.bucket());
     if (bucket == buckets_.end()) return true;
     const auto& lines = bucket->second.lines;
