@@ -16,7 +16,7 @@ class SecStorageConformance {
   /// What is expected of a storage, unless it is the default.
   struct Terms {
     bool holdsOnlyDesktopText = false;  ///< whether some steps have the status after their exclamation mark
-    int operations = 30'000;            ///< how many are compared with the model
+    int operations = 25'000;            ///< how many are compared with the model
     std::function<bool(OSStatus)> isEnd = nullptr;  ///< whether a status ends the comparison
   };
 
